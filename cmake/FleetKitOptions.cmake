@@ -1,0 +1,28 @@
+# Language level, warnings and sanitizers, one place for all targets.
+option(FLEETKIT_TESTS "Build the tests" ON)
+set(FLEETKIT_SANITIZE "" CACHE STRING "Sanitizers to build with, as in -fsanitize=")
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+
+set(CMAKE_CXX_FLAGS_DEV "-O1 -g1")
+set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG")
+if(NOT CMAKE_BUILD_TYPE)
+  set(CMAKE_BUILD_TYPE Release)
+endif()
+
+add_library(fleetkit-options INTERFACE)
+target_compile_options(fleetkit-options INTERFACE
+  -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+  target_compile_options(fleetkit-options INTERFACE -Wthread-safety)
+endif()
+if(FLEETKIT_SANITIZE)
+  target_compile_options(fleetkit-options INTERFACE
+    -fsanitize=${FLEETKIT_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(fleetkit-options INTERFACE -fsanitize=${FLEETKIT_SANITIZE})
+endif()
