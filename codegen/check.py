@@ -1,0 +1,182 @@
+"""Refuses a schema that does not hold together."""
+
+import re
+
+from schema import SCALARS, SchemaError
+
+PLACEHOLDERS = {"tag", "parent", "mapper", "value", "file", "line"}
+NUMBER = {
+    "bool": r"true|false",
+    "int": r"-?\d+",
+    "u16": r"\d+",
+    "float": r"-?\d+(\.\d+)?",
+    "double": r"-?\d+(\.\d+)?",
+}
+RANGES = {"int": (-(2**31), 2**31 - 1), "u16": (0, 65535)}
+
+
+def check_value(kind, text, place, what):
+    if kind == "string":
+        return
+    if kind not in NUMBER or not re.fullmatch(NUMBER[kind], text):
+        raise SchemaError(place, f"{what} does not fit the type {kind}: {text}")
+    if kind in RANGES and not RANGES[kind][0] <= int(text) <= RANGES[kind][1]:
+        raise SchemaError(place, f"{what} does not fit the type {kind}: {text}")
+
+
+def check_words(field):
+    for words in (field.absent, field.bad, field.unwritten):
+        for name in re.findall(r"\{(\w*)\}", words):
+            if name not in PLACEHOLDERS:
+                raise SchemaError(field.place, f"unknown placeholder: {{{name}}}")
+
+
+def check_references(schema, record, field):
+    target = schema.records.get(field.type)
+    if field.kind in ("record", "list"):
+        if target is None or target.is_element:
+            raise SchemaError(field.place, f"no such record: {field.type}")
+    elif field.kind in ("element", "each"):
+        if target is None or not target.is_element:
+            raise SchemaError(field.place, f"no such element: {field.type}")
+    elif field.kind == "values" and field.type not in ("int", "string"):
+        raise SchemaError(field.place, f"values are int or string, not {field.type}")
+    elif field.kind == "joined":
+        check_joined(target, field)
+    if field.unread and (
+            field.kind != "element" or field.unread not in [f.name for f in target.fields]):
+        raise SchemaError(field.place, f"no such field to leave unread: {field.unread}")
+    others = {other.name: other for other in record.fields if other is not field}
+    if field.read_into:
+        other = others.get(field.read_into)
+        if other is None or other.kind != field.kind:
+            raise SchemaError(field.place, f"cannot be read into {field.read_into}")
+    if field.length and (field.length not in others or others[field.length].kind != "int"):
+        raise SchemaError(field.place, f"the length of a block is an int field: {field.length}")
+
+
+def check_joined(target, field):
+    pieces = field.pattern.count("%d")
+    if field.type == "int":
+        expected = 1
+    elif target is None or any(f.kind != "int" for f in target.fields):
+        raise SchemaError(field.place, f"joined pieces are int or a record of ints: {field.type}")
+    else:
+        expected = len(target.fields)
+    if pieces != expected:
+        raise SchemaError(field.place, f"the pattern has {pieces} numbers, not {expected}")
+
+
+def check_field(schema, record, field):
+    check_words(field)
+    check_references(schema, record, field)
+    scalar = field.kind in SCALARS
+    if field.presence and not scalar and field.kind != "joined":
+        if field.kind != "record" or field.presence != "required" or field.absent:
+            raise SchemaError(field.place, f"a {field.kind} cannot be {field.presence}")
+    if field.default:
+        check_value(field.kind if scalar else "?", field.default, field.place, "the default")
+    if field.fallback:
+        check_value(field.kind, field.fallback, field.place, "the fallback")
+    if "omit-empty" in field.flags and field.kind != "string":
+        raise SchemaError(field.place, "only a string can be omitted when empty")
+    if "read-as-float" in field.flags and field.kind != "int":
+        raise SchemaError(field.place, "only an int can be read as float")
+    if "bare" in field.flags and field.kind != "values":
+        raise SchemaError(field.place, "only values can be bare")
+    if field.item and field.kind not in ("values", "each"):
+        raise SchemaError(field.place, "only repeated elements can stand under another")
+
+
+def check_record(schema, record):
+    seen = {}
+    for field in record.fields:
+        if field.name in seen and "read-only" not in field.flags:
+            raise SchemaError(field.place, f"{field.name} stands already at {seen[field.name]}")
+        if "read-only" in field.flags and field.name not in seen:
+            raise SchemaError(field.place, f"{field.name} is read again, and was never read")
+        seen[field.name] = field.place
+        check_field(schema, record, field)
+    if record.base:
+        base = schema.records.get(record.base)
+        if base is None or base.is_element:
+            raise SchemaError(record.place, f"no such base record: {record.base}")
+
+
+def by_value(schema, record):
+    """The types that a record holds by value: its base and its single nested ones."""
+    names = [f.type for f in record.fields if f.kind in ("record", "element")]
+    return [schema.records[name] for name in names + ([record.base] if record.base else [])]
+
+
+def check_cycles(schema):
+    done = set()
+
+    def visit(record, path):
+        if record.name in path:
+            raise SchemaError(record.place, f"{record.name} holds itself")
+        if record.name not in done:
+            for inner in by_value(schema, record):
+                visit(inner, path + [record.name])
+            done.add(record.name)
+
+    for record in schema.records.values():
+        visit(record, [])
+
+
+def check_order(schema):
+    """Records stand in the order of their ids, so that a reader finds them."""
+    last = {}
+    for record in schema.records.values():
+        if record.is_element or not record.has_id:
+            continue
+        if record.id <= last.get(record.family, -1):
+            raise SchemaError(record.place, f"{record.name} is out of order: id {record.id}")
+        last[record.family] = record.id
+
+
+def check_ids(schema):
+    owners = {}
+    for record in schema.records.values():
+        if record.is_element or not record.has_id:
+            continue
+        if record.id in owners:
+            raise SchemaError(
+                record.place, f"id {record.id} stands already at {owners[record.id].place}")
+        owners[record.id] = record
+
+
+def check_domains(schema):
+    last = -1
+    for domain in schema.domains:
+        record = schema.records.get(domain.class_name)
+        if record is None or record.is_element:
+            raise SchemaError(domain.place, f"no such record: {domain.class_name}")
+        if not record.has_id or record.id != domain.id:
+            raise SchemaError(
+                domain.place, f"{record.name} has the id {record.id} at {record.place}")
+        if domain.id <= last:
+            raise SchemaError(domain.place, f"out of order: id {domain.id}")
+        last = domain.id
+
+
+def check_commands(schema):
+    seen = {}
+    for command in schema.commands:
+        content = (command.response, command.group, command.operation)
+        if seen.setdefault(command.request, content) != content:
+            raise SchemaError(
+                command.place, f"{command.request} stands already with another content")
+
+
+def check_schema(schema):
+    for record in schema.records.values():
+        check_record(schema, record)
+    check_cycles(schema)
+    check_order(schema)
+    check_ids(schema)
+    check_domains(schema)
+    check_commands(schema)
+    for name, place in schema.exported:
+        if name not in schema.records:
+            raise SchemaError(place, f"no such record: {name}")

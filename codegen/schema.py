@@ -1,0 +1,317 @@
+"""The schema language: reads *.schema files into a model.
+
+Nothing is resolved here; check.py does that. Every refusal names file, line and reason.
+"""
+
+import re
+from dataclasses import dataclass, field
+from pathlib import Path
+
+SCALARS = ("bool", "int", "u16", "float", "double", "string")
+PRESENCES = ("kept", "logged", "required", "falls")
+OPERATIONS = {"write": 1, "read": 2, "other": 3, "action": 4}
+ACKNOWLEDGEMENT = 10000
+
+
+class SchemaError(Exception):
+    """A line that is refused."""
+
+    def __init__(self, place, reason):
+        super().__init__(f"{place}: {reason}")
+
+
+@dataclass
+class Field:
+    name: str
+    kind: str  # a scalar, or record, list, values, element, each, joined, block
+    place: str
+    type: str = ""  # the record or element named, or the type of values
+    item: str = ""  # tag of each value, or the element around repeated elements
+    pattern: str = ""
+    separator: str = ""
+    length: str = ""  # a block's length field
+    default: str = ""
+    presence: str = ""
+    fallback: str = ""
+    absent: str = ""
+    bad: str = ""
+    unwritten: str = ""
+    read_into: str = ""
+    unread: str = ""
+    flags: set = field(default_factory=set)  # write-only, read-only, omit-empty, read-as-float, bare
+    comment: str = ""
+
+
+@dataclass
+class Record:
+    name: str
+    place: str
+    family: str
+    is_element: bool = False
+    id: int = 0
+    has_id: bool = True
+    base: str = ""
+    entry: str = ""
+    home: str = "domain"
+    absent: str = ""
+    flags: set = field(default_factory=set)  # logs, odd, by-hand
+    fields: list = field(default_factory=list)
+    comment: str = ""
+
+
+@dataclass
+class Domain:
+    id: int
+    name: str
+    place: str
+    class_name: str
+    list_name: str
+
+
+@dataclass
+class Command:
+    request: int
+    response: int
+    group: int
+    operation: int
+    place: str
+
+
+@dataclass
+class Schema:
+    records: dict = field(default_factory=dict)
+    families: dict = field(default_factory=dict)  # name -> the comment that opens the file
+    domains: list = field(default_factory=list)
+    commands: list = field(default_factory=list)
+    exported: list = field(default_factory=list)  # (class name, place)
+
+
+TOKEN = re.compile(r'\s*(?:"((?:[^"\\]|\\.)*)"|([^\s"#]+))')
+
+
+def tokens_of(text, place):
+    """Splits a line into tokens; a quoted text keeps its opening quote as a mark."""
+    tokens, position, comment = [], 0, ""
+    while position < len(text):
+        rest = text[position:].lstrip()
+        if not rest:
+            break
+        if rest.startswith("#"):
+            comment = rest[1:].strip()
+            break
+        match = TOKEN.match(text, position)
+        if not match:
+            raise SchemaError(place, "a text without its closing quote")
+        tokens.append('"' + match[1] if match[1] is not None else match[2])
+        position = match.end()
+    return tokens, comment
+
+
+class Words:
+    """The tokens of one line, taken from the front."""
+
+    def __init__(self, tokens, place):
+        self.tokens, self.place = list(tokens), place
+
+    def __bool__(self):
+        return bool(self.tokens)
+
+    def peek(self):
+        return self.tokens[0] if self.tokens else ""
+
+    def take(self, what):
+        if not self.tokens or self.tokens[0].startswith('"'):
+            raise SchemaError(self.place, f"{what} is missing")
+        return self.tokens.pop(0)
+
+    def take_text(self, what):
+        if not self.peek().startswith('"'):
+            raise SchemaError(self.place, f"{what} is missing (a text in quotes)")
+        return self.tokens.pop(0)[1:]
+
+    def take_number(self, what):
+        text = self.take(what)
+        if not re.fullmatch(r"\d+", text) or int(text) > 0xFFFFFFFF:
+            raise SchemaError(self.place, f"{what} is not a number: {text}")
+        return int(text)
+
+    def take_name(self, what):
+        text = self.take(what)
+        if not re.fullmatch(r"[A-Za-z]\w*", text):
+            raise SchemaError(self.place, f"{what} is not a name: {text}")
+        return text
+
+    def end(self):
+        if self.tokens:
+            raise SchemaError(self.place, f"unknown word: {self.tokens[0].lstrip(chr(34))}")
+
+
+def parse_field(words):
+    result = Field(words.take_name("a field name"), "", words.place)
+    kind = result.kind = words.take("a type")
+    if kind in ("record", "list", "element", "each"):
+        result.type = words.take_name(f"the type of a {kind}")
+    elif kind == "values":
+        result.type = words.take("the type of the values")
+        result.item = words.take_name("the tag of each value")
+    elif kind == "joined":
+        result.type = words.take("the type of the joined pieces")
+        result.pattern = words.take_text("the pattern of a piece")
+        result.separator = words.take_text("the separator")
+    elif kind == "block":
+        result.length = words.take_name("the field with the block's length")
+    elif kind not in SCALARS:
+        raise SchemaError(words.place, f"unknown type: {kind}")
+    while words:
+        parse_modifier(result, words)
+    return result
+
+
+def parse_modifier(result, words):
+    word = words.take("a modifier")
+    if word == "=":
+        text = words.peek().startswith('"')
+        result.default = words.take_text("a default") if text else words.take("a default")
+    elif word in PRESENCES:
+        if result.presence:
+            raise SchemaError(words.place, f"both {result.presence} and {word}")
+        result.presence = word
+        if word == "falls":
+            result.fallback = words.take("the fallback")
+            result.absent = words.take_text("the words of a fallback")
+        elif words.peek().startswith('"'):
+            if word == "kept":
+                raise SchemaError(words.place, "a kept field prints nothing")
+            result.absent = words.take_text("the words")
+    elif word in ("absent", "bad", "unwritten"):
+        setattr(result, word, words.take_text(f"the words of {word}"))
+    elif word == "read-into":
+        result.read_into = words.take_name("the field read into")
+    elif word == "read-as":
+        if words.take("the type read as") != "float":
+            raise SchemaError(words.place, "a number can only be read as float")
+        result.flags.add("read-as-float")
+    elif word == "unread":
+        result.unread = words.take_name("the field that is not read")
+    elif word == "under":
+        result.item = words.take_name("the element around")
+    elif word in ("write-only", "read-only", "omit-empty", "bare"):
+        result.flags.add(word)
+    else:
+        raise SchemaError(words.place, f"unknown word: {word}")
+
+
+def parse_record(words, family):
+    result = Record(words.take_name("a record name"), words.place, family)
+    if words.peek() == "none":
+        words.take("none")
+        result.has_id = False
+    else:
+        result.id = words.take_number("the domain id")
+    while words:
+        word = words.take("a modifier")
+        if word == ":":
+            result.base = words.take_name("the base record")
+        elif word == "entry":
+            result.entry = words.take_text("the tag of a list entry")
+        elif word == "in":
+            result.home = words.take("the room")
+        elif word in ("logs", "odd", "by-hand"):
+            result.flags.add(word)
+        else:
+            raise SchemaError(words.place, f"unknown word: {word}")
+    return result
+
+
+def parse_domain(words):
+    number, name = words.take_number("the domain id"), words.take_name("the domain name")
+    result = Domain(number, name, words.place, name, name + "List")
+    while words:
+        word = words.take("a modifier")
+        if word == "class":
+            result.class_name = words.take_name("the class")
+        elif word == "list":
+            result.list_name = words.take_name("the list name")
+        elif word == "no-list":
+            result.list_name = ""
+        else:
+            raise SchemaError(words.place, f"unknown word: {word}")
+    return result
+
+
+def parse_command(words):
+    request = words.take_number("the request")
+    if words.peek() == "ack":
+        words.take("ack")
+        response = ACKNOWLEDGEMENT
+    else:
+        response = words.take_number("the response")
+    group, operation = words.take_number("the group"), words.take("the operation")
+    if operation not in OPERATIONS:
+        raise SchemaError(words.place, f"unknown operation: {operation}")
+    words.end()
+    return Command(request, response, group, OPERATIONS[operation], words.place)
+
+
+def read_file(schema, path):
+    """Adds what one file says to the schema."""
+    family, current, pending, opening = path.stem, None, [], []
+    has_content = False
+    for number, text in enumerate(path.read_text(encoding="utf-8").split("\n"), 1):
+        place = f"{path.name}:{number}"
+        if "\t" in text:
+            raise SchemaError(place, "a tab; the schema is indented by four blanks")
+        if text.startswith("#"):
+            pending.append(text[1:].strip())
+            continue
+        if not text.strip():
+            opening = opening or (pending if not has_content else [])
+            pending = []
+            continue
+        has_content = True
+        tokens, comment = tokens_of(text, place)
+        words = Words(tokens, place)
+        if text.startswith(" "):
+            if current is None:
+                raise SchemaError(place, "a field without a record")
+            if current.is_element and words.peek() == "absent":
+                words.take("absent")
+                current.absent = words.take_text("the words of absent")
+                words.end()
+                continue
+            new_field = parse_field(words)
+            new_field.comment = comment
+            current.fields.append(new_field)
+            continue
+        current = None
+        keyword = words.take("a keyword")
+        if keyword in ("record", "element"):
+            if keyword == "record":
+                current = parse_record(words, family)
+            else:
+                current = Record(words.take_name("an element name"), place, family, True)
+                words.end()
+            current.comment = comment or " ".join(pending)
+            if current.name in schema.records:
+                raise SchemaError(
+                    place,
+                    f"{current.name} stands already at {schema.records[current.name].place}")
+            schema.records[current.name] = current
+        elif keyword == "domain":
+            schema.domains.append(parse_domain(words))
+        elif keyword == "command":
+            schema.commands.append(parse_command(words))
+        elif keyword == "export":
+            schema.exported.append((words.take_name("a class"), place))
+            words.end()
+        else:
+            raise SchemaError(place, f"unknown keyword: {keyword}")
+        pending = []
+    schema.families[family] = " ".join(opening)
+
+
+def read_schema(directory):
+    schema = Schema()
+    for path in sorted(Path(directory).glob("*.schema")):
+        read_file(schema, path)
+    return schema
