@@ -1,0 +1,35 @@
+// The generated tables of the vocabulary, for the look-ups of this room.
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include "domain/RecordDescriptor.h"
+
+namespace DomainTables {
+
+using DescriptorOf = const RecordDescriptor& (*)() noexcept;
+
+struct IdRow {
+    std::uint32_t nDomainId;
+    DescriptorOf descriptor;
+};
+
+struct NameRow {
+    const char* szName;
+    DescriptorOf descriptor;
+};
+
+// Every record and, behind them, every inline element.
+std::span<const DescriptorOf> descriptors() noexcept;
+// Every record with an id, by id.
+std::span<const IdRow> idRows() noexcept;
+// The names by which a body's elements are found, sorted by bytes. Of a doubled name only the row
+// that comes first in the vocabulary stands here.
+std::span<const NameRow> singleNames() noexcept;
+std::span<const NameRow> listNames() noexcept;
+
+const RecordDescriptor* findById(std::uint32_t nDomainId) noexcept;
+const RecordDescriptor* findByName(std::span<const NameRow> names, const char* szName) noexcept;
+
+}  // namespace DomainTables
