@@ -1,0 +1,17 @@
+// Finds mappers by domain id.
+#include "domainxml/DomainXmlFactory.h"
+
+#include "Product/Technic/LogFilter.h"
+#include "domain/RecordDescriptor.h"
+#include "domainxml/RecordXml.h"
+
+std::unique_ptr<IDomainXml> createDomainXml(std::uint32_t nDomainId) {
+    const RecordDescriptor* pDescriptor = findRecordDescriptor(nDomainId);
+    if (pDescriptor == nullptr || pDescriptor->szName == nullptr) {
+        constexpr int TraceLevel = 3;
+        logMessage(TraceLevel, "DomainXmlFactory", "DomainXmlFactory not have DomainXml(%d)!! \n",
+                   static_cast<int>(nDomainId));
+        return nullptr;
+    }
+    return std::make_unique<RecordXml>(*pDescriptor);
+}
