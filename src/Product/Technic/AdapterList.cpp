@@ -1,0 +1,35 @@
+#include "Product/Technic/AdapterList.h"
+
+#include <utility>
+
+#include "Product/Technic/platform/InterfaceList.h"
+
+namespace {
+
+AdapterLister& currentLister() {
+    static AdapterLister lister;
+    return lister;
+}
+
+}  // namespace
+
+bool listAdapters(std::vector<NetworkAdapter>& vecAdapters) {
+    vecAdapters.clear();
+    const AdapterLister& lister = currentLister();
+    return lister ? lister(vecAdapters) : listSystemAdapters(vecAdapters);
+}
+
+void getAdapterNames(std::vector<std::string>& vecNames) {
+    vecNames.clear();
+    std::vector<NetworkAdapter> vecAdapters;
+    if (!listAdapters(vecAdapters)) {
+        return;
+    }
+    for (const NetworkAdapter& adapter : vecAdapters) {
+        vecNames.push_back(adapter.strName);
+    }
+}
+
+void setAdapterLister(AdapterLister lister) {
+    currentLister() = std::move(lister);
+}
