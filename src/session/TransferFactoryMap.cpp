@@ -1,0 +1,51 @@
+#include "session/TransferFactoryMap.h"
+
+#include "session/TCPTransferFactory.h"
+#include "session/UDPTransferFactory.h"
+
+TransferFactoryMap& TransferFactoryMap::instance() {
+    static TransferFactoryMap map;
+    return map;
+}
+
+void TransferFactoryMap::add(int nKind, ITransferFactory* pFactory) {
+    const KXMutexGuard guard(m_mutex);
+    m_mapFactories[nKind] = pFactory;
+}
+
+void TransferFactoryMap::remove(int nKind) {
+    const KXMutexGuard guard(m_mutex);
+    const auto it = m_mapFactories.find(nKind);
+    if (it == m_mapFactories.end()) {
+        return;
+    }
+    const std::unique_ptr<ITransferFactory> pFactory(it->second);
+    m_mapFactories.erase(it);
+}
+
+ITransferFactory* TransferFactoryMap::find(int nKind) {
+    const KXMutexGuard guard(m_mutex);
+    const auto it = m_mapFactories.find(nKind);
+    return it == m_mapFactories.end() ? nullptr : it->second;
+}
+
+TransferFactoryRegistrar::TransferFactoryRegistrar(int nKind,
+                                                   std::unique_ptr<ITransferFactory> pFactory)
+    : m_nKind(nKind) {
+    TransferFactoryMap::instance().add(nKind, pFactory.get());
+    static_cast<void>(pFactory.release());
+}
+
+TransferFactoryRegistrar::~TransferFactoryRegistrar() {
+    TransferFactoryMap::instance().remove(m_nKind);
+}
+
+void registerTCPTransfer() {
+    static const TransferFactoryRegistrar registrar(TransferKind::TCP,
+                                                    std::make_unique<TCPTransferFactory>());
+}
+
+void registerUDPTransfer() {
+    static const TransferFactoryRegistrar registrar(TransferKind::UDP,
+                                                    std::make_unique<UDPTransferFactory>());
+}

@@ -1,0 +1,72 @@
+#include "session/UDPTransfer.h"
+
+#include "Product/Technic/ErrorCode.h"
+#include "Product/Technic/LogFilter.h"
+
+namespace {
+
+constexpr std::uint32_t MaxDatagram = 5600;
+constexpr const char* SourceName = "UDPTransfer";
+
+}  // namespace
+
+UDPTransfer::UDPTransfer(int nIPProtoVer) : ITransfer(nIPProtoVer) {}
+
+int UDPTransfer::create() {
+    return createSocket(Socket::Datagram);
+}
+
+int UDPTransfer::sendCommand(const CommandBuffer& buffer, const InetAddr& to, int) {
+    if (!m_pobjSocket) {
+        return ErrorCode::NoTransport;
+    }
+    const std::int32_t nRet =
+        m_pobjSocket->sendTo(buffer.data(), static_cast<std::int32_t>(buffer.getLength()), to);
+    if (nRet == ISocket::TimedOut) {
+        return ErrorCode::SendTimedOut;
+    }
+    return nRet == ISocket::Failed ? ErrorCode::SendFailed : ErrorCode::Success;
+}
+
+int UDPTransfer::sendCommand(const CommandBuffer&, const InetAddr&) {
+    return ErrorCode::Success;
+}
+
+int UDPTransfer::recvCommand(CommandBuffer& buffer, int nTimeoutMs, InetAddr& from) {
+    if (!m_pobjSocket) {
+        return ErrorCode::NoTransport;
+    }
+    if (!buffer.allocate(MaxDatagram)) {
+        traceMessage("p_objRecvBuf.alloc failed ", SourceName, __LINE__);
+        return ErrorCode::NoMemory;
+    }
+    const std::int32_t nRet = m_pobjSocket->recvFrom(
+        buffer.data(), static_cast<std::int32_t>(buffer.getCapacity()), from, nTimeoutMs);
+    if (nRet == ISocket::TimedOut) {
+        return ErrorCode::ReceiveTimedOut;
+    }
+    if (nRet < 0) {
+        traceMessage("recv socket error!", SourceName, __LINE__);
+        return ErrorCode::ReceiveFailed;
+    }
+    buffer.setLength(static_cast<std::uint32_t>(nRet));
+    m_peerAddr = from;
+    return ErrorCode::Success;
+}
+
+int UDPTransfer::recvCommand(CommandBuffer&) {
+    return ErrorCode::Success;
+}
+
+int UDPTransfer::listen(int) {
+    return ErrorCode::Success;
+}
+
+int UDPTransfer::accept(ITransfer&, int) {
+    return ErrorCode::Success;
+}
+
+int UDPTransfer::getPeerAddr(InetAddr& address) {
+    address = m_pobjSocket ? m_peerAddr : InetAddr();
+    return m_pobjSocket ? ErrorCode::Success : ErrorCode::NoTransport;
+}

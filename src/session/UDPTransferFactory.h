@@ -1,0 +1,9 @@
+// Makes transports over UDP.
+#pragma once
+
+#include "session/ITransferFactory.h"
+
+class UDPTransferFactory : public ITransferFactory {
+public:
+    std::unique_ptr<ITransfer> create(int nIPProtoVer) override;
+};
