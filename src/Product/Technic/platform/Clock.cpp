@@ -1,0 +1,52 @@
+// The system's clock, and the one that stands in its place.
+#include "Product/Technic/platform/Clock.h"
+
+#include <time.h>
+
+#include <atomic>
+#include <chrono>
+#include <thread>
+
+namespace {
+
+class SystemClock : public IClock {
+public:
+    std::uint64_t monotonicMs() override {
+        using std::chrono::milliseconds;
+        const auto nSinceStart = std::chrono::steady_clock::now().time_since_epoch();
+        return static_cast<std::uint64_t>(
+            std::chrono::duration_cast<milliseconds>(nSinceStart).count());
+    }
+
+    std::time_t calendarTime() override { return std::time(nullptr); }
+
+    void sleepMs(std::uint32_t nMs) override {
+        std::this_thread::sleep_for(std::chrono::milliseconds(nMs));
+    }
+};
+
+std::atomic<IClock*>& clockInPlace() noexcept {
+    static SystemClock objSystemClock;
+    static std::atomic<IClock*> pobjClock{&objSystemClock};
+    return pobjClock;
+}
+
+}  // namespace
+
+IClock& currentClock() noexcept {
+    return *clockInPlace();
+}
+
+ScopedClock::ScopedClock(IClock& objClock) noexcept
+    : m_pobjPrevious(clockInPlace().exchange(&objClock)) {}
+
+ScopedClock::~ScopedClock() {
+    clockInPlace() = m_pobjPrevious;
+}
+
+std::tm toLocalTime(std::time_t nTime) noexcept {
+    std::tm objTime{};
+    tzset();
+    localtime_r(&nTime, &objTime);
+    return objTime;
+}

@@ -1,0 +1,34 @@
+// Time and sleep, behind one small interface that tests replace.
+#pragma once
+
+#include <cstdint>
+#include <ctime>
+
+// A source of time. Implementations are safe to use from any thread.
+class IClock {
+public:
+    virtual ~IClock() = default;
+
+    virtual std::uint64_t monotonicMs() = 0;      // since some fixed moment, never going back
+    virtual std::time_t calendarTime() = 0;       // seconds since 1970, UTC
+    virtual void sleepMs(std::uint32_t nMs) = 0;  // returns when that much of this time has passed
+};
+
+// The clock that the library uses: the system's, unless a ScopedClock is alive.
+IClock& currentClock() noexcept;
+
+// Puts another clock in place for a scope. The clock is not owned and has to outlive every thread
+// that started to use it; scopes nest.
+class ScopedClock {
+public:
+    explicit ScopedClock(IClock& objClock) noexcept;
+    ~ScopedClock();
+    ScopedClock(const ScopedClock&) = delete;
+    ScopedClock& operator=(const ScopedClock&) = delete;
+
+private:
+    IClock* m_pobjPrevious;
+};
+
+// Breaks a time down by the machine's time zone, which is read anew at every call.
+std::tm toLocalTime(std::time_t nTime) noexcept;

@@ -1,0 +1,13 @@
+// What is printed on standard output while a function runs.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+template <class Action>
+std::string captureOutput(const Action& objAction) {
+    testing::internal::CaptureStdout();
+    objAction();
+    return testing::internal::GetCapturedStdout();
+}
