@@ -1,0 +1,22 @@
+// The exception of the base library, for programming errors.
+#pragma once
+
+#include <exception>
+#include <string>
+
+#include "Product/Technic/Export.h"
+
+// Carries one text. Thrown for every misuse of safe pointers; see SafePointer.h.
+class FLEETKIT_EXPORT KXRuntimeError : public std::exception {
+public:
+    // A null text gives an empty message.
+    explicit KXRuntimeError(const char* const& pMessage);
+    KXRuntimeError(const KXRuntimeError& objOther);
+    KXRuntimeError& operator=(const KXRuntimeError& objOther);
+    ~KXRuntimeError() override;
+
+    const char* what() const noexcept override;
+
+private:
+    std::string m_strMessage;
+};

@@ -1,0 +1,141 @@
+// The reference-counted owning pointer of the whole system.
+#pragma once
+
+#include <memory>
+#include <type_traits>
+#include <typeinfo>
+
+#include "Product/Technic/Export.h"
+
+class SafePointerSlot;
+
+// Root of every SafePointer<T>, with the steps that do not depend on T.
+class FLEETKIT_EXPORT BaseSafePointer {
+public:
+    // A stale holder is told so even at its end, hence the destructors may throw. A class that
+    // holds a SafePointer and overrides a virtual destructor says `~X() noexcept override`.
+    virtual ~BaseSafePointer() noexcept(false);
+
+protected:
+    BaseSafePointer() = default;
+    BaseSafePointer(const BaseSafePointer&) = default;
+    BaseSafePointer& operator=(const BaseSafePointer&) = default;
+
+    // Prints "SafePointer Report:", the type name and the message, and throws the same text.
+    [[noreturn]] static void report(const char* pTypeName, const char* pMessage);
+
+    // A slot of the registry with count 1; throws when the table is exhausted.
+    static SafePointerSlot* takeSlot(void* pObject, const char* pTypeName);
+    static void addReference(SafePointerSlot* pobjSlot, const void* pObject, const char* pTypeName);
+    // True when the last reference is gone: the slot is then still locked, the object still there.
+    static bool dropReference(SafePointerSlot& objSlot, const void* pObject);
+    // Ends what a true dropReference() began, after the object was deleted.
+    static void giveSlotBack(SafePointerSlot& objSlot, const char* pTypeName);
+};
+
+// A counted pointer to a T. The count stands in a slot of a process-wide registry of at most 20096
+// slots, so that a holder which outlived its object finds that out.
+//
+// Ownership: wrapping a raw pointer takes the object over; the last holder deletes it. When
+// wrapping throws, the object still belongs to the caller (wrapSafe() below frees it).
+// Errors: every misuse throws KXRuntimeError with a fixed text. A default-constructed holder is
+// null; isNull() and get() may be asked of it, reading, copying or assigning from it throws.
+// Threads: holders of one object may live in any threads; one holder belongs to one thread at a
+// time.
+template <class T>
+class SafePointer : public BaseSafePointer {
+public:
+    SafePointer() = default;
+
+    explicit SafePointer(T* pObject) : m_pPointer(pObject) {
+        if (pObject == nullptr) {
+            report(typeName(), "Construct from NULL original pointer");
+        }
+        m_pSlot = takeSlot(pObject, typeName());
+    }
+
+    SafePointer(const SafePointer& objOther) : BaseSafePointer() { shareFrom(objOther); }
+
+    // The converted pointer has to have the same address as the original.
+    template <class U, class = std::enable_if_t<std::is_convertible_v<U*, T*>>>
+    SafePointer(const SafePointer<U>& objOther) {
+        shareFrom(objOther);
+    }
+
+    SafePointer& operator=(const SafePointer& objOther) {
+        if (this == &objOther) {
+            return *this;
+        }
+        if (objOther.isNull()) {
+            report(typeName(), "Assigned NULL <T>pointer");
+        }
+        // The old object may be the one that holds objOther, so its fields are read first.
+        T* const pPointer = objOther.m_pPointer;
+        SafePointerSlot* const pSlot = objOther.m_pSlot;
+        dec_reference();
+        addReference(pSlot, pPointer, typeName());
+        m_pPointer = pPointer;
+        m_pSlot = pSlot;
+        return *this;
+    }
+
+    ~SafePointer() noexcept(false) override { dec_reference(); }
+
+    T* operator->() const {
+        if (isNull()) {
+            report(typeName(), "Use NULL pointer ->");
+        }
+        return m_pPointer;
+    }
+
+    T& operator*() const {
+        if (isNull()) {
+            report(typeName(), "Use NULL pointer *");
+        }
+        return *m_pPointer;
+    }
+
+    bool isNull() const noexcept { return m_pPointer == nullptr; }
+    T* get() const noexcept { return m_pPointer; }
+
+protected:
+    template <class U>
+    friend class SafePointer;
+
+    static const char* typeName() noexcept { return typeid(T).name(); }
+
+    void inc_reference() const { addReference(m_pSlot, m_pPointer, typeName()); }
+
+    void dec_reference() {
+        if (m_pPointer == nullptr || !dropReference(*m_pSlot, m_pPointer)) {
+            return;
+        }
+        std::default_delete<T>()(m_pPointer);
+        m_pPointer = nullptr;
+        giveSlotBack(*m_pSlot, typeName());
+    }
+
+    T* m_pPointer = nullptr;
+    SafePointerSlot* m_pSlot = nullptr;  // stays after the end of the object
+
+private:
+    template <class U>
+    void shareFrom(const SafePointer<U>& objOther) {
+        if (objOther.isNull()) {
+            report(typeName(), "Construct from NULL <T>pointer");
+        }
+        objOther.inc_reference();
+        m_pPointer = objOther.m_pPointer;
+        m_pSlot = objOther.m_pSlot;
+    }
+};
+
+// Wraps an owned object, as a SafePointer<T> when T is named: wrapSafe<ITransfer>(std::move(p)).
+// The object is freed when wrapping throws.
+template <class T = void, class U>
+auto wrapSafe(std::unique_ptr<U> pObject) {
+    using Target = std::conditional_t<std::is_void_v<T>, U, T>;
+    SafePointer<Target> objHolder(pObject.get());
+    static_cast<void>(pObject.release());
+    return objHolder;
+}
