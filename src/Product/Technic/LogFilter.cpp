@@ -1,0 +1,83 @@
+// Filtering, cutting and printing of log messages.
+#include "Product/Technic/LogFilter.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdarg>
+#include <cstdio>
+#include <memory>
+
+namespace {
+
+constexpr std::size_t BufferSize = 2048;
+
+std::atomic<TraceSink> g_pTraceSink{nullptr};
+
+// Prints what printf would make of the text as a format, could it come without conversions.
+void printUnescaped(const char* pText) {
+    std::string strOut;
+    for (const char* pNext = pText; *pNext != '\0'; ++pNext) {
+        if (pNext[0] == '%' && pNext[1] == '%') {
+            ++pNext;
+        }
+        strOut += *pNext;
+    }
+    std::fwrite(strOut.data(), 1, strOut.size(), stdout);
+}
+
+}  // namespace
+
+LogFilter& LogFilter::instance() {
+    static LogFilter* const pobjInstance = std::make_unique<LogFilter>().release();
+    return *pobjInstance;
+}
+
+bool LogFilter::set(int nThreshold, const std::vector<std::string>& vecFileNames) {
+    if (vecFileNames.size() > MostFileNames) {
+        return false;
+    }
+    const KXMutexGuard objGuard(m_objMutex);
+    m_vecFileNames = vecFileNames;
+    m_nThreshold = nThreshold;
+    return true;
+}
+
+bool LogFilter::passesFile(const char* pFileName) const {
+    const KXMutexGuard objGuard(m_objMutex);
+    if (m_vecFileNames.empty()) {
+        return true;
+    }
+    return pFileName != nullptr && std::find(m_vecFileNames.begin(), m_vecFileNames.end(),
+                                             pFileName) != m_vecFileNames.end();
+}
+
+bool setLogFilter(int nThreshold, const std::vector<std::string>& vecFileNames) {
+    return LogFilter::instance().set(nThreshold, vecFileNames);
+}
+
+int logMessage(int nLevel, const char* pFileName, const char* pFormat, ...) {
+    const LogFilter& objFilter = LogFilter::instance();
+    if (!objFilter.passesLevel(nLevel)) {
+        return 0;
+    }
+    std::array<char, BufferSize> szText{};
+    std::va_list objArguments;
+    va_start(objArguments, pFormat);
+    const int nLength = std::vsnprintf(szText.data(), szText.size(), pFormat, objArguments);
+    va_end(objArguments);
+    if (nLength > 0 && objFilter.passesFile(pFileName)) {
+        printUnescaped(szText.data());
+    }
+    return nLength;
+}
+
+TraceSink setTraceSink(TraceSink pSink) noexcept {
+    return g_pTraceSink.exchange(pSink);
+}
+
+void traceMessage(const std::string& strText, const char* pFileName, int nLine) {
+    const TraceSink pSink = g_pTraceSink;
+    if (pSink != nullptr) {
+        pSink(strText + " in:" + pFileName + " line:" + std::to_string(nLine) + "\n");
+    }
+}
