@@ -1,0 +1,19 @@
+// The one parser of command heads.
+#pragma once
+
+#include "protocol/ICommandHeadParser.h"
+
+class SDKCommandHeadParser : public ICommandHeadParser {
+public:
+    std::uint32_t getCommandHeadLength() const override;
+    bool createCommandHead(const SafePointer<CommandHeadInfo>& head,
+                           CommandBuffer& out) const override;
+    bool parseCommandHead(const std::uint8_t* pBytes, std::uint32_t nLength,
+                          SafePointer<CommandHeadInfo>& head) const override;
+    bool parseCommandHead(const CommandBuffer& in,
+                          SafePointer<CommandHeadInfo>& head) const override;
+};
+
+// A new parser for protocol type 1, and an empty pointer for any other type: binary commands have
+// the same head, and their parser reads it itself.
+SafePointer<ICommandHeadParser> createCommandHeadParser(int nProtocolType);
