@@ -1,0 +1,27 @@
+// The commands of the device protocol, with the reply that each of them gets.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+// One command.
+struct CommandDescriptor {
+    std::uint32_t nRequestId;
+    std::uint32_t nResponseId;  // 10000 is the plain acknowledgement
+    std::uint32_t nParamGroup;  // shared by the commands that work on one parameter
+    std::uint32_t nOperation;   // 1 writes, 2 reads, 3 is a third operation, 4 an action
+};
+
+// The table is generated from the schema of the commands.
+extern const CommandDescriptor commandTable[];
+extern const std::size_t commandTableSize;
+
+// All rows, in the order that decides which of two rows with one request id is found. Constant:
+// callable from any thread.
+inline std::span<const CommandDescriptor> commandCatalogue() noexcept {
+    return {commandTable, commandTableSize};
+}
+
+// The first row with this request id, or null.
+const CommandDescriptor* findCommand(std::uint32_t nRequestId) noexcept;
