@@ -1,0 +1,14 @@
+// Body that carries a piece of a file.
+#pragma once
+
+#include "protocol/ICommandBodyParser.h"
+
+// Length, pack flag, Code, data. Written from an EtFileDataPack and an EtResult, and read into
+// them.
+class FileReadDataCommandBodyParser : public ICommandBodyParser {
+public:
+    bool createCommandBody(const std::vector<SafePointer<BaseDomain>>& domains,
+                           CommandBuffer& out) const override;
+    bool parseCommandBody(const CommandBuffer& in,
+                          std::vector<SafePointer<BaseDomain>>& domains) const override;
+};

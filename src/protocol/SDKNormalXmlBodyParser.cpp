@@ -1,0 +1,129 @@
+// Records as the children of one XML element.
+#include "protocol/SDKNormalXmlBodyParser.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "Product/Technic/LogFilter.h"
+#include "domain/DomainContainer.h"
+#include "domain/DomainFactory.h"
+#include "domain/EtResult.h"
+#include "domain/RecordDescriptor.h"
+#include "domainxml/XmlCursor.h"
+#include "domainxml/XmlMapping.h"
+#include "protocol/DecodingGuard.h"
+
+namespace {
+
+constexpr const char* SourceName = "SDKNormalXmlBodyParser";
+
+constexpr char Declaration[] = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\r\n";
+constexpr std::uint32_t DeclarationLength = sizeof Declaration - 1;
+
+bool appendText(const char* pText, std::size_t nLength, CommandBuffer& out) {
+    return out.append(reinterpret_cast<const std::uint8_t*>(pText),
+                      static_cast<std::uint32_t>(nLength));
+}
+
+// The payload as a text, null if no zero byte ends it.
+const char* textOf(const CommandBuffer& in) {
+    const std::uint64_t nWithZero =
+        std::min<std::uint64_t>(std::uint64_t{in.getLength()} + 1, in.getCapacity());
+    const bool bEnds = nWithZero > 0 && std::memchr(in.data(), 0, nWithZero) != nullptr;
+    return bEnds ? reinterpret_cast<const char*>(in.data()) : nullptr;
+}
+
+// How a type at the top of a body is mapped; null for a type that occurs only inside others.
+const RecordDescriptor* findTopDescriptor(const BaseDomain& record) {
+    const RecordDescriptor* pDescriptor = findRecordDescriptor(effectiveDomainId(record));
+    return pDescriptor && pDescriptor->szName ? pDescriptor : nullptr;
+}
+
+bool writeRecord(const BaseDomain& record, const std::string& strTag, XmlCursor root) {
+    const RecordDescriptor* pDescriptor = findTopDescriptor(record);
+    return pDescriptor &&
+           XmlMapping::writeDomain(*pDescriptor, record, root.appendChild(strTag.c_str()));
+}
+
+bool readRecord(XmlCursor element, BaseDomain& record) {
+    const RecordDescriptor* pDescriptor = findTopDescriptor(record);
+    return pDescriptor && XmlMapping::readDomain(*pDescriptor, element, record);
+}
+
+}  // namespace
+
+SDKNormalXmlBodyParser::SDKNormalXmlBodyParser() : m_vecTagMap{{EtResult::DomainId, 0, "Result"}} {}
+
+bool SDKNormalXmlBodyParser::createCommandBody(const std::vector<SafePointer<BaseDomain>>& domains,
+                                               CommandBuffer& out) const {
+    const XmlDocument objDocument("Parameters");
+    objDocument.root().setAttribute("Version", "1");
+    std::string strTag;
+    for (const auto& record : domains) {
+        if (findTag(*record, strTag) && !writeRecord(*record, strTag, objDocument.root())) {
+            return false;
+        }
+    }
+    const std::string strText = objDocument.root().text();
+    logMessage(LogLevel::Trace, SourceName, "%s \n", strText.c_str());
+    return out.allocate(std::uint64_t{DeclarationLength} + strText.size() + 1) &&
+           appendText(Declaration, DeclarationLength, out) &&
+           appendText(strText.data(), strText.size(), out);
+}
+
+bool SDKNormalXmlBodyParser::parseCommandBody(const CommandBuffer& in,
+                                              std::vector<SafePointer<BaseDomain>>& domains) const {
+    return guardDecoding([&] {
+        const char* szText = textOf(in);
+        return szText && parseDocument(szText, domains);
+    });
+}
+
+bool SDKNormalXmlBodyParser::createSpecialDomain(const std::string&,
+                                                 SafePointer<BaseDomain>&) const {
+    return false;
+}
+
+bool SDKNormalXmlBodyParser::findTag(const BaseDomain& record, std::string& strTag) const {
+    const bool bIsList = record.getDomainId() == ContainerDomainId;
+    const std::uint32_t nElementId = bIsList ? effectiveDomainId(record) : 0;
+    for (const TagMapEntry& entry : m_vecTagMap) {
+        if (entry.nDomainId == record.getDomainId() && entry.nDomainElementId == nElementId) {
+            strTag = entry.strTag;
+            return true;
+        }
+    }
+    return getDomainNameOfRecord(record, strTag);
+}
+
+bool SDKNormalXmlBodyParser::makeRecord(const std::string& strTag,
+                                        SafePointer<BaseDomain>& out) const {
+    if (createSpecialDomain(strTag, out)) {
+        return true;
+    }
+    auto pobjRecord = createDomain(strTag);
+    if (!pobjRecord) {
+        return false;
+    }
+    out = wrapSafe(std::move(pobjRecord));
+    return true;
+}
+
+bool SDKNormalXmlBodyParser::parseDocument(const char* szText,
+                                           std::vector<SafePointer<BaseDomain>>& domains) const {
+    const XmlDocument objDocument = XmlDocument::parse(szText);
+    if (!objDocument.root()) {
+        return false;
+    }
+    for (XmlCursor child = objDocument.root().firstChild(); child; child = child.next()) {
+        SafePointer<BaseDomain> objRecord;
+        if (!makeRecord(child.name(), objRecord)) {
+            continue;
+        }
+        if (!readRecord(child, *objRecord)) {
+            return false;
+        }
+        domains.push_back(objRecord);
+    }
+    return true;
+}
