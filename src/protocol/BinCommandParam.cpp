@@ -1,0 +1,25 @@
+// The data block of a binary command.
+#include "protocol/BinCommandParam.h"
+
+#include <cstring>
+#include <new>
+
+#include "protocol/ProtocolType.h"
+
+BinCommandParam::BinCommandParam()
+    : CommandParam(ProtocolType::Binary), m_pData(std::make_unique<std::uint8_t[]>(SmallBlock)) {}
+
+void BinCommandParam::setData(const std::uint8_t* data, std::int32_t size) {
+    if (!data || size < 0) {
+        return;
+    }
+    const auto nSize = static_cast<std::uint32_t>(size);
+    if (size > SmallBlock) {
+        m_pData.reset(new (std::nothrow) std::uint8_t[nSize]);
+    }
+    if (!m_pData) {
+        return;
+    }
+    std::memcpy(m_pData.get(), data, nSize);
+    m_nDataLength = nSize;
+}
