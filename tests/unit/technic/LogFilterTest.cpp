@@ -84,6 +84,7 @@ TEST_F(LogFilterTest, DoublePercentInTheTextBecomesOneAndOthersStand) {
 }
 
 TEST_F(LogFilterTest, TraceGoesToItsSinkWithThePlaceAndPrintsNothing) {
+    g_strTraced.clear();
     EXPECT_EQ(captureOutput([] { traceMessage("lost", "File", 1); }), "");
     EXPECT_EQ(setTraceSink([](const std::string& strText) { g_strTraced += strText; }), nullptr);
     EXPECT_EQ(captureOutput([] { traceMessage("text", "File", -12); }), "");
