@@ -1,0 +1,90 @@
+// One connection to one device: a request, its reply, strictly in turn.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <vector>
+
+#include "Product/Technic/KXMutex.h"
+#include "Product/Technic/SafePointer.h"
+#include "Product/Technic/ThreadAnnotations.h"
+#include "domain/BaseDomain.h"
+#include "domain/DeviceInfoEx.h"
+#include "protocol/CommandCatalogue.h"
+#include "protocol/CommandParam.h"
+#include "protocol/SDKCommandHeadInfo.h"
+#include "protocol/SDKCommandParam.h"
+#include "session/ITransfer.h"
+
+// The records of a command, in order.
+using DomainList = std::vector<SafePointer<BaseDomain>>;
+
+// Shares its transport, and never reconnects: after `close`, or when the other end is gone, every
+// exchange fails. No failure closes it; that is for its owner and the heartbeat to do.
+//
+// Callable from any thread, except for `setDeviceInfo`, which comes before the session is shared.
+// `sendRecv` and `close` wait for an exchange under way on another thread.
+class SDKSession {
+public:
+    static constexpr int DefaultReplyTimeoutMs = 5000;
+
+    SDKSession() = default;
+    ~SDKSession() noexcept;
+    SDKSession(const SDKSession&) = delete;
+    SDKSession& operator=(const SDKSession&) = delete;
+
+    void setDeviceInfo(const DeviceInfoEx& info) { m_deviceInfo = info; }
+    const DeviceInfoEx& getDeviceInfo() const noexcept { return m_deviceInfo; }
+
+    // An empty pointer raises the error of an assigned empty pointer.
+    void setTransfer(const SafePointer<ITransfer>& transfer);
+
+    // Closes the transport, if there is one. Harmless when repeated.
+    void close();
+
+    // For each single read of a reply, so a reply that comes in pieces may take longer; negative
+    // waits without limit.
+    void setReplyTimeout(std::int32_t nTimeoutMs) noexcept { m_nReplyTimeout = nTimeoutMs; }
+
+    // The number that the device gave at login: 0 before, and after logout.
+    void setSessionId(std::uint32_t nSessionId) noexcept { m_nSessionId = nSessionId; }
+    std::uint32_t getSessionId() const noexcept { return m_nSessionId; }
+
+    // State of the heartbeat: failures in a row, and the tick time of the last attempt, in seconds.
+    void setHeartbeatFailures(std::int32_t nCount) noexcept { m_nHeartbeatFailures = nCount; }
+    std::int32_t getHeartbeatFailures() const noexcept { return m_nHeartbeatFailures; }
+    void setLastHeartbeat(std::uint32_t nSeconds) noexcept { m_nLastHeartbeat = nSeconds; }
+    std::uint32_t getLastHeartbeat() const noexcept { return m_nLastHeartbeat; }
+
+    // What the device's last message had in its head, 1 at first.
+    std::uint16_t getProtocolType() const noexcept { return m_nProtocolType; }
+
+    // One exchange. Appends the records of the reply to `reply`, `EtResult` among them, and returns
+    // the code of `EtResult`: the device's own number, 0 for success. Messages that answer
+    // something else, late answers above all, are thrown away, three at most.
+    //
+    // Else: NoTransport, EncodeFailed, what sending and receiving may come to, DecodeFailed,
+    // UnknownCommand (found out only when something was answered), or BadReply for the wrong kind
+    // of reply, one without `EtResult`, and one message too many that was not for this exchange. An
+    // empty pointer in `request` raises the error of an empty pointer.
+    std::int32_t sendRecv(std::uint32_t nCommandId, const DomainList& request, DomainList& reply);
+
+private:
+    std::int32_t sendCommand(const SDKCommandHeadInfo& head, const DomainList& request)
+        KX_REQUIRES(m_mutex);
+    std::int32_t recvCommand(const SDKCommandHeadInfo& head, DomainList& reply)
+        KX_REQUIRES(m_mutex);
+    std::int32_t recvMessage(SafePointer<CommandParam>& message) KX_REQUIRES(m_mutex);
+    static std::int32_t takeReply(const SDKCommandParam& answer, const CommandDescriptor& command,
+                                  DomainList& reply);
+
+    SafePointer<ITransfer> m_pTransfer KX_GUARDED_BY(m_mutex);
+    DeviceInfoEx m_deviceInfo;
+    std::atomic<std::int32_t> m_nReplyTimeout{DefaultReplyTimeoutMs};
+    const std::int32_t m_nMaxMismatch = 3;  // messages that one exchange may throw away
+    std::atomic<std::uint32_t> m_nSessionId{0};
+    KXMutex m_mutex;  // held through a whole exchange
+    std::atomic<std::int32_t> m_nHeartbeatFailures{0};
+    std::atomic<std::uint32_t> m_nLastHeartbeat{0};
+    std::atomic<std::uint16_t> m_nProtocolType{ProtocolType::SDK};
+};
