@@ -1,0 +1,142 @@
+// When a session gets its keep-alive, and when it is given up.
+#include "session/DeviceSessionManager.h"
+
+#include <algorithm>
+#include <exception>
+#include <memory>
+
+#include "Product/Technic/ErrorCode.h"
+#include "Product/Technic/KXFunction.h"
+#include "Product/Technic/platform/Clock.h"
+#include "domain/EtSessionId.h"
+#include "session/SessionCommands.h"
+
+namespace {
+
+constexpr std::uint32_t HeartBeatCommand = 11007;
+constexpr std::uint32_t KeepAliveSeconds = 60;
+constexpr std::int32_t MostFailures = 3;
+
+constexpr std::uint64_t ScanPauseMs = 3000;
+// The longest that the end of the process has to wait for a pause.
+constexpr std::uint64_t PauseStepMs = 50;
+
+// Seconds since the start of the machine, from its 32-bit tick.
+std::uint32_t secondsNow() {
+    return static_cast<std::uint32_t>(currentClock().monotonicMs()) / 1000;
+}
+
+int doNothing() {
+    return 0;
+}
+
+// Whatever a keep-alive raises is one more way to fail: no session may end the heartbeat of all.
+bool keepAlive(const SafePointer<SDKSession>& session) {
+    try {
+        return sendHeartBeat(session) == ErrorCode::Success;
+    } catch (const std::exception&) {
+        return false;
+    }
+}
+
+}  // namespace
+
+DeviceSessionManager& DeviceSessionManager::instance() {
+    static DeviceSessionManager manager;
+    return manager;
+}
+
+// Reading the time makes the clock older than the process's manager, whose worker uses the clock
+// until the manager is destroyed.
+DeviceSessionManager::DeviceSessionManager()
+    : m_pThread(
+          wrapSafe(std::make_unique<GThread>(KX_FUNCTION::bind_funcobj0<int, DeviceSessionManager>(
+                                                 &DeviceSessionManager::heartBeat, this),
+                                             "SessionHeartBeatThread", doNothing, doNothing))),
+      m_nNow(secondsNow()) {}
+
+DeviceSessionManager::~DeviceSessionManager() noexcept {
+    m_bEnding = true;
+    if (m_pThread->isRunning()) {
+        m_pThread->stop();
+    }
+    m_sessions.clear();
+    m_pending.clear();
+}
+
+void DeviceSessionManager::addSession(long nHandle, const SafePointer<SDKSession>& session) {
+    const KXMutexGuard guard(m_mutex);
+    if (!m_pThread->isRunning()) {
+        m_pThread->start();
+    }
+    m_sessions.emplace(nHandle, session);
+}
+
+bool DeviceSessionManager::findSession(long nHandle, SafePointer<SDKSession>& out) {
+    const KXMutexGuard guard(m_mutex);
+    const auto it = m_sessions.find(nHandle);
+    if (it == m_sessions.end()) {
+        return false;
+    }
+    out = it->second;
+    return true;
+}
+
+void DeviceSessionManager::removeSession(long nHandle) {
+    const KXMutexGuard guard(m_mutex);
+    m_sessions.erase(nHandle);
+}
+
+void DeviceSessionManager::scanSessions(std::uint32_t nNow,
+                                        std::list<SafePointer<SDKSession>>& pending) {
+    const KXMutexGuard guard(m_mutex);
+    for (auto it = m_sessions.begin(); it != m_sessions.end();) {
+        const SafePointer<SDKSession>& session = it->second;
+        if (session->getHeartbeatFailures() >= MostFailures) {
+            session->close();
+            it = m_sessions.erase(it);
+            continue;
+        }
+        if (nNow - session->getLastHeartbeat() > KeepAliveSeconds) {
+            pending.push_back(session);
+        }
+        ++it;
+    }
+}
+
+int DeviceSessionManager::heartBeat() {
+    if (m_pending.empty()) {
+        if (pause()) {
+            m_nNow = secondsNow();
+            scanSessions(m_nNow, m_pending);
+        }
+        return 0;
+    }
+    const SafePointer<SDKSession>& session = m_pending.front();
+    session->setHeartbeatFailures(keepAlive(session) ? 0 : session->getHeartbeatFailures() + 1);
+    session->setLastHeartbeat(m_nNow);
+    m_pending.pop_front();
+    return 0;
+}
+
+// Lets the time between two scans pass; false when the manager's end cut it short.
+bool DeviceSessionManager::pause() {
+    IClock& clock = currentClock();
+    const std::uint64_t nEnd = clock.monotonicMs() + ScanPauseMs;
+    for (std::uint64_t nNow = clock.monotonicMs(); nNow < nEnd; nNow = clock.monotonicMs()) {
+        if (m_bEnding) {
+            return false;
+        }
+        clock.sleepMs(static_cast<std::uint32_t>(std::min(PauseStepMs, nEnd - nNow)));
+    }
+    return !m_bEnding;
+}
+
+std::int32_t sendHeartBeat(const SafePointer<SDKSession>& session) {
+    if (session.isNull()) {
+        return ErrorCode::NoTransport;
+    }
+    EtSessionId sessionId;
+    sessionId.setSessionId(static_cast<int>(session->getSessionId()));
+    return sendRecord(session, HeartBeatCommand, sessionId);
+}

@@ -1,0 +1,256 @@
+// The table of sessions, and the heartbeat on a clock that the test moves.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <future>
+#include <memory>
+#include <new>
+#include <ostream>
+#include <string>
+
+#include "Product/Technic/ErrorCode.h"
+#include "Product/Technic/SystemRunning.h"
+#include "session/DeviceSessionManager.h"
+#include "session/UDPTransfer.h"
+#include "support/ChildProcess.h"
+#include "support/GatedClock.h"
+#include "support/ScriptedPeer.h"
+#include "unit/session/ConnectedSession.h"
+
+namespace {
+
+constexpr std::uint32_t KeepAlive = 11007;
+constexpr std::uint32_t Acknowledged = 10000;
+constexpr std::uint32_t ReadTime = 30507;
+constexpr std::uint64_t StartMs = 1000 * 1000;
+
+// From one scan to the next one that finds the session due again: 63 seconds later.
+constexpr int ScansBetweenKeepAlives = 21;
+
+class RaisingTransfer : public UDPTransfer {
+public:
+    RaisingTransfer() : UDPTransfer(1) {}
+    int sendCommand(const CommandBuffer&, const InetAddr&, int) override { throw std::bad_alloc(); }
+};
+
+}  // namespace
+
+class Heartbeat : public testing::Test {
+protected:
+    void TearDown() override { endManager(); }
+
+    void endManager() {
+        m_objClock.open();
+        m_pobjManager.reset();
+    }
+
+    void addSession(long nHandle, const SafePointer<SDKSession>& objSession) {
+        m_pobjManager->addSession(nHandle, objSession);
+        m_objClock.awaitSleeper();
+    }
+
+    bool knows(long nHandle) {
+        SafePointer<SDKSession> objFound;
+        return m_pobjManager->findSession(nHandle, objFound);
+    }
+
+    // Lets scans pass, with all keep-alives that they ask for.
+    void scan(int nScans = 1) {
+        for (int nScan = 0; nScan < nScans; ++nScan) {
+            m_objClock.advanceMs(3000);
+            m_objClock.awaitSleeper();
+        }
+    }
+
+    GatedClock m_objClock{StartMs};
+    ScopedClock m_objInPlace{m_objClock};
+    std::unique_ptr<DeviceSessionManager> m_pobjManager = std::make_unique<DeviceSessionManager>();
+};
+
+TEST_F(Heartbeat, KeepsTheTableByHandle) {
+    ScriptedPeer objPeer(answerAll(Acknowledged));
+    const auto objFirst = connectTo(objPeer);
+    addSession(1, objFirst);
+    addSession(1, wrapSafe(std::make_unique<SDKSession>()));
+    SafePointer<SDKSession> objFound;
+    ASSERT_TRUE(m_pobjManager->findSession(1, objFound));
+    EXPECT_EQ(objFound.get(), objFirst.get());
+
+    EXPECT_FALSE(knows(0));
+    EXPECT_FALSE(knows(2));
+    EXPECT_FALSE(knows(1 + (1L << 32)));
+    m_pobjManager->removeSession(2);
+    m_pobjManager->removeSession(1);
+    EXPECT_FALSE(knows(1));
+    EXPECT_EQ(sendHeartBeat(objFound), 0);
+    scan(3);
+    EXPECT_EQ(objFound->getLastHeartbeat(), 0u);
+}
+
+TEST_F(Heartbeat, GoesOutAtTheFirstScanAndThenAfterMoreThanSixtySeconds) {
+    std::atomic<int> nRequests{0};
+    ScriptedPeer objPeer([&](PeerLink& objLink) {
+        PeerRequest objRequest;
+        while (objLink.read(objRequest)) {
+            ++nRequests;
+            EXPECT_EQ(objRequest.m_objHead.getCommandID(), KeepAlive);
+            EXPECT_EQ(objRequest.m_objHead.getSessionId(), 0xFFFFFFFEu);
+            EXPECT_NE(objRequest.m_strBody.find("<SessionId SessionId=\"-2\" />"),
+                      std::string::npos)
+                << objRequest.m_strBody;
+            objLink.send(peerAnswer(objRequest, Acknowledged, peerResult(0)));
+        }
+    });
+    const auto objSession = connectTo(objPeer);
+    objSession->setSessionId(0xFFFFFFFE);
+    addSession(1, objSession);
+    EXPECT_EQ(nRequests, 0);
+    scan();
+    EXPECT_EQ(nRequests, 1);
+    EXPECT_EQ(objSession->getLastHeartbeat(), 1003u);
+    scan(ScansBetweenKeepAlives - 1);
+    EXPECT_EQ(nRequests, 1);
+    scan();
+    EXPECT_EQ(nRequests, 2);
+    EXPECT_EQ(objSession->getLastHeartbeat(), 1066u);
+    EXPECT_EQ(objSession->getHeartbeatFailures(), 0);
+}
+
+struct DeadDevice {
+    const char* m_pName;
+    ScriptedPeer::Script m_objScript;
+
+    friend std::ostream& operator<<(std::ostream& objOut, const DeadDevice& objDevice) {
+        return objOut << objDevice.m_pName;
+    }
+};
+
+class HeartbeatFailure : public Heartbeat, public testing::WithParamInterface<DeadDevice> {};
+
+TEST_P(HeartbeatFailure, DropsTheSessionAtTheScanAfterTheThird) {
+    ScriptedPeer objPeer(GetParam().m_objScript);
+    const auto objSession = connectTo(objPeer);
+    objSession->setReplyTimeout(SilenceMs);
+    addSession(1, objSession);
+    scan();
+    EXPECT_EQ(objSession->getHeartbeatFailures(), 1);
+    EXPECT_EQ(objSession->getLastHeartbeat(), 1003u);
+    scan(2 * ScansBetweenKeepAlives);
+    EXPECT_EQ(objSession->getHeartbeatFailures(), 3);
+    EXPECT_TRUE(knows(1));
+    scan();
+    EXPECT_FALSE(knows(1));
+    DomainList objReply;
+    EXPECT_EQ(objSession->sendRecv(ReadTime, {}, objReply), ErrorCode::NoTransport);
+    scan(ScansBetweenKeepAlives);
+    EXPECT_EQ(objSession->getHeartbeatFailures(), 3);
+}
+
+INSTANTIATE_TEST_SUITE_P(Devices, HeartbeatFailure,
+                         testing::Values(DeadDevice{"Refusing", answerAll(Acknowledged, 5)},
+                                         DeadDevice{"AnsweringSomethingElse", answerAll(30508)},
+                                         DeadDevice{"Silent",
+                                                    [](PeerLink& objLink) {
+                                                        PeerRequest objRequest;
+                                                        while (objLink.read(objRequest)) {
+                                                        }
+                                                    }},
+                                         DeadDevice{"Gone", [](PeerLink&) {}}),
+                         testing::PrintToStringParamName());
+
+TEST_F(Heartbeat, OneGoodKeepAliveMakesUpForTwoFailures) {
+    std::atomic<int> nCode{5};
+    ScriptedPeer objPeer([&](PeerLink& objLink) {
+        PeerRequest objRequest;
+        while (objLink.read(objRequest)) {
+            objLink.send(peerAnswer(objRequest, Acknowledged, peerResult(nCode)));
+        }
+    });
+    const auto objSession = connectTo(objPeer);
+    addSession(1, objSession);
+    scan(1 + ScansBetweenKeepAlives);
+    EXPECT_EQ(objSession->getHeartbeatFailures(), 2);
+    nCode = 0;
+    scan(ScansBetweenKeepAlives);
+    EXPECT_EQ(objSession->getHeartbeatFailures(), 0);
+    nCode = 5;
+    scan(2 * ScansBetweenKeepAlives);
+    EXPECT_EQ(objSession->getHeartbeatFailures(), 2);
+    EXPECT_TRUE(knows(1));
+}
+
+TEST_F(Heartbeat, ExceptionInAKeepAliveIsAFailureOfThatSessionOnly) {
+    const auto objRaising = wrapSafe(std::make_unique<SDKSession>());
+    objRaising->setTransfer(wrapSafe<ITransfer>(std::make_unique<RaisingTransfer>()));
+    ScriptedPeer objPeer(answerAll(Acknowledged));
+    const auto objGood = connectTo(objPeer);
+    addSession(1, objRaising);
+    addSession(2, objGood);
+    scan(2 + 2 * ScansBetweenKeepAlives);
+    EXPECT_EQ(objRaising->getHeartbeatFailures(), 3);
+    EXPECT_FALSE(knows(1));
+    EXPECT_TRUE(knows(2));
+    EXPECT_EQ(objGood->getHeartbeatFailures(), 0);
+    EXPECT_EQ(objGood->getLastHeartbeat(), 1129u);
+    EXPECT_TRUE(isSystemRunning());
+}
+
+TEST_F(Heartbeat, SessionThatLeftTheTableWhileItWasDueFailsOnceAndIsForgotten) {
+    std::promise<void> objArrived;
+    std::promise<void> objRemoved;
+    ScriptedPeer objFirstPeer([&](PeerLink& objLink) {
+        PeerRequest objRequest;
+        objLink.read(objRequest);
+        objArrived.set_value();
+        objRemoved.get_future().wait();
+        objLink.send(peerAnswer(objRequest, Acknowledged, peerResult(0)));
+        answerAll(Acknowledged)(objLink);
+    });
+    ScriptedPeer objSecondPeer(answerAll(Acknowledged));
+    const auto objFirst = connectTo(objFirstPeer);
+    const auto objSecond = connectTo(objSecondPeer);
+    addSession(1, objFirst);
+    addSession(2, objSecond);
+    m_objClock.advanceMs(3000);
+    objArrived.get_future().wait();
+    m_pobjManager->removeSession(2);
+    objSecond->close();
+    objRemoved.set_value();
+    m_objClock.awaitSleeper();
+    EXPECT_EQ(objSecond->getHeartbeatFailures(), 1);
+    scan(ScansBetweenKeepAlives);
+    EXPECT_EQ(objSecond->getHeartbeatFailures(), 1);
+    EXPECT_EQ(objFirst->getLastHeartbeat(), 1066u);
+}
+
+TEST_F(Heartbeat, SleepsInStepsSoShortThatNobodyWaitsForItsEnd) {
+    ScriptedPeer objPeer(answerAll(Acknowledged));
+    addSession(1, connectTo(objPeer));
+    scan(2);
+    EXPECT_LE(m_objClock.getLongestSleepMs(), 100u);
+}
+
+TEST_F(Heartbeat, EndOfTheManagerClosesSessionsWithoutLogout) {
+    std::promise<int> objRequests;
+    ScriptedPeer objPeer([&](PeerLink& objLink) {
+        int nRequests = 0;
+        PeerRequest objRequest;
+        while (objLink.read(objRequest)) {
+            ++nRequests;
+        }
+        objRequests.set_value(nRequests);
+    });
+    addSession(1, connectTo(objPeer));
+    endManager();
+    EXPECT_EQ(objRequests.get_future().get(), 0);
+}
+
+TEST(DeviceSessionManager, ProcessEndsWithOpenSessions) {
+    const ChildResult objResult = runInChild([] {
+        static ScriptedPeer objPeer(answerAll(Acknowledged));
+        DeviceSessionManager::instance().addSession(1, connectTo(objPeer));
+        std::exit(testing::Test::HasFailure() ? 1 : 0);
+    });
+    EXPECT_EQ(objResult.m_nExitCode, 0) << objResult.m_strOutput;
+}
