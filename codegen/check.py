@@ -5,6 +5,9 @@ import re
 from schema import SCALARS, SchemaError
 
 PLACEHOLDERS = {"tag", "parent", "mapper", "value", "file", "line"}
+ROOMS = ("domain", "Product/Technic")
+# Ids of the records that are written by hand, and of every list.
+RESERVED = {416: "DataBuffer", 1067: "EtCOMWriteData", 1125: "EtFileDataPack", 99999: "lists"}
 NUMBER = {
     "bool": r"true|false",
     "int": r"-?\d+",
@@ -24,11 +27,28 @@ def check_value(kind, text, place, what):
         raise SchemaError(place, f"{what} does not fit the type {kind}: {text}")
 
 
-def check_words(field):
+def check_words(words, place):
+    names = re.findall(r"\{(\w*)\}", words)
+    for name in names:
+        if name not in PLACEHOLDERS:
+            raise SchemaError(place, f"unknown placeholder: {{{name}}}")
+    if words.count("{") != len(names) or words.count("}") != len(names):
+        raise SchemaError(place, "a brace without its partner")
+
+
+def check_printed(field):
+    """Words that no line would ever use are a mistake."""
     for words in (field.absent, field.bad, field.unwritten):
-        for name in re.findall(r"\{(\w*)\}", words):
-            if name not in PLACEHOLDERS:
-                raise SchemaError(field.place, f"unknown placeholder: {{{name}}}")
+        check_words(words, field.place)
+        if "{" in words and field.kind in ("list", "values"):
+            raise SchemaError(field.place, "the words of a list have no placeholders")
+    missable = field.presence or field.kind in ("record", "list", "values", "element", "each")
+    if field.absent and not missable:
+        raise SchemaError(field.place, f"{field.name} prints nothing when it is absent")
+    if field.bad and field.kind not in ("list", "values"):
+        raise SchemaError(field.place, f"{field.name} is never a bad list")
+    if field.unwritten and field.kind not in ("record", "list", "element"):
+        raise SchemaError(field.place, f"{field.name} is always written")
 
 
 def check_references(schema, record, field):
@@ -51,11 +71,17 @@ def check_references(schema, record, field):
         other = others.get(field.read_into)
         if other is None or other.kind != field.kind:
             raise SchemaError(field.place, f"cannot be read into {field.read_into}")
-    if field.length and (field.length not in others or others[field.length].kind != "int"):
-        raise SchemaError(field.place, f"the length of a block is an int field: {field.length}")
+    if field.length:
+        before = [other.name for other in record.fields[:record.fields.index(field)]
+                  if other.kind == "int"]
+        if field.length not in before:
+            raise SchemaError(
+                field.place, f"the length of a block is an int field before it: {field.length}")
 
 
 def check_joined(target, field):
+    if not field.separator:
+        raise SchemaError(field.place, "the separator is empty")
     pieces = field.pattern.count("%d")
     if field.type == "int":
         expected = 1
@@ -68,14 +94,18 @@ def check_joined(target, field):
 
 
 def check_field(schema, record, field):
-    check_words(field)
+    check_printed(field)
     check_references(schema, record, field)
     scalar = field.kind in SCALARS
     if field.presence and not scalar and field.kind != "joined":
         if field.kind != "record" or field.presence != "required" or field.absent:
             raise SchemaError(field.place, f"a {field.kind} cannot be {field.presence}")
+    if field.default and not scalar:
+        raise SchemaError(field.place, f"a {field.kind} has no default")
     if field.default:
-        check_value(field.kind if scalar else "?", field.default, field.place, "the default")
+        check_value(field.kind, field.default, field.place, "the default")
+    if "write-only" in field.flags and field.presence:
+        raise SchemaError(field.place, f"what is never read cannot be {field.presence}")
     if field.fallback:
         check_value(field.kind, field.fallback, field.place, "the fallback")
     if "omit-empty" in field.flags and field.kind != "string":
@@ -84,29 +114,42 @@ def check_field(schema, record, field):
         raise SchemaError(field.place, "only an int can be read as float")
     if "bare" in field.flags and field.kind != "values":
         raise SchemaError(field.place, "only values can be bare")
-    if field.item and field.kind not in ("values", "each"):
-        raise SchemaError(field.place, "only repeated elements can stand under another")
+
+
+def check_field_names(schema, record):
+    """A name stands once on an element, and accessors do not tell the first letter's case."""
+    seen = {}
+    base = schema.records[record.base].fields if record.base else []
+    for field in base + record.fields:
+        first = seen.setdefault(field.name[0].upper() + field.name[1:], field)
+        again = "read-only" in field.flags
+        if first is field and again:
+            raise SchemaError(field.place, f"{field.name} is read again, and was never read")
+        if first is not field and not again:
+            raise SchemaError(field.place, f"{field.name} stands already at {first.place}")
+        if (first.kind, first.type) != (field.kind, field.type):
+            raise SchemaError(field.place, f"{field.name} is read again as another type")
 
 
 def check_record(schema, record):
-    seen = {}
-    for field in record.fields:
-        if field.name in seen and "read-only" not in field.flags:
-            raise SchemaError(field.place, f"{field.name} stands already at {seen[field.name]}")
-        if "read-only" in field.flags and field.name not in seen:
-            raise SchemaError(field.place, f"{field.name} is read again, and was never read")
-        seen[field.name] = field.place
-        check_field(schema, record, field)
     if record.base:
         base = schema.records.get(record.base)
         if base is None or base.is_element:
             raise SchemaError(record.place, f"no such base record: {record.base}")
+    if record.home not in ROOMS:
+        raise SchemaError(record.place, f"no such room: {record.home}")
+    if "odd" in record.flags and not record.has_id:
+        raise SchemaError(record.place, "an odd mapper is found by an id")
+    check_words(record.absent, record.place)
+    check_field_names(schema, record)
+    for field in record.fields:
+        check_field(schema, record, field)
 
 
-def by_value(schema, record):
-    """The types that a record holds by value: its base and its single nested ones."""
-    names = [f.type for f in record.fields if f.kind in ("record", "element")]
-    return [schema.records[name] for name in names + ([record.base] if record.base else [])]
+def nested_types(schema, record):
+    """The types whose classes the record's own class needs."""
+    names = [f.type for f in record.fields] + [record.base]
+    return [schema.records[name] for name in names if name in schema.records]
 
 
 def check_cycles(schema):
@@ -116,7 +159,7 @@ def check_cycles(schema):
         if record.name in path:
             raise SchemaError(record.place, f"{record.name} holds itself")
         if record.name not in done:
-            for inner in by_value(schema, record):
+            for inner in nested_types(schema, record):
                 visit(inner, path + [record.name])
             done.add(record.name)
 
@@ -140,6 +183,8 @@ def check_ids(schema):
     for record in schema.records.values():
         if record.is_element or not record.has_id:
             continue
+        if record.id in RESERVED:
+            raise SchemaError(record.place, f"id {record.id} belongs to {RESERVED[record.id]}")
         if record.id in owners:
             raise SchemaError(
                 record.place, f"id {record.id} stands already at {owners[record.id].place}")

@@ -131,13 +131,13 @@ class Words:
 
     def take_number(self, what):
         text = self.take(what)
-        if not re.fullmatch(r"\d+", text) or int(text) > 0xFFFFFFFF:
+        if not re.fullmatch(r"[0-9]+", text) or int(text) > 0xFFFFFFFF:
             raise SchemaError(self.place, f"{what} is not a number: {text}")
         return int(text)
 
     def take_name(self, what):
         text = self.take(what)
-        if not re.fullmatch(r"[A-Za-z]\w*", text):
+        if not re.fullmatch(r"[A-Za-z][A-Za-z0-9_]*", text):
             raise SchemaError(self.place, f"{what} is not a name: {text}")
         return text
 
@@ -194,6 +194,8 @@ def parse_modifier(result, words):
     elif word == "unread":
         result.unread = words.take_name("the field that is not read")
     elif word == "under":
+        if result.kind != "each":
+            raise SchemaError(words.place, "only repeated elements can stand under another")
         result.item = words.take_name("the element around")
     elif word in ("write-only", "read-only", "omit-empty", "bare"):
         result.flags.add(word)
@@ -257,8 +259,12 @@ def read_file(schema, path):
     """Adds what one file says to the schema."""
     family, current, pending, opening = path.stem, None, [], []
     has_content = False
-    for number, text in enumerate(path.read_text(encoding="utf-8").split("\n"), 1):
+    for number, line in enumerate(path.read_bytes().split(b"\n"), 1):
         place = f"{path.name}:{number}"
+        try:
+            text = line.decode("utf-8")
+        except UnicodeDecodeError:
+            raise SchemaError(place, "not UTF-8") from None
         if "\t" in text:
             raise SchemaError(place, "a tab; the schema is indented by four blanks")
         if text.startswith("#"):
@@ -312,6 +318,9 @@ def read_file(schema, path):
 
 def read_schema(directory):
     schema = Schema()
-    for path in sorted(Path(directory).glob("*.schema")):
+    paths = sorted(Path(directory).glob("*.schema"))
+    if not paths:
+        raise SchemaError(directory, "no schema files")
+    for path in paths:
         read_file(schema, path)
     return schema

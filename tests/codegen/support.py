@@ -1,0 +1,31 @@
+"""Schemas that a test writes down inline."""
+
+import subprocess
+import sys
+import tempfile
+import unittest
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parents[2]
+sys.path.insert(0, str(ROOT / "codegen"))
+
+
+class SchemaCase(unittest.TestCase):
+    def setUp(self):
+        directory = tempfile.TemporaryDirectory()
+        self.addCleanup(directory.cleanup)
+        self.schema = Path(directory.name) / "schema"
+        self.out = Path(directory.name) / "out"
+        self.schema.mkdir()
+
+    def write(self, text, name="made.schema"):
+        data = text if isinstance(text, bytes) else text.encode()
+        (self.schema / name).write_bytes(data)
+
+    def generate(self):
+        """Runs the generator as the build does; gives its exit status and its error text."""
+        done = subprocess.run(
+            [sys.executable, "-B", ROOT / "codegen" / "fleetkit_codegen.py",
+             "--schema", self.schema, "--out", self.out],
+            capture_output=True, text=True, check=False)
+        return done.returncode, done.stderr
