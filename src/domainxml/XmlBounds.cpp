@@ -1,89 +1,249 @@
-// The bounds of an XML text that the recursive parser is given.
+// Follows the parser through a text without building anything.
 #include "domainxml/XmlBounds.h"
+
+#include <strings.h>
 
 #include <cctype>
 #include <cstring>
+#include <string_view>
 
 namespace {
 
 constexpr int MaxDepth = 1000;
 constexpr int MaxAttributes = 512;
 
-bool startsWith(const char* szText, const char* szHead) noexcept {
-    return std::strncmp(szText, szHead, std::strlen(szHead)) == 0;
+bool isBlank(char c) noexcept {
+    return std::isspace(static_cast<unsigned char>(c)) != 0;
 }
 
-// Behind the next szMark, or at the end of the text.
-const char* skipPast(const char* szText, const char* szMark) noexcept {
-    const char* szFound = std::strstr(szText, szMark);
-    return szFound == nullptr ? szText + std::strlen(szText) : szFound + std::strlen(szMark);
+bool startsName(char c) noexcept {
+    const auto nByte = static_cast<unsigned char>(c);
+    return nByte >= 127 || c == '_' || std::isalpha(nByte) != 0;
 }
 
-bool startsElement(const char* szName) noexcept {
-    const auto nByte = static_cast<unsigned char>(*szName);
-    return nByte >= 127 || nByte == '_' || std::isalpha(nByte) != 0;
+bool isInName(char c) noexcept {
+    return startsName(c) || std::isdigit(static_cast<unsigned char>(c)) != 0 ||
+           (c != '\0' && std::strchr("-.:", c) != nullptr);
 }
 
-const char* skipBlanks(const char* szText) noexcept {
-    while (std::isspace(static_cast<unsigned char>(*szText)) != 0) {
-        ++szText;
+// The steps that read something return false where the parser gives the whole text up.
+class Reader {
+public:
+    explicit Reader(const char* szText) noexcept
+        : m_szAt(szText), m_szEnd(szText + std::strlen(szText)) {}
+
+    // A document ends at its end or at the first text outside of elements; whatever follows that
+    // is not looked at.
+    bool readDocument() noexcept {
+        while (findMarkup()) {
+            if (!readMarkup()) {
+                return false;
+            }
+        }
+        return m_nDepth == 0;
     }
-    return szText;
-}
 
-// The value behind an equals sign: to its closing quote, or nowhere if it has no quotes.
-const char* skipValue(const char* szText) noexcept {
-    szText = skipBlanks(szText);
-    if (*szText != '"' && *szText != '\'') {
-        return szText;
+private:
+    bool startsWith(const char* szHead) const noexcept {
+        return std::strncmp(m_szAt, szHead, std::strlen(szHead)) == 0;
     }
-    const char szQuote[] = {*szText, '\0'};
-    return skipPast(szText + 1, szQuote);
-}
 
-struct Tag {
-    const char* szEnd;  // behind the ">"
-    bool bOpen;         // children may follow
-    bool bWithinBounds;
+    // Heads of a declaration count in any case.
+    bool startsWithWord(const char* szHead) const noexcept {
+        return ::strncasecmp(m_szAt, szHead, std::strlen(szHead)) == 0;
+    }
+
+    void skipPast(const char* szMark) noexcept {
+        const std::string_view rest(m_szAt, static_cast<std::size_t>(m_szEnd - m_szAt));
+        const auto nFound = rest.find(szMark);
+        m_szAt = nFound == rest.npos ? m_szEnd : m_szAt + nFound + std::strlen(szMark);
+    }
+
+    void skipBlanks() noexcept {
+        for (;;) {
+            if (isBlank(*m_szAt)) {
+                ++m_szAt;
+            } else if (startsWith("\xEF\xBB\xBF") || startsWith("\xEF\xBF\xBE") ||
+                       startsWith("\xEF\xBF\xBF")) {
+                m_szAt += 3;  // byte-order marks
+            } else {
+                return;
+            }
+        }
+    }
+
+    // To the next "<"; false at the end.
+    bool findMarkup() noexcept {
+        skipBlanks();
+        return m_nDepth == 0 ? *m_szAt == '<' : readText('<');
+    }
+
+    // To a character that ends a text, which has to come.
+    bool readText(char cEnd) noexcept {
+        while (*m_szAt != cEnd) {
+            if (*m_szAt == '\0' || !readCharacter()) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    // One character or numeric reference.
+    bool readCharacter() noexcept {
+        if (!startsWith("&#")) {
+            ++m_szAt;
+            return true;
+        }
+        const bool bHex = m_szAt[2] == 'x';
+        const char* szDigits = m_szAt + (bHex ? 3 : 2);
+        const std::size_t nDigits =
+            std::strspn(szDigits, bHex ? "0123456789abcdefABCDEF" : "0123456789");
+        m_szAt = szDigits + nDigits + 1;
+        return nDigits > 0 && szDigits[nDigits] == ';';
+    }
+
+    bool readMarkup() noexcept {
+        if (startsWithWord("<?xml")) {
+            return readDeclaration();
+        }
+        if (startsWith("<!--")) {
+            m_szAt += 4;
+            skipPast("-->");
+        } else if (startsWith("<![CDATA[")) {
+            skipPast("]]>");
+        } else if (startsName(m_szAt[1])) {
+            return readTag();
+        } else {
+            // An end tag outside of elements is nothing to the parser.
+            m_nDepth -= m_nDepth > 0 && m_szAt[1] == '/' ? 1 : 0;
+            skipPast(">");
+        }
+        return true;
+    }
+
+    bool readDeclaration() noexcept {
+        m_szAt += std::strlen("<?xml");
+        while (*m_szAt != '\0' && *m_szAt != '>') {
+            skipBlanks();
+            if (startsWithWord("version") || startsWithWord("encoding") ||
+                startsWithWord("standalone")) {
+                if (!readAttribute()) {
+                    return false;
+                }
+                continue;
+            }
+            while (*m_szAt != '\0' && *m_szAt != '>' && !isBlank(*m_szAt)) {
+                ++m_szAt;
+            }
+        }
+        return *m_szAt++ == '>';
+    }
+
+    bool readTag() noexcept {
+        ++m_szAt;
+        skipBlanks();
+        if (!readName()) {
+            return false;
+        }
+        for (int nAttributes = 0;; ++nAttributes) {
+            skipBlanks();
+            if (*m_szAt == '>') {
+                ++m_szAt;
+                return ++m_nDepth <= MaxDepth;
+            }
+            if (startsWith("/>")) {
+                m_szAt += 2;
+                return m_nDepth < MaxDepth;
+            }
+            if (nAttributes == MaxAttributes || !readAttribute()) {
+                return false;
+            }
+        }
+    }
+
+    bool readName() noexcept {
+        if (!startsName(*m_szAt)) {
+            return false;
+        }
+        while (isInName(*m_szAt)) {
+            ++m_szAt;
+        }
+        return true;
+    }
+
+    bool readAttribute() noexcept {
+        if (!readName()) {
+            return false;
+        }
+        skipBlanks();
+        if (*m_szAt++ != '=') {
+            return false;
+        }
+        skipBlanks();
+        return *m_szAt == '"' || *m_szAt == '\'' ? readQuoted() : readBare();
+    }
+
+    bool readQuoted() noexcept {
+        const char cQuote = *m_szAt++;
+        return readText(cQuote) && *m_szAt++ == cQuote;
+    }
+
+    // A value without quotes, which must not hold any.
+    bool readBare() noexcept {
+        while (!isBlank(*m_szAt) && std::strchr("/>\"'", *m_szAt) == nullptr) {
+            ++m_szAt;
+        }
+        return *m_szAt != '\0' && *m_szAt != '"' && *m_szAt != '\'';
+    }
+
+    const char* m_szAt;
+    const char* const m_szEnd;
+    int m_nDepth = 0;
 };
 
-Tag readTag(const char* szText) noexcept {
-    int nAttributes = 0;
-    while (*szText != '\0' && *szText != '>') {
-        if (startsWith(szText, "/>")) {
-            return {szText + 2, false, true};
-        }
-        if (*szText++ == '=') {
-            if (++nAttributes > MaxAttributes) {
-                return {szText, false, false};
-            }
-            szText = skipValue(szText);
-        }
+bool isContinuation(unsigned char nByte) noexcept {
+    return nByte >= 0x80 && nByte <= 0xBF;
+}
+
+// The length of the character that begins here, 0 if it is none.
+int characterLength(const unsigned char* pBytes) noexcept {
+    const unsigned char nLead = pBytes[0];
+    const unsigned char nSecond = nLead < 0x80 ? 0 : pBytes[1];
+    if (nLead < 0x80) {
+        return 1;
     }
-    return {*szText == '\0' ? szText : szText + 1, true, true};
+    if (nLead < 0xC2 || nLead > 0xF4 || !isContinuation(nSecond)) {
+        return 0;
+    }
+    if (nLead < 0xE0) {
+        return 2;
+    }
+    if (!isContinuation(pBytes[2])) {
+        return 0;
+    }
+    if (nLead < 0xF0) {
+        const bool bOverlong = nLead == 0xE0 && nSecond < 0xA0;
+        const bool bSurrogate = nLead == 0xED && nSecond > 0x9F;
+        return bOverlong || bSurrogate ? 0 : 3;
+    }
+    const bool bOutOfRange = (nLead == 0xF0 && nSecond < 0x90) || (nLead == 0xF4 && nSecond > 0x8F);
+    return bOutOfRange || !isContinuation(pBytes[3]) ? 0 : 4;
 }
 
 }  // namespace
 
 bool isWithinXmlBounds(const char* szText) noexcept {
-    int nDepth = 0;
-    while ((szText = std::strchr(szText, '<')) != nullptr) {
-        if (startsWith(szText, "<!--")) {
-            szText = skipPast(szText + 4, "-->");
-        } else if (startsWith(szText, "<![CDATA[")) {
-            szText = skipPast(szText + 9, "]]>");
-        } else if (szText[1] == '/') {
-            --nDepth;
-            szText = skipPast(szText, ">");
-        } else if (!startsElement(szText + 1)) {
-            szText = skipPast(szText, ">");
-        } else {
-            const Tag tag = readTag(szText + 1);
-            if (!tag.bWithinBounds || (tag.bOpen && ++nDepth > MaxDepth)) {
-                return false;
-            }
-            szText = tag.szEnd;
+    return Reader(szText).readDocument();
+}
+
+bool isUtf8(const char* szText) noexcept {
+    const auto* pBytes = reinterpret_cast<const unsigned char*>(szText);
+    while (*pBytes != 0) {
+        const int nLength = characterLength(pBytes);
+        if (nLength == 0) {
+            return false;
         }
+        pBytes += nLength;
     }
     return true;
 }

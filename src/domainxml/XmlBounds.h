@@ -1,7 +1,11 @@
-// The bounds of an XML text that the recursive parser is given.
+// What an XML text is checked for before the recursive parser is given it.
 #pragma once
 
 // Whether a text stays within 1,000 levels of nesting and 512 attributes in one element. One pass,
-// which reads quotes, comments and CDATA as the parser does; whether the text is well formed is
-// left to the parser.
+// which keeps its place in quotes, comments, CDATA, declarations and character references exactly
+// as the parser does; where the parser would give up, or lose its place, the text is refused.
 bool isWithinXmlBounds(const char* szText) noexcept;
+
+// Whether every byte above 127 belongs to a character in UTF-8. In other texts the parser would
+// take a quote or the end of the text for the rest of a character.
+bool isUtf8(const char* szText) noexcept;
