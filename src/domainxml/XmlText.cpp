@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstdint>
 #include <cstdlib>
 #include <limits>
 #include <string_view>
@@ -28,12 +29,23 @@ const char* skipBlanks(const char* szText) noexcept {
     return szText;
 }
 
-// A number that the type cannot hold: nothing where its exponent is negative, else endless.
-template <class Number>
-Number outOfRange(std::string_view text) noexcept {
-    const auto nExponent = text.find_first_of("eE");
-    const bool bTiny = nExponent != std::string_view::npos && text.substr(nExponent + 1, 1) == "-";
-    return bTiny ? Number(0) : std::numeric_limits<Number>::infinity();
+// The power of ten of the first digit that counts, in a number that has one.
+std::int64_t magnitude(std::string_view text) noexcept {
+    const auto nDigits = std::min(text.find_first_of("eE"), text.size());
+    const auto nPoint = static_cast<std::int64_t>(std::min(text.find('.'), nDigits));
+    const auto nFirst = static_cast<std::int64_t>(text.find_first_of("123456789"));
+    // A far larger exponent than any text has digits.
+    constexpr std::int64_t Endless = std::numeric_limits<std::int32_t>::max();
+    std::int64_t nExponent = 0;
+    if (nDigits < text.size()) {
+        std::string_view exponent = text.substr(nDigits + 1);
+        exponent.remove_prefix(exponent.front() == '+' ? 1 : 0);
+        const auto result = std::from_chars(exponent.begin(), exponent.end(), nExponent);
+        nExponent = result.ec == std::errc()  ? std::clamp(nExponent, -Endless, Endless)
+                    : exponent.front() == '-' ? -Endless
+                                              : Endless;
+    }
+    return nExponent + (nFirst < nPoint ? nPoint - 1 - nFirst : nPoint - nFirst);
 }
 
 template <class Number>
@@ -53,7 +65,9 @@ void readNumber(const char* szText, Number& number) noexcept {
         return;
     }
     if (result.ec == std::errc::result_out_of_range) {
-        read = outOfRange<Number>(text);
+        const auto nLength = static_cast<std::size_t>(result.ptr - text.data());
+        read = magnitude(text.substr(0, nLength)) < 0 ? Number(0)
+                                                      : std::numeric_limits<Number>::infinity();
     }
     number = bNegative ? -read : read;
 }
