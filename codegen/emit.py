@@ -129,13 +129,15 @@ def record_header(schema, record, exported):
            includes_of(schema, record), "\n", wrapped_comment(capital(record.comment + " "))
            if record.comment else ""]
     if record.is_element:
-        out.append(f"class {export}{name} {{\npublic:\n")
+        out.append(f"class {export}{name} final {{\npublic:\n")
     else:
-        out.append(f"class {export}{name} : public {record.base or 'BaseDomain'} {{\npublic:\n")
+        is_base = any(other.base == name for other in schema.records.values())
+        final = "" if is_base else " final"
+        out.append(f"class {export}{name}{final} : public {record.base or 'BaseDomain'} {{\n"
+                   "public:\n")
         if record.has_id:
             out.append(f"    static constexpr std::uint32_t DomainId = {record.id};\n\n")
-        out.append(f"    {name}();\n    {name}(const {name}& other);\n"
-                   f"    {name}({name}&& other) noexcept;\n"
+        out.append(f"    {name}() noexcept;\n    {name}(const {name}& other);\n"
                    f"    {name}& operator=(const {name}& other);\n"
                    f"    {name}& operator=({name}&& other) noexcept;\n"
                    f"    ~{name}() override;\n\n")
@@ -154,9 +156,8 @@ def record_header(schema, record, exported):
 def special_members(record):
     name = record.name
     identity = f"m_nDomainId = {record.id};" if record.has_id else ""
-    return (f"{name}::{name}() {{ {identity} }}\n"
+    return (f"{name}::{name}() noexcept {{ {identity} }}\n"
             f"{name}::{name}(const {name}& other) : {name}() {{ *this = other; }}\n"
-            f"{name}::{name}({name}&& other) noexcept : {name}() {{ *this = std::move(other); }}\n"
             f"{name}& {name}::operator=(const {name}& other) = default;\n"
             f"{name}& {name}::operator=({name}&& other) noexcept = default;\n"
             f"{name}::~{name}() = default;\n\n")

@@ -22,10 +22,7 @@ const RecordDescriptor* findLogged(std::span<const DomainTables::NameRow> names,
 
 std::unique_ptr<BaseDomain> createSingleDomain(const std::string& strName) {
     const RecordDescriptor* pDescriptor = findLogged(DomainTables::singleNames(), strName);
-    if (pDescriptor == nullptr) {
-        return nullptr;
-    }
-    return std::unique_ptr<BaseDomain>(static_cast<BaseDomain*>(pDescriptor->access.make()));
+    return pDescriptor == nullptr ? nullptr : pDescriptor->access.make();
 }
 
 std::unique_ptr<DomainContainer> createListDomain(const std::string& strName) {

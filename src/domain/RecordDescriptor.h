@@ -57,17 +57,21 @@ struct RecordDescriptor;
 // The operations that need a record's type. Pointers to void point to the record, or to a
 // std::vector of it.
 struct TypeAccess {
-    void* (*make)() = nullptr;  // a new default object
-    void (*drop)(void* pObject) = nullptr;
-    void (*moveInto)(void* pTarget, void* pSource) = nullptr;
     std::size_t (*listSize)(const void* pList) = nullptr;
     const void* (*listAt)(const void* pList, std::size_t nIndex) = nullptr;
-    void* (*listAppend)(void* pList) = nullptr;  // appends a default object and returns it
-    void (*listClear)(void* pList) = nullptr;
+    // Drops what the list holds; it then has nSize default objects.
+    void (*listReset)(void* pList, std::size_t nSize) = nullptr;
     void (*listSwap)(void* pList, void* pOther) = nullptr;
+    // Records only: a new default record, and what takes over the content of one.
+    std::unique_ptr<BaseDomain> (*make)() = nullptr;
+    void (*moveInto)(void* pTarget, BaseDomain& source) = nullptr;
     // Records only: a new list container of the type, and the vector inside of one.
     std::unique_ptr<DomainContainer> (*makeContainer)() = nullptr;
     void* (*containerList)(DomainContainer& container) = nullptr;
+
+    void* listElement(void* pList, std::size_t nIndex) const {
+        return const_cast<void*>(listAt(pList, nIndex));
+    }
 };
 
 struct FieldDescriptor {
@@ -141,21 +145,15 @@ FLEETKIT_EXPORT bool equalRecords(const RecordDescriptor& descriptor, const void
 template <class T>
 constexpr TypeAccess elementAccess() {
     TypeAccess access;
-    access.make = []() -> void* { return new T(); };
-    access.drop = [](void* pObject) { delete static_cast<T*>(pObject); };
-    access.moveInto = [](void* pTarget, void* pSource) {
-        *static_cast<T*>(pTarget) = std::move(*static_cast<T*>(pSource));
-    };
     access.listSize = [](const void* pList) {
         return static_cast<const std::vector<T>*>(pList)->size();
     };
     access.listAt = [](const void* pList, std::size_t nIndex) -> const void* {
         return &(*static_cast<const std::vector<T>*>(pList))[nIndex];
     };
-    access.listAppend = [](void* pList) -> void* {
-        return &static_cast<std::vector<T>*>(pList)->emplace_back();
+    access.listReset = [](void* pList, std::size_t nSize) {
+        *static_cast<std::vector<T>*>(pList) = std::vector<T>(nSize);
     };
-    access.listClear = [](void* pList) { static_cast<std::vector<T>*>(pList)->clear(); };
     access.listSwap = [](void* pList, void* pOther) {
         static_cast<std::vector<T>*>(pList)->swap(*static_cast<std::vector<T>*>(pOther));
     };
@@ -165,6 +163,10 @@ constexpr TypeAccess elementAccess() {
 template <class T>
 constexpr TypeAccess recordAccess() {
     TypeAccess access = elementAccess<T>();
+    access.make = []() -> std::unique_ptr<BaseDomain> { return std::make_unique<T>(); };
+    access.moveInto = [](void* pTarget, BaseDomain& source) {
+        *static_cast<T*>(pTarget) = std::move(static_cast<T&>(source));
+    };
     access.makeContainer = []() -> std::unique_ptr<DomainContainer> {
         return std::make_unique<DomainVectorContainer<T>>();
     };

@@ -1,9 +1,32 @@
 // Views of an XML tree, and the parsed text that owns one.
 #include "domainxml/XmlCursor.h"
 
+#include <strings.h>
 #include <tinyxml.h>
 
+#include <cstring>
+
 #include "domainxml/XmlBounds.h"
+
+namespace {
+
+bool startsWithWord(const char* szText, const char* szHead) {
+    return ::strncasecmp(szText, szHead, std::strlen(szHead)) == 0;
+}
+
+// Whether a declaration says UTF-8, as one without an encoding does.
+bool isDeclaredUtf8(const TiXmlDocument& document) {
+    for (const TiXmlNode* pNode = document.FirstChild(); pNode; pNode = pNode->NextSibling()) {
+        if (const TiXmlDeclaration* pDeclaration = pNode->ToDeclaration()) {
+            const char* szEncoding = pDeclaration->Encoding();
+            return *szEncoding == '\0' || startsWithWord(szEncoding, "UTF-8") ||
+                   startsWithWord(szEncoding, "UTF8");
+        }
+    }
+    return false;
+}
+
+}  // namespace
 
 const char* XmlCursor::name() const noexcept {
     return m_pElement == nullptr ? "" : m_pElement->Value();
@@ -36,6 +59,22 @@ XmlCursor XmlCursor::next() const noexcept {
 
 XmlCursor XmlCursor::next(const char* szName) const noexcept {
     return XmlCursor(m_pElement->NextSiblingElement(szName));
+}
+
+std::vector<XmlCursor> XmlCursor::children() const {
+    std::vector<XmlCursor> vecChildren;
+    for (XmlCursor child = firstChild(); child; child = child.next()) {
+        vecChildren.push_back(child);
+    }
+    return vecChildren;
+}
+
+std::vector<XmlCursor> XmlCursor::children(const char* szName) const {
+    std::vector<XmlCursor> vecChildren;
+    for (XmlCursor child = firstChild(szName); child; child = child.next(szName)) {
+        vecChildren.push_back(child);
+    }
+    return vecChildren;
 }
 
 XmlCursor XmlCursor::appendChild(const char* szName) const {
@@ -73,11 +112,14 @@ XmlDocument::~XmlDocument() = default;
 
 XmlDocument XmlDocument::parse(const char* szText) {
     XmlDocument document;
-    if (isWithinXmlBounds(szText)) {
-        document.m_pDocument->Parse(szText, nullptr, TIXML_ENCODING_UNKNOWN);
+    if (!isWithinXmlBounds(szText)) {
+        return document;
     }
-    if (document.m_pDocument->Error()) {
-        document.m_pDocument->Clear();
+    TiXmlDocument& tree = *document.m_pDocument;
+    const bool bUtf8 = isUtf8(szText);
+    tree.Parse(szText, nullptr, bUtf8 ? TIXML_ENCODING_UNKNOWN : TIXML_ENCODING_LEGACY);
+    if (tree.Error() || (!bUtf8 && isDeclaredUtf8(tree))) {
+        tree.Clear();
     }
     return document;
 }

@@ -7,6 +7,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 class TiXmlElement;
 class TiXmlDocument;
@@ -30,6 +31,9 @@ public:
     XmlCursor firstChild(const char* szName) const noexcept;
     XmlCursor next() const noexcept;
     XmlCursor next(const char* szName) const noexcept;
+    // All child elements, or those with one tag, in the order of the document.
+    std::vector<XmlCursor> children() const;
+    std::vector<XmlCursor> children(const char* szName) const;
     // Appends an empty child element and points to it.
     XmlCursor appendChild(const char* szName) const;
     // Takes the last child away again.
@@ -50,7 +54,8 @@ public:
     // A document that holds one empty element.
     explicit XmlDocument(const char* szRootName);
     // A parsed text; without a root when the text is not a document, nests more than 1,000 levels
-    // deep or has more than 512 attributes in one element. The time taken is linear in its length.
+    // deep, has more than 512 attributes in one element, or declares UTF-8 and is none. The time
+    // taken is linear in its length.
     static XmlDocument parse(const char* szText);
 
     XmlDocument(XmlDocument&&) noexcept;

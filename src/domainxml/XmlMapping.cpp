@@ -142,15 +142,18 @@ void readJoinedInts(const FieldDescriptor& field, const Strings& vecPieces, void
 
 void readJoinedRecords(const FieldDescriptor& field, const Strings& vecPieces, void* pMember) {
     const RecordDescriptor& piece = field.nested();
-    piece.access.listClear(pMember);
+    std::vector<Ints> vecWhole;
     for (const std::string& strPiece : vecPieces) {
-        const Ints vecScanned = JoinedText::scan(field.szItem, strPiece);
-        if (vecScanned.size() != piece.nFieldCount) {
-            continue;
+        Ints vecScanned = JoinedText::scan(field.szItem, strPiece);
+        if (vecScanned.size() == piece.nFieldCount) {
+            vecWhole.push_back(std::move(vecScanned));
         }
-        void* pPiece = piece.access.listAppend(pMember);
-        for (std::size_t i = 0; i < vecScanned.size(); ++i) {
-            memberOf<int>(pPiece, piece.pFields[i].nOffset) = vecScanned[i];
+    }
+    piece.access.listReset(pMember, vecWhole.size());
+    for (std::size_t i = 0; i < vecWhole.size(); ++i) {
+        void* pPiece = piece.access.listElement(pMember, i);
+        for (std::size_t n = 0; n < piece.nFieldCount; ++n) {
+            memberOf<int>(pPiece, piece.pFields[n].nOffset) = vecWhole[i][n];
         }
     }
 }
@@ -229,7 +232,7 @@ void clearValue(const FieldDescriptor& field, void* pMember) {
     if (field.nKind == FieldKind::JoinedInts) {
         static_cast<Ints*>(pMember)->clear();
     } else if (field.nKind == FieldKind::JoinedRecords) {
-        field.nested().access.listClear(pMember);
+        field.nested().access.listReset(pMember, 0);
     } else {
         clearScalar(field.nKind, pMember);
     }
@@ -272,7 +275,7 @@ bool readAttribute(const RecordDescriptor& owner, const FieldDescriptor& field, 
         return missValue(owner, field, element, pMember);
     }
     // A text that is no value leaves what the field starts from.
-    if (field.nPresence == Presence::Zeroed || field.nPresence == Presence::Required) {
+    if (field.nPresence != Presence::Kept && field.nPresence != Presence::Logged) {
         clearValue(field, pMember);
     }
     readValue(field, szText, pMember);
@@ -359,9 +362,9 @@ bool readNested(const RecordDescriptor& owner, const FieldDescriptor& field, Xml
         return field.nPresence != Presence::Required;
     }
     const RecordDescriptor& nested = field.nested();
-    const std::unique_ptr<void, void (*)(void*)> pFresh(nested.access.make(), nested.access.drop);
+    const auto pFresh = nested.access.make();
     if (readRecord(nested, child, pFresh.get())) {
-        nested.access.moveInto(pMember, pFresh.get());
+        nested.access.moveInto(pMember, *pFresh);
     }
     return true;
 }
@@ -379,7 +382,7 @@ void readRecordList(const RecordDescriptor& owner, const FieldDescriptor& field,
     const RecordDescriptor& nested = field.nested();
     const XmlCursor list = element.firstChild(field.szTag);
     if (!list) {
-        nested.access.listClear(pMember);
+        nested.access.listReset(pMember, 0);
         MappingWords::printMissingList(owner, field);
         MappingWords::printBadList(owner, field);
     } else if (!readList(nested, list, pMember)) {
@@ -432,14 +435,14 @@ void writeElementList(const FieldDescriptor& field, const void* pMember, XmlCurs
 void readElementList(const RecordDescriptor& owner, const FieldDescriptor& field, XmlCursor element,
                      void* pMember) {
     const RecordDescriptor& nested = field.nested();
-    nested.access.listClear(pMember);
     const XmlCursor parent = field.szItem == nullptr ? element : element.firstChild(field.szItem);
-    XmlCursor child = parent.firstChild(field.szTag);
-    if (!child && field.szAbsent != nullptr) {
+    const std::vector<XmlCursor> vecChildren = parent.children(field.szTag);
+    if (vecChildren.empty() && field.szAbsent != nullptr) {
         MappingWords::printMissingElement(owner, field, field.szAbsent, element);
     }
-    for (; child; child = child.next(field.szTag)) {
-        readFields(nested, child, nested.access.listAppend(pMember), nullptr);
+    nested.access.listReset(pMember, vecChildren.size());
+    for (std::size_t i = 0; i < vecChildren.size(); ++i) {
+        readFields(nested, vecChildren[i], nested.access.listElement(pMember, i), nullptr);
     }
 }
 
@@ -548,10 +551,11 @@ bool writeList(const RecordDescriptor& descriptor, const void* pList, XmlCursor 
 }
 
 bool readList(const RecordDescriptor& descriptor, XmlCursor element, void* pList) {
-    descriptor.access.listClear(pList);
-    for (XmlCursor child = element.firstChild(); child; child = child.next()) {
-        if (!readRecord(descriptor, child, descriptor.access.listAppend(pList))) {
-            descriptor.access.listClear(pList);
+    const std::vector<XmlCursor> vecChildren = element.children();
+    descriptor.access.listReset(pList, vecChildren.size());
+    for (std::size_t i = 0; i < vecChildren.size(); ++i) {
+        if (!readRecord(descriptor, vecChildren[i], descriptor.access.listElement(pList, i))) {
+            descriptor.access.listReset(pList, 0);
             return false;
         }
     }
