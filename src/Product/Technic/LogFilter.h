@@ -7,14 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "Product/Technic/Export.h"
 #include "Product/Technic/KXMutex.h"
-
-// Levels of logMessage().
-namespace LogLevel {
-constexpr int Failure = 1;  // a failed step
-constexpr int Trace = 3;    // everything else
-}  // namespace LogLevel
+#include "Product/Technic/LogThreshold.h"
 
 // The process-wide settings of logMessage(). Safe from any thread.
 class LogFilter {
@@ -41,10 +35,6 @@ private:
     mutable KXMutex m_objMutex;
     std::vector<std::string> m_vecFileNames KX_GUARDED_BY(m_objMutex);
 };
-
-// Sets threshold and file names of the console log: LogFilter::set() for users of the library.
-FLEETKIT_EXPORT bool setLogFilter(int nThreshold,
-                                  const std::vector<std::string>& vecFileNames = {});
 
 // Prints a formatted text; the format brings its own line end. pFileName is the bare name of the
 // caller's source file and serves the filter only.

@@ -1,0 +1,36 @@
+// CommandLine: the arguments of fleetctl, read.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Output.h"
+#include "Property.h"
+
+struct CommandLine {
+    enum class Verb { Get, Set, Do, Vocabulary, Help, Text };
+
+    Verb nVerb = Verb::Help;
+    std::string strText;  // Verb::Text: what --help or --version prints
+
+    std::string strDevice;
+    std::string strUser;
+    std::string strPasswordFile;
+    std::optional<Format> format;  // as asked for
+    int nVerbosity = 0;
+
+    std::vector<std::string> vecNames;      // get
+    bool bList = false;                     // get
+    std::string strName;                    // set, do, vocabulary, help
+    std::vector<std::string> vecArguments;  // set, do
+    Selection selection;                    // get, set
+
+    bool bYes = false;               // do
+    std::vector<int> vecHold;        // do reset
+    std::string strNewPasswordFile;  // do passwd
+};
+
+// UsageError for arguments that are none.
+CommandLine parseCommandLine(int nCount, char** ppArguments);

@@ -1,0 +1,64 @@
+#include "HelpTopics.h"
+
+#include "UsageError.h"
+
+const std::vector<HelpTopic>& helpTopics() {
+    static const std::vector<HelpTopic> vecTopics = {
+        {"environment", "Variables that fleetctl reads",
+         R"(An option on the command line comes before its variable.
+
+  FLEETCTL_DEVICE        HOST:PORT, as --device
+  FLEETCTL_USER          user to log in as, as --user
+  FLEETCTL_PASSWORD      password to log in with, after --password-file
+  FLEETCTL_NEW_PASSWORD  for `do passwd`, after --new-password-file
+
+A password that is given nowhere is asked for, if standard input is a terminal.
+)"},
+        {"output", "JSON and tables",
+         R"(Standard output has data and nothing else; everything else goes to standard error.
+
+With -o json, which is the default when standard output is no terminal, each result is one object
+in one line. A value has the fields of the record by their names in the protocol, a list is an
+array:
+
+  {"device":"192.0.2.7:30001","name":"ntp","code":0,"value":{"NTPEnableFlag":true,...}}
+  {"device":"192.0.2.7:30001","name":"ntp","code":-213,"error":"..."}
+
+`set` shows the value that was written. A failed login is a result with the name "login". Texts of
+a device that are not UTF-8 have U+FFFD in the place of the bytes that are wrong.
+
+With -o table a value is shown field by field, under the paths that `set` takes, or with a column
+for each field if it is a list of plain records; failures go to standard error.
+)"},
+        {"exit-codes", "Exit statuses", R"(  0  everything asked for was done
+  1  at least one operation failed, or the output could not be written
+  2  wrong usage: arguments, names, fields, values, no password; nothing was changed
+  3  the login failed: no answer, or user or password refused
+
+The "code" of a result is the library's, a negative number, or the device's own.
+)"},
+        {"targets", "Naming devices",
+         R"(A device is named by HOST:PORT, where PORT is its control port and HOST an IPv4 address, an IPv6
+address in brackets, or a host name:
+
+  192.0.2.7:30001    [2001:db8::7]:30001    camera-7.example.org:30001
+
+A device that cannot be reached at its address can be given another one by its device id:
+
+  fleetctl -u admin do network-by-multicast DEVICE-ID NetId=0 WorkingType=1 DHCP=false ...
+)"},
+    };
+    return vecTopics;
+}
+
+const HelpTopic& findHelpTopic(const std::string& strName) {
+    std::string strNames;
+    for (const HelpTopic& topic : helpTopics()) {
+        if (strName == topic.szName) {
+            return topic;
+        }
+        strNames += std::string(" ") + topic.szName;
+    }
+    throw UsageError((strName.empty() ? "no topic" : "unknown topic '" + strName + "'") +
+                     "; the topics are:" + strNames);
+}

@@ -1,0 +1,16 @@
+// The pages of `fleetctl help`.
+#pragma once
+
+#include <string>
+#include <vector>
+
+struct HelpTopic {
+    const char* szName;
+    const char* szSummary;
+    const char* szText;
+};
+
+const std::vector<HelpTopic>& helpTopics();
+
+// UsageError, with the topics there are, for another one.
+const HelpTopic& findHelpTopic(const std::string& strName);

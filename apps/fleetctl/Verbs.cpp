@@ -1,0 +1,217 @@
+#include "Verbs.h"
+
+#include <fleetkit/FleetKit.h>
+
+#include "Action.h"
+#include "Credentials.h"
+#include "DeviceSession.h"
+#include "ExitCode.h"
+#include "FieldAssignment.h"
+#include "Terminal.h"
+#include "UsageError.h"
+
+namespace {
+
+constexpr const char* LoginName = "login";
+constexpr const char* LoginError = "the login failed: no answer, or user or password refused";
+
+void requireUser(const CommandLine& line) {
+    if (line.strUser.empty()) {
+        throw UsageError("no user: use -u or set FLEETCTL_USER");
+    }
+}
+
+// Where to log in, complete before anything is sent.
+struct Target {
+    explicit Target(const CommandLine& line) {
+        if (line.strDevice.empty()) {
+            throw UsageError("no device: use -d or set FLEETCTL_DEVICE");
+        }
+        requireUser(line);
+        address = parseDeviceAddress(line.strDevice);
+        strPassword = loginPassword(line.strPasswordFile, line.strUser);
+    }
+
+    InetAddr address;
+    std::string strPassword;
+};
+
+// Logs in and has the work done with the handle.
+template <class Work>
+int withSession(const CommandLine& line, const Target& target, Output& output, Work work) {
+    if (target.address.getIP().empty()) {
+        output.failure(line.strDevice, LoginName, ErrorCode::Failed,
+                       "the host name has no address");
+        return ExitCode::LoginFailed;
+    }
+    const DeviceSession session(target.address, line.strUser, target.strPassword);
+    if (session.getCode() != ErrorCode::Success) {
+        output.failure(line.strDevice, LoginName, session.getCode(), LoginError);
+        return ExitCode::LoginFailed;
+    }
+    return work(session.getHandle());
+}
+
+int report(const CommandLine& line, Output& output, const std::string& strName, int nCode,
+           const Json& value) {
+    if (nCode == ErrorCode::Success) {
+        output.success(line.strDevice, strName, value);
+        return ExitCode::Success;
+    }
+    output.failure(line.strDevice, strName, nCode, errorMeaning(nCode));
+    return ExitCode::OperationFailed;
+}
+
+// Plain lines also where no terminal is, for grep and cut.
+int listNames(const CommandLine& line, Output& output) {
+    const Format nFormat = line.format.value_or(Format::Table);
+    std::vector<std::vector<std::string>> vecRows;
+    for (const Property& property : properties()) {
+        const bool bGet = property.get != nullptr;
+        const bool bSet = property.set != nullptr;
+        if (nFormat == Format::JsonLines) {
+            output.jsonLine({{"name", property.szName},
+                             {"get", bGet},
+                             {"set", bSet},
+                             {"record", property.make().shape.pRecord->szClass},
+                             {"summary", property.szSummary}});
+        }
+        vecRows.push_back(
+            {property.szName, bGet ? "get" : "", bSet ? "set" : "", property.szSummary});
+    }
+    if (nFormat == Format::Table) {
+        output.text(formatTable(vecRows, 0));
+    }
+    return ExitCode::Success;
+}
+
+const Property& readableProperty(const std::string& strName) {
+    const Property& property = findProperty(strName);
+    if (property.get == nullptr) {
+        throw UsageError(strName +
+                         " cannot be read, the library has no function for it; it can "
+                         "only be set, with every field given");
+    }
+    return property;
+}
+
+const Property& writableProperty(const std::string& strName) {
+    const Property& property = findProperty(strName);
+    if (property.set == nullptr) {
+        throw UsageError(strName + " can only be read");
+    }
+    return property;
+}
+
+int getOne(const CommandLine& line, Output& output, const Property& property, const long& nHandle) {
+    const Value value = property.make();
+    const int nCode = property.get({nHandle, line.selection}, value.pObject.get());
+    return report(line, output, property.szName, nCode, toJson(value.shape, value.pObject.get()));
+}
+
+int setOne(const CommandLine& line, Output& output, const Property& property,
+           const std::vector<FieldAssignment>& vecAssignments, const long& nHandle) {
+    const Call call{nHandle, line.selection};
+    const Value value = property.make();
+    if (property.get != nullptr) {
+        const int nCode = property.get(call, value.pObject.get());
+        if (nCode != ErrorCode::Success) {
+            return report(line, output, property.szName, nCode, nullptr);
+        }
+    }
+    Json json = toJson(value.shape, value.pObject.get());
+    for (const FieldAssignment& assignment : vecAssignments) {
+        assign(assignment, value.shape, property.szName, json);
+    }
+    fromJson(json, value.shape, value.pObject.get());
+    return report(line, output, property.szName, property.set(call, value.pObject.get()), json);
+}
+
+void checkArguments(const Action& action, const CommandLine& line) {
+    const std::size_t nCount = line.vecArguments.size();
+    if (nCount < action.nLeastArguments || nCount > action.nMostArguments) {
+        throw UsageError(std::string("usage: do ") + action.szName + ' ' + action.szArguments);
+    }
+}
+
+// Whether the user wants it. UsageError when there is nobody to say so.
+bool isConfirmed(const Action& action, const CommandLine& line) {
+    if (!action.isDestructive || line.bYes) {
+        return true;
+    }
+    if (!canAsk()) {
+        throw UsageError(std::string(action.szName) +
+                         " has to be confirmed: use --yes where nobody can be asked");
+    }
+    return askYesNo(std::string(action.szSummary) + " (" + line.strDevice + ")?");
+}
+
+}  // namespace
+
+int runGet(const CommandLine& line, Output& output) {
+    if (line.bList) {
+        return listNames(line, output);
+    }
+    if (line.vecNames.empty()) {
+        throw UsageError("nothing to get; `fleetctl get --list` prints the names");
+    }
+    std::vector<const Property*> vecProperties;
+    for (const std::string& strName : line.vecNames) {
+        vecProperties.push_back(&readableProperty(strName));
+        requireSelectors(*vecProperties.back(), line.selection);
+    }
+    refuseOtherSelectors(vecProperties, line.selection);
+    return withSession(line, Target(line), output, [&](const long& nHandle) {
+        int nExitCode = ExitCode::Success;
+        for (const Property* pProperty : vecProperties) {
+            if (getOne(line, output, *pProperty, nHandle) != ExitCode::Success) {
+                nExitCode = ExitCode::OperationFailed;
+            }
+        }
+        return nExitCode;
+    });
+}
+
+int runSet(const CommandLine& line, Output& output) {
+    const Property& property = writableProperty(line.strName);
+    requireSelectors(property, line.selection);
+    refuseOtherSelectors({&property}, line.selection);
+    const Shape shape = property.make().shape;
+    std::vector<FieldAssignment> vecAssignments;
+    for (const std::string& strText : line.vecArguments) {
+        vecAssignments.push_back(parseAssignment(strText, shape, property.szName));
+    }
+    if (vecAssignments.empty()) {
+        throw UsageError("nothing to set; say FIELD=VALUE");
+    }
+    if (property.get == nullptr) {
+        requireEveryField(vecAssignments, *shape.pRecord, property.szName);
+    }
+    return withSession(line, Target(line), output, [&](const long& nHandle) {
+        return setOne(line, output, property, vecAssignments, nHandle);
+    });
+}
+
+int runDo(const CommandLine& line, Output& output) {
+    const Action& action = findAction(line.strName);
+    checkArguments(action, line);
+    std::string strNewPassword;
+    const auto run = [&](const std::string& strPassword, const long& nHandle) {
+        const int nCode = action.run({line, strPassword, strNewPassword, nHandle});
+        return report(line, output, action.szName, nCode, nullptr);
+    };
+    if (!action.needsSession) {
+        requireUser(line);
+        return run(loginPassword(line.strPasswordFile, line.strUser), 0);
+    }
+    const Target target(line);
+    if (action.needsNewPassword) {
+        strNewPassword = newPassword(line.strNewPasswordFile);
+    }
+    if (!isConfirmed(action, line)) {
+        std::fputs("fleetctl: not confirmed, nothing was done\n", stderr);
+        return ExitCode::OperationFailed;
+    }
+    return withSession(line, target, output,
+                       [&](const long& nHandle) { return run(target.strPassword, nHandle); });
+}
