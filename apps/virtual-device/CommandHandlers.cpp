@@ -1,0 +1,461 @@
+// The commands, each in a few lines over the state.
+#include "virtual-device/CommandHandlers.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <iterator>
+
+#include "Product/Technic/Base64.h"
+#include "Product/Technic/platform/Clock.h"
+#include "domain/DeviceTime.h"
+#include "domain/EtChangePasswordReq.h"
+#include "domain/EtHoldTypeList.h"
+#include "domain/EtSessionId.h"
+#include "domain/EtSystemReq.h"
+#include "domain/EtSystemResp.h"
+#include "domain/KXInterger.h"
+#include "domain/LanguageId.h"
+#include "domain/StreamId.h"
+#include "domain/UserParam.h"
+#include "protocol/CredentialCipher.h"
+#include "virtual-device/DeviceResult.h"
+
+namespace {
+
+using namespace std::chrono;
+
+// What a reset can be asked to keep.
+constexpr int HoldNetwork = 1;  // host networks and ports
+
+constexpr int FirstYear = 1970;
+constexpr int LastYear = 9999;
+
+bool decipher(const std::string& strCipher, std::string& strPlain) {
+    std::vector<std::uint8_t> vecBytes(strCipher.size() + 1);
+    auto nSize = static_cast<std::int32_t>(vecBytes.size());
+    if (strCipher.empty()) {
+        strPlain.clear();
+        return true;
+    }
+    if (base64Decode(reinterpret_cast<const std::uint8_t*>(strCipher.data()),
+                     static_cast<std::int32_t>(strCipher.size()), vecBytes.data(),
+                     nSize) != Base64Result::Done) {
+        return false;
+    }
+    vecBytes.resize(static_cast<std::size_t>(nSize));
+    applyStreamCipher(vecBytes.data(), static_cast<std::uint32_t>(nSize), vecBytes.data());
+    strPlain.assign(vecBytes.begin(), vecBytes.end());
+    return true;
+}
+
+bool hasChannel(const CommandCall& call) {
+    const int nChannel = call.request.channel();
+    return nChannel == Request::All || (nChannel >= 1 && nChannel <= call.options.nChannels);
+}
+
+// --- Commands that only hand out, or only take over, one field of the state.
+
+template <auto Field>
+int give(CommandCall& call) {
+    appendRecord(call.vecReply, call.state.*Field);
+    return DeviceResult::Success;
+}
+
+template <auto Field>
+int giveOfChannel(CommandCall& call) {
+    return hasChannel(call) ? give<Field>(call) : DeviceResult::NoSuchChannel;
+}
+
+template <class Record, Record DeviceState::*Field>
+int take(CommandCall& call) {
+    const auto* pRecord = findRecord<Record>(call.request.vecRecords);
+    if (!pRecord) {
+        return DeviceResult::MissingRecord;
+    }
+    call.state.*Field = *pRecord;
+    return DeviceResult::Success;
+}
+
+// --- Sessions and users.
+
+int login(CommandCall& call) {
+    const auto* pUser = findRecord<UserParam>(call.request.vecRecords);
+    if (!pUser) {
+        return DeviceResult::MissingRecord;
+    }
+    if (!areCredentials(call.options, call.state, pUser->getUserName(), pUser->getPassword())) {
+        return DeviceResult::WrongCredentials;
+    }
+    call.nSession = call.nFreeSession;
+    EtSessionId objSession;
+    objSession.setSessionId(static_cast<int>(call.nSession));
+    appendRecord(call.vecReply, objSession);
+    return DeviceResult::Success;
+}
+
+int logout(CommandCall& call) {
+    call.nSession = 0;
+    return DeviceResult::Success;
+}
+
+int keepAlive(CommandCall& call) {
+    const auto* pSession = findRecord<EtSessionId>(call.request.vecRecords);
+    if (!pSession) {
+        return DeviceResult::MissingRecord;
+    }
+    const bool bIsOwn = static_cast<std::uint32_t>(pSession->getSessionId()) == call.nSession;
+    return bIsOwn ? DeviceResult::Success : DeviceResult::NoSession;
+}
+
+int changePassword(CommandCall& call) {
+    const auto* pChange = findRecord<EtChangePasswordReq>(call.request.vecRecords);
+    if (!pChange) {
+        return DeviceResult::MissingRecord;
+    }
+    std::string strOld;
+    std::string strNew;
+    if (!decipher(pChange->getOldPassword(), strOld) || strOld != call.state.strPassword) {
+        return DeviceResult::WrongCredentials;
+    }
+    if (!decipher(pChange->getNewPassword(), strNew)) {
+        return DeviceResult::BadParameter;
+    }
+    call.state.strPassword = strNew;
+    return DeviceResult::Success;
+}
+
+// --- The device as a whole.
+
+int restart(CommandCall& call) {
+    call.bRestarts = true;
+    return DeviceResult::Success;
+}
+
+int reset(CommandCall& call) {
+    const auto* pHold = findRecord<EtHoldTypeList>(call.request.vecRecords);
+    if (!pHold) {
+        return DeviceResult::MissingRecord;
+    }
+    DeviceState objState = factoryState(call.options);
+    const auto& vecHeld = pHold->getType();
+    if (std::find(vecHeld.begin(), vecHeld.end(), HoldNetwork) != vecHeld.end()) {
+        objState.vecHostNetworks = call.state.vecHostNetworks;
+        objState.objPorts = call.state.objPorts;
+    }
+    call.state = objState;
+    return DeviceResult::Success;
+}
+
+int systemCommand(CommandCall& call) {
+    const auto* pCommand = findRecord<EtSystemReq>(call.request.vecRecords);
+    if (!pCommand) {
+        return DeviceResult::MissingRecord;
+    }
+    call.state.strLastSystemCommand = pCommand->getSystemCommand();
+    EtSystemResp objResponse;
+    objResponse.setResponse("noted, not run: " + pCommand->getSystemCommand());
+    appendRecord(call.vecReply, objResponse);
+    return DeviceResult::Success;
+}
+
+int takeHostNetworks(CommandCall& call) {
+    const auto* pNetworks = findList<HostNetwork>(call.request.vecRecords);
+    return pNetworks ? setHostNetworks(call.state, *pNetworks)
+                     : static_cast<int>(DeviceResult::MissingRecord);
+}
+
+int giveHostNetworks(CommandCall& call) {
+    appendList(call.vecReply, call.state.vecHostNetworks);
+    return DeviceResult::Success;
+}
+
+// --- Time.
+
+DeviceTime timeOf(const DeviceState& state) {
+    const sys_seconds objNow{seconds(currentClock().calendarTime() + state.nClockOffset)};
+    const auto objDay = floor<days>(objNow);
+    const year_month_day objDate(objDay);
+    const hh_mm_ss objClock(objNow - objDay);
+    DeviceTime objTime;
+    objTime.setYear(static_cast<int>(objDate.year()));
+    objTime.setMonth(static_cast<int>(static_cast<unsigned>(objDate.month())));
+    objTime.setDay(static_cast<int>(static_cast<unsigned>(objDate.day())));
+    objTime.setHour(static_cast<int>(objClock.hours().count()));
+    objTime.setMinute(static_cast<int>(objClock.minutes().count()));
+    objTime.setSecond(static_cast<int>(objClock.seconds().count()));
+    return objTime;
+}
+
+int giveTime(CommandCall& call) {
+    appendRecord(call.vecReply, timeOf(call.state));
+    return DeviceResult::Success;
+}
+
+// The summary repeats what other commands set.
+int giveSummary(CommandCall& call) {
+    const DeviceTime objTime = timeOf(call.state);
+    char szTime[80];
+    std::snprintf(szTime, sizeof szTime, "%04d-%02d-%02d %02d:%02d:%02d", objTime.getYear(),
+                  objTime.getMonth(), objTime.getDay(), objTime.getHour(), objTime.getMinute(),
+                  objTime.getSecond());
+    DeviceSummaryInfo objSummary = call.state.objSummary;
+    objSummary.setDeviceTime(szTime);
+    objSummary.setDeviceIP(call.state.vecHostNetworks.front().getLocalIp());
+    objSummary.setDevicePort(call.state.objPorts.getControlPort());
+    objSummary.setHttpPort(std::to_string(call.state.objPorts.getHttpPort()));
+    appendRecord(call.vecReply, objSummary);
+    return DeviceResult::Success;
+}
+
+bool isBetween(int nValue, int nLow, int nHigh) {
+    return nValue >= nLow && nValue <= nHigh;
+}
+
+int takeTime(CommandCall& call) {
+    const auto* pTime = findRecord<DeviceTime>(call.request.vecRecords);
+    if (!pTime) {
+        return DeviceResult::MissingRecord;
+    }
+    if (!isBetween(pTime->getYear(), FirstYear, LastYear) || !isBetween(pTime->getMonth(), 1, 12) ||
+        !isBetween(pTime->getDay(), 1, 31) || !isBetween(pTime->getHour(), 0, 23) ||
+        !isBetween(pTime->getMinute(), 0, 59) || !isBetween(pTime->getSecond(), 0, 59)) {
+        return DeviceResult::BadParameter;
+    }
+    const year_month_day objDate(year(pTime->getYear()),
+                                 month(static_cast<unsigned>(pTime->getMonth())),
+                                 day(static_cast<unsigned>(pTime->getDay())));
+    if (!objDate.ok()) {
+        return DeviceResult::BadParameter;
+    }
+    const sys_seconds objTime = sys_days(objDate) + hours(pTime->getHour()) +
+                                minutes(pTime->getMinute()) + seconds(pTime->getSecond());
+    call.state.nClockOffset = objTime.time_since_epoch().count() - currentClock().calendarTime();
+    return DeviceResult::Success;
+}
+
+// The number of a zone in front of the channel asks for what that zone has by default; 0 stands for
+// the zone of the factory state.
+int giveTimeZone(CommandCall& call) {
+    const Records& vecRecords = call.request.vecRecords;
+    if (vecRecords.empty() || vecRecords.front()->getDomainId() != KXInterger::DomainId) {
+        return give<&DeviceState::objTimeZone>(call);
+    }
+    const int nAsked = findRecord<KXInterger>(vecRecords)->getValue();
+    const int nZone = nAsked == 0 ? factoryState(call.options).objTimeZone.getTimeZone() : nAsked;
+    for (const TimeZoneParam& zone : call.state.vecTimeZoneDefaults) {
+        if (zone.getTimeZone() == nZone) {
+            appendRecord(call.vecReply, zone);
+            return DeviceResult::Success;
+        }
+    }
+    return DeviceResult::BadParameter;
+}
+
+// The names of the zones in a language of the device; 0 and -1 stand for its first one.
+int giveTimeZoneAbility(CommandCall& call) {
+    const auto* pLanguage = findRecord<LanguageId>(call.request.vecRecords);
+    if (!pLanguage) {
+        return DeviceResult::MissingRecord;
+    }
+    const auto& vecLanguages = call.state.objLanguages.getLanguageTypeList();
+    for (std::size_t n = 0; n < vecLanguages.size(); ++n) {
+        if (pLanguage->getId() <= 0 || vecLanguages[n].getLanguageID() == pLanguage->getId()) {
+            appendRecord(call.vecReply, call.state.vecTimeZones.at(n));
+            return DeviceResult::Success;
+        }
+    }
+    return DeviceResult::BadParameter;
+}
+
+// --- Channels, streams, text on the picture.
+
+bool isAsked(int nAsked, int nActual) {
+    return nAsked == Request::All || nAsked == nActual;
+}
+
+int giveVideoAbility(CommandCall& call) {
+    if (!hasChannel(call)) {
+        return DeviceResult::NoSuchChannel;
+    }
+    std::vector<VideoAbilityParam> vecAsked;
+    for (const VideoAbilityParam& channel : call.state.objVideo.getVideoAbilityParamList()) {
+        if (isAsked(call.request.channel(), channel.getChannelId())) {
+            vecAsked.push_back(channel);
+        }
+    }
+    VideoAbility objVideo;
+    objVideo.setVideoAbilityParamList(vecAsked);
+    appendRecord(call.vecReply, objVideo);
+    return DeviceResult::Success;
+}
+
+int giveSensor(CommandCall& call) {
+    return call.options.nKind == DeviceKind::IPC ? give<&DeviceState::objSensor>(call)
+                                                 : static_cast<int>(DeviceResult::NotSupported);
+}
+
+// A list answers what there is: a channel or stream that the device lacks is an empty list.
+int giveChannels(CommandCall& call) {
+    std::vector<ChannelInfo> vecAsked;
+    for (const ChannelInfo& channel : call.state.vecChannels) {
+        if (isAsked(call.request.channel(), channel.getLocalChannelID())) {
+            vecAsked.push_back(channel);
+        }
+    }
+    appendList(call.vecReply, vecAsked);
+    return DeviceResult::Success;
+}
+
+int giveStreams(CommandCall& call) {
+    const auto* pStreamId = findRecord<StreamId>(call.request.vecRecords);
+    const int nStream = pStreamId ? pStreamId->getId() : Request::All;
+    std::vector<AVStreamParam> vecAsked;
+    for (const AVStreamParam& stream : call.state.vecStreams) {
+        if (isAsked(call.request.channel(), stream.getChannelId()) &&
+            isAsked(nStream, stream.getStreamId())) {
+            vecAsked.push_back(stream);
+        }
+    }
+    appendList(call.vecReply, vecAsked);
+    return DeviceResult::Success;
+}
+
+// The records' own numbers tell what is set, not the `StreamId` of the request, in which a client
+// may repeat the channel. All of them are set or none.
+int takeStreams(CommandCall& call) {
+    const auto* pStreams = findList<AVStreamParam>(call.request.vecRecords);
+    if (!pStreams) {
+        return DeviceResult::MissingRecord;
+    }
+    std::vector<AVStreamParam> vecStreams = call.state.vecStreams;
+    for (const AVStreamParam& stream : *pStreams) {
+        const auto itStream =
+            std::find_if(vecStreams.begin(), vecStreams.end(), [&](const AVStreamParam& own) {
+                return own.getChannelId() == stream.getChannelId() &&
+                       own.getStreamId() == stream.getStreamId();
+            });
+        if (itStream == vecStreams.end() ||
+            !isAsked(call.request.channel(), stream.getChannelId())) {
+            return DeviceResult::NoSuchStream;
+        }
+        *itStream = stream;
+    }
+    call.state.vecStreams = vecStreams;
+    return DeviceResult::Success;
+}
+
+int giveOSD(CommandCall& call) {
+    std::vector<OSDUserParam> vecAsked;
+    for (const OSDUserParam& osd : call.state.vecOSD) {
+        if (isAsked(call.request.channel(), osd.getCameraId())) {
+            vecAsked.push_back(osd);
+        }
+    }
+    appendList(call.vecReply, vecAsked);
+    return DeviceResult::Success;
+}
+
+// One record, whose channel may be left to the request (0), or a list of them.
+int takeOSD(CommandCall& call) {
+    const auto* pSingle = findRecord<OSDUserParam>(call.request.vecRecords);
+    const auto* pList = findList<OSDUserParam>(call.request.vecRecords);
+    if (!pSingle && !pList) {
+        return DeviceResult::MissingRecord;
+    }
+    std::vector<OSDUserParam> vecNew = pList ? *pList : std::vector<OSDUserParam>{*pSingle};
+    if (pSingle && !pList && pSingle->getCameraId() == 0) {
+        vecNew.front().setCameraId(call.request.channel());
+    }
+    std::vector<OSDUserParam> vecOSD = call.state.vecOSD;
+    for (const OSDUserParam& osd : vecNew) {
+        const auto itOSD = std::find_if(vecOSD.begin(), vecOSD.end(), [&](const auto& own) {
+            return own.getCameraId() == osd.getCameraId();
+        });
+        if (itOSD == vecOSD.end() || !isAsked(call.request.channel(), osd.getCameraId())) {
+            return DeviceResult::NoSuchChannel;
+        }
+        *itOSD = osd;
+    }
+    call.state.vecOSD = vecOSD;
+    return DeviceResult::Success;
+}
+
+constexpr bool WithoutSession = false;
+
+constexpr CommandHandler Handlers[] = {
+    {11001, "login", login, WithoutSession},
+    {11003, "logout", logout},
+    {11007, "keep-alive", keepAlive},
+    {18001, "reset", reset},
+    {18002, "restart", restart},
+    {30003, "get hardware", give<&DeviceState::objHardware>},
+    {30005, "get software", give<&DeviceState::objSoftware>},
+    {30007, "get languages", give<&DeviceState::objLanguages>},
+    {30009, "get video ability", giveVideoAbility},
+    {30011, "get text ability", giveOfChannel<&DeviceState::objOSDAbility>},
+    {30013, "get audio ability", giveOfChannel<&DeviceState::objAudio>},
+    {30015, "get PTZ ability", giveOfChannel<&DeviceState::objPTZ>},
+    {30017, "get network ability", give<&DeviceState::objNetworkCards>},
+    {30021, "get motion ability", giveOfChannel<&DeviceState::objMotion>},
+    {30025, "get blind ability", giveOfChannel<&DeviceState::objBlind>},
+    {30031, "get sensor ability", giveSensor},
+    {30033, "get time zone names", giveTimeZoneAbility},
+    {30507, "get time", giveTime},
+    {30509, "set time", takeTime},
+    {30515, "get time zone", giveTimeZone},
+    {30517, "set time zone", take<TimeZoneParam, &DeviceState::objTimeZone>},
+    {30523, "get ports", give<&DeviceState::objPorts>},
+    {30525, "set ports", take<DevicePort, &DeviceState::objPorts>},
+    {30541, "get summary", giveSummary},
+    {30547, "system command", systemCommand},
+    {32021, "get protocol security", give<&DeviceState::objSecurity>},
+    {32023, "set protocol security", take<ProtocolSecurityParam, &DeviceState::objSecurity>},
+    {32504, "get host network", giveHostNetworks},
+    {32506, "set host network", takeHostNetworks},
+    {32712, "get NTP", give<&DeviceState::objNTP>},
+    {32714, "set NTP", take<NTPParam, &DeviceState::objNTP>},
+    {33509, "change password", changePassword},
+    {35008, "get streams", giveStreams},
+    {35010, "set streams", takeStreams},
+    {35021, "set text", takeOSD},
+    {35022, "get text", giveOSD},
+    {41259, "get channels", giveChannels},
+    {41275, "get disks", give<&DeviceState::objDisks>},
+    {41278, "get serial ports", give<&DeviceState::objUART>},
+};
+
+}  // namespace
+
+const CommandHandler* findCommandHandler(std::uint32_t nCommandId) {
+    const auto* pHandler =
+        std::find_if(std::begin(Handlers), std::end(Handlers),
+                     [&](const auto& handler) { return handler.nCommandId == nCommandId; });
+    return pHandler == std::end(Handlers) ? nullptr : pHandler;
+}
+
+bool areCredentials(const DeviceOptions& options, const DeviceState& state,
+                    const std::string& strUser, const std::string& strPassword) {
+    std::string strPlainUser;
+    std::string strPlainPassword;
+    return decipher(strUser, strPlainUser) && decipher(strPassword, strPlainPassword) &&
+           strPlainUser == options.strUser && strPlainPassword == state.strPassword;
+}
+
+int setHostNetworks(DeviceState& state, const std::vector<HostNetwork>& vecNetworks) {
+    std::vector<HostNetwork> vecNew = state.vecHostNetworks;
+    for (HostNetwork network : vecNetworks) {
+        if (network.getNetId() == 0) {
+            network.setNetId(vecNew.front().getNetId());
+        }
+        const auto itOld = std::find_if(vecNew.begin(), vecNew.end(), [&](const HostNetwork& own) {
+            return own.getNetId() == network.getNetId();
+        });
+        if (itOld == vecNew.end()) {
+            return DeviceResult::BadParameter;
+        }
+        *itOld = network;
+    }
+    state.vecHostNetworks = vecNew;
+    return DeviceResult::Success;
+}

@@ -1,0 +1,58 @@
+// One connection to a device: reads a request, sends its answer, and so on in turn.
+#pragma once
+
+#include <array>
+#include <asio/ip/tcp.hpp>
+#include <asio/steady_timer.hpp>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "protocol/CommandBuffer.h"
+#include "protocol/SDKCommandHeadInfo.h"
+#include "virtual-device/Answer.h"
+
+class DeviceServer;
+
+// Owned by its server until it closes. A head that is none, or that announces too much, ends the
+// connection, for what follows it cannot be told apart; a body that does not decode is refused.
+class DeviceConnection : public std::enable_shared_from_this<DeviceConnection> {
+public:
+    // The most that a request may announce. Memory is taken as bytes arrive.
+    static constexpr std::uint32_t MaxPayload = 4U << 20;
+
+    DeviceConnection(asio::ip::tcp::socket objSocket, std::shared_ptr<DeviceServer> pobjServer);
+
+    void start();
+    void close();
+
+    // The number of the session of this connection, 0 without one.
+    std::uint32_t getSession() const { return m_nSession; }
+    void dropSession() { m_nSession = 0; }
+
+private:
+    // Whether a step that has just ended was the last one; an error closes the connection.
+    bool isOver(asio::error_code nError);
+    void readHead();
+    void takeHead();
+    void readBody();
+    void takeBytes(std::size_t nCount);
+    void takeRequest();
+    void deliver(Answer objAnswer);
+    void send();
+    void afterSending();
+
+    asio::ip::tcp::socket m_objSocket;
+    asio::steady_timer m_objDelay;
+    std::shared_ptr<DeviceServer> m_pobjServer;  // null once closed
+    std::string m_strPeer;
+    std::uint32_t m_nSession = 0;
+
+    std::array<std::uint8_t, 16384> m_arrArrived{};
+    SDKCommandHeadInfo m_objHead;
+    CommandBuffer m_objRequest;  // head and as much of the body as has arrived
+
+    Message m_vecOutgoing;
+    std::size_t m_nSent = 0;
+    Answer m_objAnswer;
+};

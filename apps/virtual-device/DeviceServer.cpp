@@ -1,0 +1,96 @@
+// Accepting connections and ending them.
+#include "virtual-device/DeviceServer.h"
+
+#include <algorithm>
+#include <chrono>
+
+#include "virtual-device/DeviceConnection.h"
+#include "virtual-device/MulticastListener.h"
+
+namespace {
+
+// How long accepting rests when the process has run out of descriptors.
+constexpr std::chrono::milliseconds RetryDelay(100);
+
+asio::ip::tcp::endpoint endpointOf(const DeviceOptions& options) {
+    return {asio::ip::make_address(options.strBindAddress), options.nPort};
+}
+
+}  // namespace
+
+DeviceServer::DeviceServer(asio::io_context& context, DeviceOptions options)
+    : m_objContext(context), m_objAcceptor(context, endpointOf(options)), m_objRetry(context) {
+    options.nPort = m_objAcceptor.local_endpoint().port();
+    m_pobjCore = std::make_unique<DeviceCore>(std::move(options));
+}
+
+DeviceServer::~DeviceServer() = default;
+
+void DeviceServer::start() {
+    if (m_pobjCore->getOptions().bMulticast) {
+        m_pobjMulticast = std::make_shared<MulticastListener>(m_objContext, shared_from_this());
+        m_pobjMulticast->start();
+    }
+    accept();
+}
+
+void DeviceServer::close() {
+    asio::error_code objIgnored;
+    m_objAcceptor.close(objIgnored);
+    m_objRetry.cancel();
+    if (m_pobjMulticast) {
+        m_pobjMulticast->close();
+        m_pobjMulticast.reset();
+    }
+    dropConnections();
+}
+
+std::size_t DeviceServer::sessionCount() const {
+    return static_cast<std::size_t>(
+        std::count_if(m_setConnections.begin(), m_setConnections.end(),
+                      [](const auto& pobjOne) { return pobjOne->getSession() != 0; }));
+}
+
+void DeviceServer::dropConnections() {
+    const auto setConnections = m_setConnections;
+    for (const auto& pobjConnection : setConnections) {
+        pobjConnection->close();
+    }
+}
+
+void DeviceServer::dropSessions() {
+    for (const auto& pobjConnection : m_setConnections) {
+        pobjConnection->dropSession();
+    }
+}
+
+void DeviceServer::forget(const std::shared_ptr<DeviceConnection>& pobjConnection) {
+    m_setConnections.erase(pobjConnection);
+}
+
+void DeviceServer::accept() {
+    m_objAcceptor.async_accept([this, pobjSelf = shared_from_this()](
+                                   asio::error_code nError, asio::ip::tcp::socket objSocket) {
+        if (!m_objAcceptor.is_open()) {
+            return;
+        }
+        if (nError) {
+            acceptLater();
+            return;
+        }
+        const auto pobjConnection =
+            std::make_shared<DeviceConnection>(std::move(objSocket), pobjSelf);
+        m_setConnections.insert(pobjConnection);
+        pobjConnection->start();
+        accept();
+    });
+}
+
+void DeviceServer::acceptLater() {
+    m_objRetry.expires_after(RetryDelay);
+    m_objRetry.async_wait([this, pobjSelf = shared_from_this()](asio::error_code nError) {
+        if (!nError) {
+            accept();
+        }
+    });
+}

@@ -1,0 +1,42 @@
+// The network side of one device: its acceptor and its connections.
+#pragma once
+
+#include <asio/ip/tcp.hpp>
+#include <asio/steady_timer.hpp>
+#include <memory>
+#include <set>
+
+#include "virtual-device/DeviceCore.h"
+
+class DeviceConnection;
+class MulticastListener;
+
+// Lives on the thread of its context; kept alive by what is still under way there.
+class DeviceServer : public std::enable_shared_from_this<DeviceServer> {
+public:
+    // Listens from here on. Throws std::system_error when address or port cannot be had.
+    DeviceServer(asio::io_context& context, DeviceOptions options);
+    ~DeviceServer();
+
+    void start();  // accepts connections
+    void close();  // ends all of them and listens no more
+
+    DeviceCore& core() { return *m_pobjCore; }
+    std::size_t connectionCount() const { return m_setConnections.size(); }
+    std::size_t sessionCount() const;
+
+    void dropConnections();
+    void dropSessions();
+    void forget(const std::shared_ptr<DeviceConnection>& pobjConnection);
+
+private:
+    void accept();
+    void acceptLater();
+
+    asio::io_context& m_objContext;
+    asio::ip::tcp::acceptor m_objAcceptor;
+    asio::steady_timer m_objRetry;
+    std::unique_ptr<DeviceCore> m_pobjCore;
+    std::shared_ptr<MulticastListener> m_pobjMulticast;
+    std::set<std::shared_ptr<DeviceConnection>> m_setConnections;
+};
