@@ -1,0 +1,26 @@
+// Between the plain structures of the exported header and the records.
+#pragma once
+
+#include <vector>
+
+#include "device/TarnStruct.h"
+#include "domain/AVStreamParam.h"
+#include "domain/ChannelInfo.h"
+#include "domain/OSDUserParam.h"
+
+// Reading a structure appends a record for each element. No count and no text in it is trusted: the
+// capacities bound what is read. A count below 1 and a null pointer produce nothing.
+void toRecords(const NS_TARN_STRUCT::tagAllAVStreamParam* pStreams,
+               std::vector<AVStreamParam>* pRecords);
+void toRecords(const NS_TARN_STRUCT::tagOSDUserParamList* pParams,
+               std::vector<OSDUserParam>* pRecords);
+
+// Writing one sets the counts to the number of elements written, at most the capacity, and leaves
+// alone what stands behind them. Texts are cut to their fields and end in a zero, those of channels
+// only where there is room for it. With a null pointer nothing happens.
+void toStructure(const std::vector<AVStreamParam>* pRecords,
+                 NS_TARN_STRUCT::tagAllAVStreamParam* pStreams);
+void toStructure(const std::vector<ChannelInfo>* pRecords,
+                 NS_TARN_STRUCT::tagAllChannelInfo* pChannels);
+void toStructure(const std::vector<OSDUserParam>* pRecords,
+                 NS_TARN_STRUCT::tagOSDUserParamList* pParams);
