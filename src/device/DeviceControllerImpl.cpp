@@ -1,0 +1,131 @@
+#include "device/DeviceControllerImpl.h"
+
+#include "domain/EtChangePasswordReq.h"
+#include "domain/EtHoldTypeList.h"
+#include "domain/EtSystemReq.h"
+#include "domain/EtSystemResp.h"
+#include "domain/KXBool.h"
+#include "domain/KXInterger.h"
+#include "domain/LanguageId.h"
+#include "domain/StreamId.h"
+#include "protocol/CredentialCipher.h"
+
+namespace {
+
+constexpr int AllStreams = -1;
+
+template <class Element>
+int takeFirst(int nCode, const std::vector<Element>& vecElements, int nEmptyCode,
+              Element& element) {
+    if (nCode != ErrorCode::Success) {
+        return nCode;
+    }
+    if (vecElements.empty()) {
+        return nEmptyCode;
+    }
+    element = vecElements.front();
+    return ErrorCode::Success;
+}
+
+}  // namespace
+
+int DeviceControllerImpl::restart(int nChannelId) {
+    return sendSet(m_pSession, DeviceCommand::Restart, withId<ChannelId>(nChannelId));
+}
+
+int DeviceControllerImpl::reset(int nChannelId, const std::vector<int>& vecHoldTypes) {
+    EtHoldTypeList holdTypes;
+    holdTypes.setType(vecHoldTypes);
+    return sendSet(m_pSession, DeviceCommand::Reset, withId<ChannelId>(nChannelId), holdTypes);
+}
+
+int DeviceControllerImpl::setPassword(int nChannelId, const std::string& strOld,
+                                      const std::string& strNew) {
+    std::string strOldCipher;
+    std::string strNewCipher;
+    if (!encryptText(strOld, strOldCipher) || !encryptText(strNew, strNewCipher)) {
+        return ErrorCode::CipherFailed;
+    }
+    EtChangePasswordReq request;
+    request.setOldPassword(strOldCipher);
+    request.setNewPassword(strNewCipher);
+    return sendSet(m_pSession, DeviceCommand::ChangePassword, withId<ChannelId>(nChannelId),
+                   request, KXBool());
+}
+
+int DeviceControllerImpl::setHostNetwork(int nChannelId, const HostNetwork& network) {
+    return sendSet(m_pSession, DeviceCommand::WriteHostNetwork, withId<ChannelId>(nChannelId),
+                   std::vector{network});
+}
+
+int DeviceControllerImpl::execute(int nChannelId, const std::string& strCommand) {
+    EtSystemReq request;
+    request.setSystemCommand(strCommand);
+    return sendSet(m_pSession, DeviceCommand::Execute, withId<ChannelId>(nChannelId), request,
+                   EtSystemResp());
+}
+
+int DeviceControllerImpl::getTimeZoneAbility(int nChannelId, int nLanguageId,
+                                             TimeZoneAbility& ability) {
+    return sendGet(m_pSession, DeviceCommand::ReadTimeZoneAbility, ability,
+                   withId<ChannelId>(nChannelId), withId<LanguageId>(nLanguageId));
+}
+
+int DeviceControllerImpl::getTimeZoneDefault(int nChannelId, int nTimeZoneId,
+                                             TimeZoneParam& timeZone) {
+    KXInterger number;
+    number.setValue(nTimeZoneId);
+    return sendGet(m_pSession, DeviceCommand::Read<TimeZoneParam>, timeZone, number,
+                   withId<ChannelId>(nChannelId));
+}
+
+int DeviceControllerImpl::getAllAVStreams(int nChannelId, std::vector<AVStreamParam>& vecStreams) {
+    return sendGet(m_pSession, DeviceCommand::ReadAVStreams, vecStreams,
+                   withId<ChannelId>(nChannelId), withId<StreamId>(AllStreams));
+}
+
+int DeviceControllerImpl::getAVStream(int nChannelId, int nStreamId, AVStreamParam& stream) {
+    std::vector<AVStreamParam> vecStreams;
+    const int nCode = sendGet(m_pSession, DeviceCommand::ReadAVStreams, vecStreams,
+                              withId<ChannelId>(nChannelId), withId<StreamId>(nStreamId));
+    return takeFirst(nCode, vecStreams, ErrorCode::EmptyStreamList, stream);
+}
+
+int DeviceControllerImpl::setAllAVStreams(int nChannelId,
+                                          const std::vector<AVStreamParam>& vecStreams) {
+    return sendSet(m_pSession, DeviceCommand::WriteAVStreams, withId<ChannelId>(nChannelId),
+                   withId<StreamId>(AllStreams), vecStreams);
+}
+
+int DeviceControllerImpl::setAVStream(int nChannelId, const AVStreamParam& stream) {
+    return sendSet(m_pSession, DeviceCommand::WriteAVStreams, withId<ChannelId>(nChannelId),
+                   withId<StreamId>(nChannelId), std::vector{stream});
+}
+
+int DeviceControllerImpl::setOSDUserParam(int nChannelId, const OSDUserParam& param) {
+    return sendSet(m_pSession, DeviceCommand::WriteOSDUserParam, withId<ChannelId>(nChannelId),
+                   param);
+}
+
+int DeviceControllerImpl::setAllOSDUserParams(int nChannelId,
+                                              const std::vector<OSDUserParam>& vecParams) {
+    return sendSet(m_pSession, DeviceCommand::WriteOSDUserParam, withId<ChannelId>(nChannelId),
+                   vecParams);
+}
+
+int DeviceControllerImpl::getAllOSDUserParams(int nChannelId,
+                                              std::vector<OSDUserParam>& vecParams) {
+    return sendGet(m_pSession, DeviceCommand::ReadOSDUserParams, vecParams,
+                   withId<ChannelId>(nChannelId));
+}
+
+int DeviceControllerImpl::getAllChannels(int nChannelId, std::vector<ChannelInfo>& vecChannels) {
+    return sendGet(m_pSession, DeviceCommand::ReadChannels, vecChannels,
+                   withId<ChannelId>(nChannelId));
+}
+
+int DeviceControllerImpl::getChannel(int nChannelId, ChannelInfo& channel) {
+    std::vector<ChannelInfo> vecChannels;
+    const int nCode = getAllChannels(nChannelId, vecChannels);
+    return takeFirst(nCode, vecChannels, ErrorCode::EmptyChannelList, channel);
+}
