@@ -1,0 +1,66 @@
+#include "device/VideoContext.h"
+
+#include <array>
+
+#include "Product/Technic/ErrorCode.h"
+
+namespace {
+
+// Preview always shows the first stream of the first channel.
+constexpr int Channel = 1;
+constexpr int Stream = 1;
+constexpr int OpenMode = 1;
+constexpr int ControlAfterStart = 1;
+constexpr int MessageSize = 512;
+
+}  // namespace
+
+VideoContext::~VideoContext() {
+    if (m_objLibraries.isLoaded()) {
+        stop();
+    }
+}
+
+void VideoContext::setStream(std::uint32_t hNetLogin, std::uint32_t hPlayer) noexcept {
+    if (hNetLogin != 0) {
+        m_hNetLogin = hNetLogin;
+    }
+    m_hPlayer = hPlayer;
+}
+
+int VideoContext::start() {
+    const int nCode = startVideo();
+    if (nCode == ErrorCode::Success) {
+        return ErrorCode::Success;
+    }
+    // The library wants to be asked; the code that callers get is ours.
+    std::array<char, MessageSize> arrText{};
+    m_objLibraries.net().formatMessage(nCode, arrText.data(), MessageSize);
+    return ErrorCode::PreviewFailed;
+}
+
+int VideoContext::startVideo() {
+    const TarnNetSDK& net = m_objLibraries.net();
+    return inTurn(
+        [&] { return net.open(m_hNetLogin, Channel, Stream, OpenMode, &m_hVideoController); },
+        [&] { return net.setAVDataCallback(m_hVideoController, onFrame, this); },
+        [&] { return net.startVideo(m_hVideoController); },
+        [&] { return net.control(m_hVideoController, ControlAfterStart); });
+}
+
+void VideoContext::stop() {
+    const TarnNetSDK& net = m_objLibraries.net();
+    if (m_hVideoController != 0) {
+        net.stopVideo(m_hVideoController);
+        net.close(m_hVideoController);
+    }
+    net.unInit();
+}
+
+int VideoContext::onFrame(std::uint32_t, void* pFrame, void* pUser) {
+    if (pUser != nullptr) {
+        const auto& context = *static_cast<const VideoContext*>(pUser);
+        context.m_objLibraries.player().inputAVFrame(context.m_hPlayer, pFrame);
+    }
+    return 0;
+}
