@@ -2,7 +2,7 @@
 
 import re
 
-from schema import SCALARS, SchemaError
+from schema import ACKNOWLEDGEMENT, SCALARS, SchemaError
 
 PLACEHOLDERS = {"tag", "parent", "mapper", "value", "file", "line"}
 ROOMS = ("domain", "Product/Technic")
@@ -205,9 +205,24 @@ def check_domains(schema):
         last = domain.id
 
 
+def check_carried(domains, command, carried, is_received):
+    domain = domains.get(carried.type)
+    if domain is None:
+        raise SchemaError(command.place, f"{carried.type} never stands at the top of a body")
+    if is_received and carried.is_list and not domain.list_name:
+        raise SchemaError(command.place, f"a received list of {carried.type} is not recognised")
+
+
 def check_commands(schema):
     seen = {}
+    domains = {domain.class_name: domain for domain in schema.domains}
     for command in schema.commands:
+        for carried in command.carries:
+            check_carried(domains, command, carried, False)
+        for carried in command.answers:
+            check_carried(domains, command, carried, True)
+        if command.answers and command.response == ACKNOWLEDGEMENT:
+            raise SchemaError(command.place, "an acknowledgement answers nothing but a result code")
         content = (command.response, command.group, command.operation)
         if seen.setdefault(command.request, content) != content:
             raise SchemaError(

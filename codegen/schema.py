@@ -69,12 +69,22 @@ class Domain:
 
 
 @dataclass
+class Carried:
+    """A record in a command body, or a list of them."""
+    type: str
+    is_list: bool = False
+
+
+@dataclass
 class Command:
     request: int
     response: int
     group: int
     operation: int
     place: str
+    carries: list = field(default_factory=list)  # what the request holds, as Carried
+    answers: list = field(default_factory=list)  # what the reply holds besides its result code
+    comment: str = ""
 
 
 @dataclass
@@ -251,8 +261,26 @@ def parse_command(words):
     group, operation = words.take_number("the group"), words.take("the operation")
     if operation not in OPERATIONS:
         raise SchemaError(words.place, f"unknown operation: {operation}")
-    words.end()
-    return Command(request, response, group, OPERATIONS[operation], words.place)
+    result = Command(request, response, group, OPERATIONS[operation], words.place)
+    while words:
+        word = words.take("a modifier")
+        if word not in ("carries", "answers"):
+            raise SchemaError(words.place, f"unknown word: {word}")
+        if getattr(result, word):
+            raise SchemaError(words.place, f"{word} stands twice")
+        setattr(result, word, parse_carried(words, word))
+    return result
+
+
+def parse_carried(words, keyword):
+    result = []
+    while not result or (words and words.peek() not in ("carries", "answers")):
+        name = words.take_name(f"a record that the command {keyword}")
+        is_list = name == "list"
+        if is_list:
+            name = words.take_name("the record of the list")
+        result.append(Carried(name, is_list))
+    return result
 
 
 def read_file(schema, path):
@@ -307,6 +335,7 @@ def read_file(schema, path):
             schema.domains.append(parse_domain(words))
         elif keyword == "command":
             schema.commands.append(parse_command(words))
+            schema.commands[-1].comment = comment
         elif keyword == "export":
             schema.exported.append((words.take_name("a class"), place))
             words.end()
