@@ -1,0 +1,215 @@
+// Texts from outside: whatever comes, the answer is a tree or a clean refusal.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "domainxml/DomainXmlNode.h"
+
+namespace {
+
+constexpr const char* Declaration = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>";
+
+std::string repeated(const std::string& strPiece, int nTimes) {
+    std::string strText;
+    strText.reserve(strPiece.size() * static_cast<std::size_t>(nTimes));
+    for (int i = 0; i < nTimes; ++i) {
+        strText += strPiece;
+    }
+    return strText;
+}
+
+bool parses(const std::string& strText) {
+    return static_cast<bool>(XmlDocument::parse(strText.c_str()).root());
+}
+
+std::string nested(int nLevels, const std::string& strInside = "") {
+    return repeated("<x>", nLevels) + strInside + repeated("</x>", nLevels);
+}
+
+std::string attributes(int nCount) {
+    std::string strText;
+    for (int i = 0; i < nCount; ++i) {
+        strText += " a" + std::to_string(i) + "='=<>'";
+    }
+    return strText;
+}
+
+TEST(XmlDocument, RefusesWhatIsNoDocument) {
+    for (const char* szText : {"",
+                               " ",
+                               "text",
+                               "<",
+                               "<a",
+                               "<a>",
+                               "<a/",
+                               "<a b>",
+                               "<a b=>",
+                               "<a b=\"",
+                               "<a b=\"x'/>",
+                               "<a></b>",
+                               "<a><b></a>",
+                               "<a></a",
+                               "</a>",
+                               "<a b='1' b='2'/>",
+                               "<1/>",
+                               "< a/>",
+                               "<a 1='2'/>",
+                               "<!-- only -->",
+                               "<?xml version=\"1.0\"?>",
+                               "<!DOCTYPE a>",
+                               "<a b=c'd'/>",
+                               "<a><![CDATA[x]]",
+                               "<a><!-- x --",
+                               "<a b=\"&#x\"/>",
+                               "<a b=\"&#xg;\"/>",
+                               "<a b=\"&#;\"/>",
+                               "<a>&#1",
+                               "\xEF\xBB\xBF",
+                               "<?xml ",
+                               "<?xml version=",
+                               "<?xml version='1.0"}) {
+        EXPECT_FALSE(parses(szText)) << szText;
+    }
+}
+
+TEST(XmlDocument, AcceptsWhatTheParserAlwaysDid) {
+    for (const char* szText : {"<a/>",
+                               " \n<a/>",
+                               "<a/>trailing",
+                               "<a/></b>",
+                               "<a/><b/>",
+                               "<a b=c/>",
+                               "<a b=c=d />",
+                               "<a b='>'/>",
+                               "<a b=\"/>\"/>",
+                               "<a><!-- <b> --></a>",
+                               "<a><![CDATA[<b>]]></a>",
+                               "<a>text &amp; &unknown; &#65;</a>",
+                               "<_a.b-c:d/>",
+                               "<\xC3\xA4/>",
+                               "<a><?pi?></a>",
+                               "<!DOCTYPE a><a/>",
+                               "<!DOCTYPE a SYSTEM \"b\"><a/>",
+                               "<?xml foo=\"1\"?><a/>",
+                               "<?XML version='1.0'?><a/>",
+                               "</x><a/>",
+                               "<a\tb\n=\r'c'/>",
+                               "<a b='\"'/>"}) {
+        EXPECT_TRUE(parses(szText)) << szText;
+    }
+}
+
+TEST(XmlDocument, AnInternalSubsetEndsTheDocument) {
+    EXPECT_FALSE(parses("<!DOCTYPE a [ <!ENTITY b \"c\"> ]><a/>"));
+    EXPECT_FALSE(parses("<!DOCTYPE a [ <!ENTITY b \"&c;&c;\"><!ENTITY c \"&b;&b;\"> ]><a>&b;</a>"));
+}
+
+TEST(XmlDocument, ATextCutAnywhereIsRefusedOrAsFarAsItGoesRight) {
+    const std::string strText = std::string(Declaration) +
+                                "<!-- c --><P>\n\t<A b=\"&lt;&#x41;\xE2\x82\xAC\" c='d'/>"
+                                "<![CDATA[ ]]>\xC3\xA4 &amp; </P>";
+    for (std::size_t i = 0; i < strText.size(); ++i) {
+        EXPECT_FALSE(parses(strText.substr(0, i))) << i;
+    }
+    EXPECT_TRUE(parses(strText));
+}
+
+TEST(XmlDocument, ANulEndsTheText) {
+    SafePointer<DomainXmlNode> node;
+    EXPECT_FALSE(fromXmlString(std::string("<a b=\"x\0y\"/>", 13), node));
+    EXPECT_FALSE(fromXmlString(std::string("\0<a/>", 5), node));
+    EXPECT_TRUE(node.isNull());
+    EXPECT_TRUE(fromXmlString(std::string("<a/>\0<", 6), node));
+}
+
+TEST(XmlDocument, BoundsNesting) {
+    EXPECT_TRUE(parses(nested(1000)));
+    EXPECT_TRUE(parses(nested(999, "<x/>")));
+    EXPECT_FALSE(parses(nested(1001)));
+    EXPECT_FALSE(parses(nested(1000, "<x/>")));
+    EXPECT_TRUE(parses("<a>" + repeated("<x></x><y/>", 2000) + "</a>"));
+}
+
+TEST(XmlDocument, BoundsAttributes) {
+    EXPECT_TRUE(parses("<a" + attributes(512) + "/>"));
+    EXPECT_TRUE(parses("<a" + attributes(512) + "><b" + attributes(512) + "/></a>"));
+    EXPECT_FALSE(parses("<a" + attributes(513) + "/>"));
+    EXPECT_FALSE(parses("<a" + attributes(513) + "></a>"));
+}
+
+// Texts that would hide their depth from whoever reads quotes, comments, references and characters
+// in another way than the parser.
+TEST(XmlDocument, DepthCannotBeHidden) {
+    const std::string strDeep = repeated("<x>", 200000);
+    const std::string strHead = Declaration;
+    for (const std::string& strText :
+         {"<?xml version='>\" <!-- '?><a>" + strDeep,
+          "<?xml encoding=\"><![CDATA[\"?><a>" + strDeep,
+          repeated("</x>", 200000) + "<a>" + strDeep,
+          "<a/>" + repeated("</x>", 9) + "<a>" + strDeep, strHead + "<a b=\"\xC3\" c=\">" + strDeep,
+          strHead + "<a>\xE2<!-- >" + strDeep, strHead + "<a b=\xEF\xBB\xBF\"> <!-- \">" + strDeep,
+          "<a b=\"&#x\" c='x;\">" + strDeep, "<a b=\"&#\" c='#;\">" + strDeep,
+          "<a>&#x<!--x;" + strDeep, "<a>&#x41;<!-- --><!----><b c='<!--'>" + strDeep,
+          "<a b=c><!x '><!--' >" + strDeep}) {
+        EXPECT_FALSE(parses(strText + repeated("</x>", 200000) + "</a>")) << strText.substr(0, 60);
+        EXPECT_FALSE(parses(strText)) << strText.substr(0, 60);
+    }
+}
+
+TEST(XmlDocument, RefusesInvalidUtf8WhereUtf8IsDeclared) {
+    const char* Invalid[] = {"\x80",
+                             "\xC3",
+                             "\xC3(",
+                             "\xC0\x80",
+                             "\xE2\x82",
+                             "\xE2\x82(",
+                             "\xE0\x80\x80",
+                             "\xED\xA0\x80",
+                             "\xF0\x9F\x98",
+                             "\xF4\x90\x80\x80",
+                             "\xF0\x80\x80\x80",
+                             "\xFF"};
+    for (const char* szBytes : Invalid) {
+        const std::string strElement = "<a b=\"" + std::string(szBytes) + "\"/>";
+        EXPECT_FALSE(parses(Declaration + strElement)) << strElement;
+        EXPECT_FALSE(parses("<?xml version=\"1.0\"?>" + strElement)) << strElement;
+        EXPECT_FALSE(parses("\xEF\xBB\xBF" + strElement)) << strElement;
+        // Elsewhere bytes are what the sender says they are.
+        EXPECT_TRUE(parses("<?xml version=\"1.0\" encoding=\"GBK\"?>" + strElement)) << strElement;
+        EXPECT_TRUE(parses(strElement)) << strElement;
+    }
+    for (const char* szBytes : {"\xC2\x80", "\xE2\x82\xAC", "\xED\x9F\xBF", "\xF4\x8F\xBF\xBF"}) {
+        const XmlDocument document =
+            XmlDocument::parse((Declaration + ("<a b=\"" + std::string(szBytes)) + "\"/>").c_str());
+        EXPECT_STREQ(document.root().attribute("b"), szBytes);
+    }
+}
+
+// A megabyte of one thing each: minutes, if any step looked twice at what is behind it.
+TEST(XmlDocument, BigTextsTakeLinearTime) {
+    constexpr int Million = 1000000;
+    const auto inside = [](const std::string& strContent) {
+        return Declaration + ("<a>" + strContent) + "</a>";
+    };
+    for (const std::string& strText :
+         {inside(repeated("<x/>", Million / 4)), inside(repeated("<!---->", Million / 7)),
+          inside(repeated("<![CDATA[]]>", Million / 12)), inside(repeated("<?xml?>", Million / 7)),
+          inside(std::string(Million, 't')), inside(std::string(Million, '\n')),
+          inside(std::string(Million, '"')), inside(repeated("&#x41;", Million / 6)),
+          inside("<b c=\"" + std::string(Million, '\'') + "\"/>"),
+          inside("<b c='" + std::string(Million, '&') + "'/>"),
+          inside(repeated("<b" + attributes(512) + "/>", 180)),
+          "<" + std::string(Million, 'n') + "/>"}) {
+        EXPECT_TRUE(parses(strText)) << strText.substr(0, 60);
+    }
+    for (const std::string& strText :
+         {inside(repeated("<!--", Million / 4)), inside(repeated("<![CDATA[", Million / 9)),
+          inside(repeated("&#x", Million / 3)), inside(repeated("&#x", Million / 3) + ";"),
+          inside(repeated("<", Million)), inside("<b" + repeated(" c=\"", Million / 4)),
+          inside("<b " + std::string(Million, '=')), repeated("<?xml ", Million / 6),
+          repeated("</x>", Million / 4), repeated("<x ", Million / 3)}) {
+        EXPECT_FALSE(parses(strText)) << strText.substr(0, 60);
+    }
+}
+
+}  // namespace
