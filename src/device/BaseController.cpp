@@ -1,3 +1,4 @@
+// Binding to a session by its handle.
 #include "device/BaseController.h"
 
 #include "session/DeviceSessionManager.h"

@@ -1,3 +1,4 @@
+// The operations whose requests hold more, or less, than a channel and one record.
 #include "device/DeviceControllerImpl.h"
 
 #include "domain/EtChangePasswordReq.h"

@@ -1,3 +1,4 @@
+// The exchange over multicast, and the round over the adapters.
 #include "device/DeviceSearchChannel.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Load and unload, logins, and the order in which live preview is started and undone.
 #include "device/FleetKitImpl.h"
 
 #include <new>

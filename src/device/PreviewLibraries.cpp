@@ -1,3 +1,4 @@
+// The names under which the libraries and their functions are found.
 #include "device/PreviewLibraries.h"
 
 namespace {

@@ -1,3 +1,4 @@
+// The numbers that stand for cameras.
 #include "device/SDK_IPCDeviceController.h"
 
 #include <algorithm>

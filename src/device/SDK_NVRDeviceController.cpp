@@ -1,3 +1,4 @@
+// The numbers that stand for recorders.
 #include "device/SDK_NVRDeviceController.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Field by field, both ways; all bounds are in the few templates at the top.
 #include "device/StructConversions.h"
 
 #include <algorithm>

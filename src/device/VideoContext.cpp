@@ -1,3 +1,4 @@
+// The video library's part of live preview.
 #include "device/VideoContext.h"
 
 #include <array>

@@ -5,11 +5,9 @@
 
 #include <QString>
 #include <filesystem>
-#include <fstream>
 #include <functional>
 #include <map>
 #include <memory>
-#include <regex>
 #include <set>
 #include <string>
 #include <vector>
@@ -310,12 +308,14 @@ std::set<std::string> declaredFunctions() {
     const auto path =
         std::filesystem::path(__FILE__).parent_path() / "../../../src/device/FleetKit.h";
     const std::string strHeader = readFile(path.string());
-    const std::regex declaration("static int (\\w+)\\(");
+    const std::string strOpening = "    static int ";
     std::set<std::string> setNames;
-    for (auto it = std::sregex_iterator(strHeader.begin(), strHeader.end(), declaration);
-         it != std::sregex_iterator(); ++it) {
-        if (!setNames.insert((*it)[1]).second) {
-            setNames.insert((*it)[1].str() + "#2");
+    for (std::size_t nAt = strHeader.find(strOpening); nAt != std::string::npos;
+         nAt = strHeader.find(strOpening, nAt)) {
+        nAt += strOpening.size();
+        const std::string strName = strHeader.substr(nAt, strHeader.find('(', nAt) - nAt);
+        if (!setNames.insert(strName).second) {
+            setNames.insert(strName + "#2");
         }
     }
     return setNames;
