@@ -7,7 +7,7 @@ set(public_headers
   Product/Technic/ErrorCode.h Product/Technic/Export.h Product/Technic/IPTool.h
   Product/Technic/LogThreshold.h
   domain/BaseDomain.h domain/DomainContainer.h domain/DomainVectorContainer.h
-  domain/RecordDescriptor.h)
+  domain/RecordDescriptor.h protocol/CommandCatalogue.h)
 list(TRANSFORM public_headers PREPEND "${CMAKE_SOURCE_DIR}/src/")
 file(STRINGS "${FLEETKIT_GENERATED}/exported-records.txt" record_headers)
 list(TRANSFORM record_headers PREPEND "${FLEETKIT_GENERATED}/")
@@ -36,5 +36,3 @@ add_custom_target(fleetkit-headers DEPENDS "${CMAKE_BINARY_DIR}/public-headers.s
 add_dependencies(FleetKit fleetkit-headers)
 target_include_directories(FleetKit INTERFACE
   "$<BUILD_INTERFACE:${FLEETKIT_STAGED_INCLUDE}>" "$<INSTALL_INTERFACE:include>")
-install(DIRECTORY "${FLEETKIT_STAGED_INCLUDE}/fleetkit"
-        DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" FILES_MATCHING PATTERN "*.h")

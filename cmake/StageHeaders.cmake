@@ -10,9 +10,9 @@ foreach(line IN LISTS lines)
   list(GET pair 0 source)
   list(GET pair 1 name)
   file(READ "${source}" text)
-  string(REGEX REPLACE "#include \"(domain|Product/Technic)/" "#include \"fleetkit/\\1/"
+  string(REGEX REPLACE "#include \"(domain|protocol|Product/Technic)/" "#include \"fleetkit/\\1/"
          text "${text}")
-  string(REGEX REPLACE "#include \"(device|protocol)/" "#include \"fleetkit/" text "${text}")
+  string(REPLACE "#include \"device/" "#include \"fleetkit/" text "${text}")
   set(target "${OUT}/fleetkit/${name}")
   set(staged "")
   if(EXISTS "${target}")

@@ -297,7 +297,7 @@ def domain_tables(schema):
 def command_table(schema):
     rows = "".join(f"    {{{c.request}, {c.response}, {c.group}, {c.operation}}},\n"
                    for c in schema.commands)
-    return (generated_by("commands.schema") + '#include "protocol/CommandCatalogue.h"\n\n'
+    return (generated_by("commands.schema") + '#include "protocol/CommandTable.h"\n\n'
             f"const CommandDescriptor commandTable[] = {{\n{rows}}};\n"
             "const std::size_t commandTableSize = sizeof(commandTable) / sizeof(commandTable[0]);\n")
 

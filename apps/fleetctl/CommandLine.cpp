@@ -114,7 +114,8 @@ void addVerbs(CLI::App& app, CommandLine& line) {
 
     CLI::App* pVocabulary =
         addVerb(app, line, Verb::Vocabulary, "vocabulary",
-                "Print what the protocol knows: a record by its name or id, or all of them");
+                "Print what the protocol knows: a record by name or id, a command by id,\n"
+                "or the names of all records");
     pVocabulary->add_option("name", line.strName, "Name or id")->type_name("NAME");
 
     CLI::App* pHelp = addVerb(app, line, Verb::Help, "help", "Print help on a topic");

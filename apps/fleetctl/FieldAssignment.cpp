@@ -34,8 +34,8 @@ Json parseValue(const std::string& strText, const Shape& shape, const std::strin
     return value;
 }
 
-Json& elementAt(Json& list, const std::string& strIndex, const Shape& element,
-                const std::string& strPath) {
+// An appended element has no fields yet: what is not assigned stays at the record's defaults.
+Json& elementAt(Json& list, const std::string& strIndex, const std::string& strPath) {
     std::size_t nIndex = 0;
     const auto [pEnd, nError] =
         std::from_chars(strIndex.data(), strIndex.data() + strIndex.size(), nIndex);
@@ -44,7 +44,7 @@ Json& elementAt(Json& list, const std::string& strIndex, const Shape& element,
                          std::to_string(list.size()));
     }
     if (nIndex == list.size()) {
-        list.push_back(defaultJson(element));
+        list.push_back(nullptr);
     }
     return list[nIndex];
 }
@@ -74,9 +74,8 @@ void assign(const FieldAssignment& assignment, const Shape& shape, const std::st
     Shape place = shape;
     std::string strPath = strName;
     for (const std::string& strStep : assignment.vecPath) {
-        const Shape below = shapeBelow(place, strStep, strPath);
-        pPlace = place.isList ? &elementAt(*pPlace, strStep, below, strPath) : &(*pPlace)[strStep];
-        place = below;
+        pPlace = place.isList ? &elementAt(*pPlace, strStep, strPath) : &(*pPlace)[strStep];
+        place = shapeBelow(place, strStep, strPath);
         strPath += '.' + strStep;
     }
     if (assignment.value.is_object()) {

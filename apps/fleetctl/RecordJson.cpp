@@ -253,26 +253,6 @@ Json toJson(const Shape& shape, const void* pObject) {
     return json;
 }
 
-Json defaultJson(const Shape& shape) {
-    if (shape.isList) {
-        return Json::array();
-    }
-    if (shape.pRecord == nullptr) {
-        return shape.nScalar == FieldKind::String ? Json("")
-               : shape.nScalar == FieldKind::Bool ? Json(false)
-                                                  : Json(0);
-    }
-    Json json = Json::object();
-    forEachField(*shape.pRecord, [&](const FieldDescriptor& field) {
-        const Shape inner = shapeOf(field);
-        const bool isText = inner.nScalar == FieldKind::String;
-        json[field.szTag] = field.szDefault == nullptr ? defaultJson(inner)
-                            : isText                   ? Json(field.szDefault)
-                                                       : Json::parse(field.szDefault);
-    });
-    return json;
-}
-
 void checkJson(const Json& json, const Shape& shape, const std::string& strPath) {
     const bool bFits = shape.isList               ? json.is_array()
                        : shape.pRecord != nullptr ? json.is_object()

@@ -42,7 +42,6 @@ std::string describeShape(const Shape& shape);
 Shape shapeBelow(const Shape& shape, const std::string& strStep, const std::string& strPath);
 
 Json toJson(const Shape& shape, const void* pObject);
-Json defaultJson(const Shape& shape);
 
 // UsageError if the JSON does not have the shape: another type, a number out of range, a field that
 // does not exist. Absent fields are fine.

@@ -124,7 +124,8 @@ int setOne(const CommandLine& line, Output& output, const Property& property,
         assign(assignment, value.shape, property.szName, json);
     }
     fromJson(json, value.shape, value.pObject.get());
-    return report(line, output, property.szName, property.set(call, value.pObject.get()), json);
+    const int nCode = property.set(call, value.pObject.get());
+    return report(line, output, property.szName, nCode, toJson(value.shape, value.pObject.get()));
 }
 
 void checkArguments(const Action& action, const CommandLine& line) {

@@ -1,5 +1,6 @@
 #include "Vocabulary.h"
 
+#include <fleetkit/protocol/CommandCatalogue.h>
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -107,6 +108,33 @@ bool isNamed(const RecordDescriptor& record, const std::string& strName) {
            (record.nDomainId != 0 && strName == std::to_string(record.nDomainId));
 }
 
+// What CommandDescriptor::nOperation says.
+constexpr std::array<const char*, 5> OperationNames = {"", "write", "read", "other", "action"};
+
+Json describe(const CommandDescriptor& command) {
+    return {{"command", command.nRequestId},
+            {"reply", command.nResponseId},
+            {"group", command.nParamGroup},
+            {"operation", OperationNames.at(command.nOperation)}};
+}
+
+std::string formatCommand(const Json& command) {
+    std::vector<std::vector<std::string>> vecFacts;
+    for (const auto& [strFact, fact] : command.items()) {
+        vecFacts.push_back({strFact, fact.is_string() ? fact.get<std::string>() : fact.dump()});
+    }
+    return formatTable(vecFacts, 0);
+}
+
+const CommandDescriptor* findNamedCommand(const std::string& strName) {
+    for (const CommandDescriptor& command : commandCatalogue()) {
+        if (strName == std::to_string(command.nRequestId)) {
+            return &command;
+        }
+    }
+    return nullptr;
+}
+
 void listRecords(Format nFormat, Output& output) {
     std::vector<std::vector<std::string>> vecRows;
     for (const RecordDescriptor* pRecord : recordDescriptors()) {
@@ -132,20 +160,25 @@ int runVocabulary(const CommandLine& line, Output& output) {
         return ExitCode::Success;
     }
     bool bFound = false;
-    for (const RecordDescriptor* pRecord : recordDescriptors()) {
-        if (!isNamed(*pRecord, line.strName)) {
-            continue;
-        }
+    const auto print = [&](const Json& json, std::string (*format)(const Json&)) {
         bFound = true;
-        const Json record = describe(*pRecord);
         if (nFormat == Format::JsonLines) {
-            output.jsonLine(record);
+            output.jsonLine(json);
         } else {
-            output.text(formatRecord(record));
+            output.text(format(json));
+        }
+    };
+    for (const RecordDescriptor* pRecord : recordDescriptors()) {
+        if (isNamed(*pRecord, line.strName)) {
+            print(describe(*pRecord), formatRecord);
         }
     }
+    if (const CommandDescriptor* pCommand = findNamedCommand(line.strName)) {
+        print(describe(*pCommand), formatCommand);
+    }
     if (!bFound) {
-        throw UsageError("no record '" + line.strName + "'; `fleetctl vocabulary` prints them all");
+        throw UsageError("no record or command '" + line.strName +
+                         "'; `fleetctl vocabulary` prints the records");
     }
     return ExitCode::Success;
 }

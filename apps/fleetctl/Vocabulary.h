@@ -1,4 +1,5 @@
-// The protocol's vocabulary in the terminal: one record, or the list of all.
+// The protocol's vocabulary in the terminal: one record or command, or the list of all
+// records.
 #pragma once
 
 #include "CommandLine.h"

@@ -3,8 +3,16 @@
 
 #include <algorithm>
 
+#include "protocol/CommandTable.h"
+
+const std::vector<CommandDescriptor>& commandCatalogue() {
+    static const std::vector<CommandDescriptor> vecRows(commandTable,
+                                                        commandTable + commandTableSize);
+    return vecRows;
+}
+
 const CommandDescriptor* findCommand(std::uint32_t nRequestId) noexcept {
-    const auto rows = commandCatalogue();
-    const auto row = std::ranges::find(rows, nRequestId, &CommandDescriptor::nRequestId);
-    return row == rows.end() ? nullptr : &*row;
+    const auto& vecRows = commandCatalogue();
+    const auto row = std::ranges::find(vecRows, nRequestId, &CommandDescriptor::nRequestId);
+    return row == vecRows.end() ? nullptr : &*row;
 }

@@ -1,9 +1,10 @@
 // The commands of the device protocol, with the reply that each of them gets.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
-#include <span>
+#include <vector>
+
+#include "Product/Technic/Export.h"
 
 // One command.
 struct CommandDescriptor {
@@ -13,15 +14,9 @@ struct CommandDescriptor {
     std::uint32_t nOperation;   // 1 writes, 2 reads, 3 is a third operation, 4 an action
 };
 
-// The table is generated from the schema of the commands.
-extern const CommandDescriptor commandTable[];
-extern const std::size_t commandTableSize;
-
 // All rows, in the order that decides which of two rows with one request id is found. Constant:
 // callable from any thread.
-inline std::span<const CommandDescriptor> commandCatalogue() noexcept {
-    return {commandTable, commandTableSize};
-}
+FLEETKIT_EXPORT const std::vector<CommandDescriptor>& commandCatalogue();
 
 // The first row with this request id, or null.
-const CommandDescriptor* findCommand(std::uint32_t nRequestId) noexcept;
+FLEETKIT_EXPORT const CommandDescriptor* findCommand(std::uint32_t nRequestId) noexcept;
