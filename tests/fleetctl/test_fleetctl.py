@@ -1,0 +1,301 @@
+"""fleetctl against virtual devices, as programs over loopback.
+
+usage: test_fleetctl.py FLEETCTL VIRTUAL-DEVICE [unittest arguments]
+"""
+
+import json
+import os
+import pty
+import subprocess
+import sys
+import tempfile
+import unittest
+
+FLEETCTL, VIRTUAL_DEVICE = sys.argv[1:3]
+PASSWORD = "s3cret-of-the-device"
+OPTIONS = {  # what a name needs, or is asked with
+    "stream": ["--channel", "1", "--stream", "1"],
+    "streams": ["--channel", "1"],
+    "channel": ["--channel", "2"],
+    "osd-channel": ["--channel", "1"],
+    "timezone-ability": ["--language", "1"],
+    "timezone-default": ["--timezone", "2"],
+}
+RECORDER_ONLY = ("channel", "channels")
+NETWORK = ["NetId=1", "WorkingType=1", "DHCP=false", "LocalIp=192.0.2.8",
+           "LocalSubnetMask=255.255.255.0", "Gateway=192.0.2.1", "PrimaryDNSIp=192.0.2.1",
+           "SpareDNSIp=192.0.2.2", "IPProtoVer=1"]
+
+
+class Device:
+    """A virtual device in a process of its own."""
+
+    def __init__(self, *options):
+        self.process = subprocess.Popen(
+            [VIRTUAL_DEVICE, "--seconds", "110", *options], stdout=subprocess.PIPE, text=True,
+            env=dict(os.environ, VIRTUAL_DEVICE_PASSWORD=PASSWORD))
+        self.address = self.process.stdout.readline().removeprefix("listening on ").strip()
+
+    def end(self):
+        self.process.terminate()
+        self.process.wait()
+        self.process.stdout.close()
+
+
+def fleetctl(*arguments, device=None, password=PASSWORD, environment=None, **options):
+    variables = {name: text for name, text in os.environ.items() if "FLEETCTL" not in name}
+    variables["FLEETCTL_USER"] = "admin"
+    if device:
+        variables["FLEETCTL_DEVICE"] = device.address
+    if password is not None:
+        variables["FLEETCTL_PASSWORD"] = password
+    variables.update(environment or {})
+    return subprocess.run([FLEETCTL, *arguments], env=variables, stdin=subprocess.DEVNULL,
+                          capture_output=True, timeout=60, **options)
+
+
+class FleetctlTest(unittest.TestCase):
+    def setUp(self):
+        self.camera = self.start()
+
+    def start(self, *options):
+        device = Device(*options)
+        self.addCleanup(device.end)
+        return device
+
+    def results(self, *arguments, status=0, device=None, **options):
+        """The objects printed by a run, which has to end with that status."""
+        run = fleetctl(*arguments, device=device or self.camera, **options)
+        self.assertEqual(run.returncode, status, (arguments, run.stdout, run.stderr))
+        return [json.loads(line) for line in run.stdout.decode().splitlines()]
+
+    def value(self, name, *options, **more):
+        result, = self.results("get", name, *options, *OPTIONS.get(name, []), **more)
+        return result["value"]
+
+    def test_reads_every_name(self):
+        recorder = self.start("--kind", "nvr", "--channels", "2")
+        names = [row["name"] for row in self.results("get", "--list", "-o", "json")
+                 if row["get"]]
+        self.assertEqual(len(names), 27)
+        for name in names:
+            device = recorder if name in RECORDER_ONLY else self.camera
+            with self.subTest(name):
+                result, = self.results("get", name, *OPTIONS.get(name, []), device=device)
+                self.assertEqual((result["device"], result["name"], result["code"]),
+                                 (device.address, name, 0))
+                self.assertTrue(result["value"])
+        for name in ("video", "audio", "osd-ability", "ptz", "motion", "blind"):
+            with self.subTest(name, kind="recorder"):
+                self.assertTrue(self.value(name, "--type", "nvr", "--channel", "2",
+                                           device=recorder))
+
+    def test_what_is_set_is_read_back(self):
+        changes = {
+            "time": (["Year=2031", "Month=2"], lambda v: (v["Year"], v["Month"]) == (2031, 2)),
+            "timezone": (["DSTOffset=30"], lambda v: v["DSTOffset"] == 30),
+            "ntp": (["NTPIp=192.0.2.9", "NTPPort=1123"],
+                    lambda v: (v["NTPIp"], v["NTPPort"]) == ("192.0.2.9", 1123)),
+            "ports": (["RTSPPort=5540"], lambda v: v["RTSPPort"] == 5540),
+            "protocol-security": (["UserVerificationFlag=false"],
+                                  lambda v: v["UserVerificationFlag"] is False),
+            "streams": (["0.BitRate=777", "1.StreamName=door"],
+                        lambda v: (v[0]["BitRate"], v[1]["StreamName"]) == (777, "door")),
+            "stream": (["BitRate=888"], lambda v: v["BitRate"] == 888),
+            "osd": (["0.OSDGlobalParam.OSDFontAlpha=9", '0.CanvasProperList.0={"AlignMode":3}'],
+                    lambda v: (v[0]["OSDGlobalParam"]["OSDFontAlpha"],
+                               v[0]["CanvasProperList"][0]["AlignMode"]) == (9, 3)),
+            "osd-channel": (["CanvasProperList.0.OSDInfoList.0.Info=Grüße"],
+                            lambda v: v["CanvasProperList"][0]["OSDInfoList"][0]["Info"]
+                            == "Grüße"),
+        }
+        settable = [row["name"] for row in self.results("get", "--list", "-o", "json")
+                    if row["set"]]
+        self.assertEqual(sorted(settable), sorted([*changes, "network"]))
+        for name, (fields, is_set) in changes.items():
+            with self.subTest(name):
+                before = self.value(name)
+                self.assertFalse(is_set(before), before)
+                written, = self.results("set", name, *fields, *OPTIONS.get(name, []))
+                self.assertTrue(is_set(written["value"]), written)
+                self.assertTrue(is_set(self.value(name)), self.value(name))
+        self.assertEqual(self.results("set", "network", *NETWORK)[0]["code"], 0)
+
+    def test_wrong_usage_gives_2_and_changes_nothing(self):
+        before = self.results("get", "ntp", "ports")
+        cases = [
+            ([], "verbs are: get set do"),
+            (["fetch"], "verbs are: get set do"),
+            (["get"], "get --list"),
+            (["get", "nothing"], "the names are: time timezone"),
+            (["get", "ntp", "nothing"], "the names are"),
+            (["get", "network"], "can only be set"),
+            (["get", "ntp", "--channel", "1"], "--channel has no meaning"),
+            (["get", "stream", "--channel", "1"], "needs --stream"),
+            (["get", "ntp", "-o", "xml"], "json"),
+            (["set", "ntp"], "FIELD=VALUE"),
+            (["set", "summary", "DeviceName=x"], "only be read"),
+            (["set", "ntp", "NTPPort"], "FIELD=VALUE"),
+            (["set", "ntp", "NTPIp=x", "Port=1"],
+             "its fields are: NTPEnableFlag NTPIp NTPPort NTPRunTime IPProtoVer"),
+            (["set", "ntp", "NTPPort=70000"], "from 0 to 65535"),
+            (["set", "ntp", "NTPEnableFlag=yes"], "true or false"),
+            (["set", "network", *NETWORK[1:]], "missing: NetId"),
+            (["set", "streams", "9.BitRate=1"], "no element 9"),
+            (["set", "streams", "0.StreamName=" + 36 * "x"], "room for 35"),
+            (["do"], "the actions are: restart reset passwd exec"),
+            (["do", "dance"], "the actions are"),
+            (["do", "exec"], "usage: do exec COMMAND"),
+            (["do", "restart"], "--yes"),
+            (["do", "reset"], "--yes"),
+            (["do", "passwd"], "FLEETCTL_NEW_PASSWORD"),
+            (["do", "network-by-multicast", "id", *NETWORK[1:]], "missing: NetId"),
+            (["help", "nothing"], "environment output exit-codes targets"),
+            (["vocabulary", "Nothing"], "no record or command"),
+            (["-d", "127.0.0.1", "get", "ntp"], "HOST:PORT"),
+            (["-d", "127.0.0.1:0", "get", "ntp"], "port from 1 to 65535"),
+            (["-d", "::1:30001", "get", "ntp"], "brackets"),
+            (["--password-file", "/nonexistent", "get", "ntp"], "password file"),
+        ]
+        for arguments, words in cases:
+            with self.subTest(arguments):
+                run = fleetctl(*arguments, device=self.camera)
+                self.assertEqual((run.returncode, run.stdout), (2, b""), run.stderr)
+                self.assertIn(words, run.stderr.decode())
+        without = fleetctl("get", "ntp", device=self.camera, password=None)
+        self.assertEqual((without.returncode, without.stdout), (2, b""))
+        self.assertIn(b"FLEETCTL_PASSWORD", without.stderr)
+        self.assertEqual(fleetctl("get", "ntp").returncode, 2)
+        self.assertEqual(self.results("get", "ntp", "ports"), before)
+
+    def test_a_failed_login_gives_3(self):
+        gone = Device()
+        gone.end()
+        for device, password in ((self.camera, "wrong"), (gone, PASSWORD)):
+            for arguments in (["get", "ntp"], ["set", "ntp", "NTPPort=1"],
+                              ["do", "restart", "--yes"]):
+                result, = self.results(*arguments, status=3, device=device, password=password)
+                self.assertEqual((result["name"], result["code"]), ("login", -1))
+                self.assertIn("login failed", result["error"])
+
+    def test_a_failed_operation_gives_1_and_the_others_go_on(self):
+        broken = self.start("--misbehave", "code=99:32712", "--misbehave", "close:30523")
+        first, second, third = self.results("get", "time", "ntp", "ports", status=1,
+                                            device=broken)
+        self.assertEqual(first["code"], 0)
+        self.assertEqual((second["code"], second["error"]), (99, "the device's own result code"))
+        self.assertEqual(third["code"], -212)
+        self.assertIn("closed", third["error"])
+        self.assertNotIn("value", third)
+        refused, = self.results("set", "ntp", "NTPPort=1", status=1, device=broken)
+        self.assertEqual(refused["code"], 99)
+
+    def test_the_library_never_prints_on_standard_output(self):
+        odd = self.start("--misbehave", "not-xml:32712")
+        run = fleetctl("-vv", "get", "time", "ntp", device=odd)
+        self.assertEqual([json.loads(line)["code"] for line in run.stdout.splitlines()],
+                         [0, -233])
+        self.assertGreater(len(run.stderr.splitlines()), 2)
+        self.assertNotIn(PASSWORD.encode(), run.stdout + run.stderr)
+
+    def test_a_character_that_was_cut_stays_valid_json(self):
+        field = "CanvasProperList.0.OSDInfoList.0.Info"
+        self.results("set", "osd-channel", "--channel", "1", f"{field}={254 * 'x'}é")
+        text = self.value("osd-channel")["CanvasProperList"][0]["OSDInfoList"][0]["Info"]
+        self.assertEqual(text, 254 * "x" + "\ufffd")
+
+    def test_a_table_shows_fields_and_columns(self):
+        run = fleetctl("-o", "table", "get", "ntp", "streams", "ports",
+                       device=self.camera)
+        text = run.stdout.decode()
+        self.assertRegex(text, r"(?m)^  NTPPort +123$")
+        self.assertRegex(text, r"(?m)^  ChannelId  StreamId  StreamName")
+        failed = fleetctl("-o", "table", "get", "channels", "--type", "1", device=self.camera)
+        self.assertEqual((failed.returncode, failed.stdout), (1, b""))
+        self.assertIn(b"(code -1)", failed.stderr)
+
+    def test_actions(self):
+        for arguments in (["restart", "--yes"], ["reset", "--yes", "--hold", "1,2"],
+                          ["exec", "uname -a"]):
+            with self.subTest(arguments):
+                result, = self.results("do", *arguments)
+                self.assertEqual((result["name"], result["code"]), (arguments[0], 0))
+
+    def test_a_changed_password_is_what_the_next_login_needs(self):
+        with tempfile.NamedTemporaryFile("w") as file:
+            file.write("from a file\nsecond line\n")
+            file.flush()
+            self.results("do", "passwd", "--yes", "--new-password-file", file.name)
+            self.results("get", "time", status=3)
+            self.results("get", "time", "--password-file", file.name, password=None)
+        self.results("do", "passwd", "--yes", password="from a file",
+                     environment={"FLEETCTL_NEW_PASSWORD": "ñew"})
+        self.results("get", "time", password="ñew")
+
+    def test_output_that_cannot_be_written_is_a_failure(self):
+        with open("/dev/full", "wb") as full:
+            run = subprocess.run([FLEETCTL, "get", "--list"], stdout=full, stderr=subprocess.PIPE,
+                                 timeout=60)
+        self.assertEqual(run.returncode, 1)
+        self.assertIn(b"could not be written", run.stderr)
+
+    def test_help_and_version_are_data(self):
+        for arguments in (["--help"], ["get", "--help"], ["set", "--help"], ["do", "--help"],
+                          ["--version"], ["help", "exit-codes"], ["vocabulary"]):
+            run = fleetctl(*arguments)
+            self.assertEqual((run.returncode, run.stderr), (0, b""), arguments)
+            self.assertTrue(run.stdout)
+
+    def test_vocabulary_prints_one_record_or_command(self):
+        for name in ("NTPParam", "206", "NTPParamList"):
+            record, = self.results("vocabulary", name, "-o", "json")
+            self.assertEqual((record["record"], record["id"]), ("NTPParam", 206))
+            self.assertEqual([field["name"] for field in record["fields"]],
+                             ["NTPEnableFlag", "NTPIp", "NTPPort", "NTPRunTime", "IPProtoVer"])
+        nested, = self.results("vocabulary", "RGBColor", "-o", "json")
+        self.assertIn("OSDGlobalParam", nested["nestedIn"])
+        command, = self.results("vocabulary", "32712", "-o", "json")
+        self.assertEqual((command["command"], command["reply"]), (32712, 32713))
+        self.assertIn(b"NTPPort", fleetctl("vocabulary", "NTPParam").stdout)
+
+    def on_terminal(self, answers, *arguments):
+        """Runs with a terminal for standard input and error; answers each question in turn."""
+        master, slave = pty.openpty()
+        variables = dict(os.environ, FLEETCTL_USER="admin", FLEETCTL_DEVICE=self.camera.address)
+        variables.pop("FLEETCTL_PASSWORD", None)
+        with subprocess.Popen([FLEETCTL, *arguments], stdin=slave, stdout=subprocess.PIPE,
+                              stderr=slave, env=variables, start_new_session=True) as process:
+            os.close(slave)
+            seen = b""
+            for question, answer in answers:
+                while question not in seen.rsplit(b"\n", 1)[-1]:
+                    seen += os.read(master, 1024)
+                os.write(master, answer + b"\n")
+                seen += b"\n"
+            output = process.stdout.read()
+            status = process.wait(60)
+        try:
+            seen += os.read(master, 4096)
+        except OSError:
+            pass  # the terminal went with the process
+        os.close(master)
+        return status, output, seen
+
+    def test_asks_at_the_terminal_without_echo(self):
+        login = (b"Password of admin: ", PASSWORD.encode())
+        status, output, seen = self.on_terminal([login], "get", "time")
+        self.assertEqual(status, 0, seen)
+        self.assertEqual(json.loads(output)["code"], 0)
+        self.assertNotIn(PASSWORD.encode(), seen)
+        status, output, seen = self.on_terminal([login, (b"[yes/no] ", b"no")], "do", "reset")
+        self.assertEqual((status, output), (1, b""), seen)
+        status, output, seen = self.on_terminal(
+            [login, (b"New password: ", b"fresh"), (b"again: ", b"fresh"),
+             (b"[yes/no] ", b"yes")], "do", "passwd")
+        self.assertEqual(status, 0, seen)
+        self.assertNotIn(b"fresh", seen)
+        self.results("get", "time", password="fresh")
+
+
+if __name__ == "__main__":
+    unittest.main(argv=["test_fleetctl.py", *sys.argv[3:]])
