@@ -12,6 +12,9 @@ struct RecordDescriptor;
 
 class FLEETKIT_EXPORT BaseDomain {
 public:
+    // Each record type has its own; a type without an id keeps this one.
+    static constexpr std::uint32_t DomainId = 0;
+
     BaseDomain() noexcept = default;
     // The id belongs to the class whose constructor ran, so copying and assigning leave it alone.
     BaseDomain(const BaseDomain&) noexcept {}

@@ -6,15 +6,12 @@
 
 #include "domain/DomainContainer.h"
 
-// The domain id of a record type, without making a record of it.
-FLEETKIT_EXPORT std::uint32_t domainIdOf(const RecordDescriptor& descriptor) noexcept;
-
 template <class T>
 class DomainVectorContainer final : public DomainContainer {
 public:
-    DomainVectorContainer() : DomainContainer(domainIdOf(T::descriptor())) {}
+    DomainVectorContainer() : DomainContainer(T::DomainId) {}
     explicit DomainVectorContainer(std::vector<T> vecElements)
-        : DomainContainer(domainIdOf(T::descriptor())), m_vecElements(std::move(vecElements)) {}
+        : DomainContainer(T::DomainId), m_vecElements(std::move(vecElements)) {}
 
     void append(const T& element) { m_vecElements.push_back(element); }
     void setElements(std::vector<T> vecElements) { m_vecElements = std::move(vecElements); }

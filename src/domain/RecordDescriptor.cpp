@@ -73,10 +73,6 @@ bool equalRecords(const RecordDescriptor& descriptor, const void* pLeft, const v
     });
 }
 
-std::uint32_t domainIdOf(const RecordDescriptor& descriptor) noexcept {
-    return descriptor.nDomainId;
-}
-
 const std::vector<const RecordDescriptor*>& recordDescriptors() {
     static const std::vector<const RecordDescriptor*> vecDescriptors = [] {
         std::vector<const RecordDescriptor*> vecAll;
