@@ -2,12 +2,10 @@
 #include "domainxml/XmlMapping.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstring>
-#include <limits>
 
-#include "Product/Technic/Base64.h"
-#include "domainxml/JoinedText.h"
+#include "domainxml/BlockMapping.h"
+#include "domainxml/FieldText.h"
 #include "domainxml/MappingWords.h"
 #include "domainxml/OddMapper.h"
 #include "domainxml/XmlText.h"
@@ -19,250 +17,25 @@ namespace {
 using Strings = std::vector<std::string>;
 using Ints = std::vector<int>;
 
-// ---- scalars
-
-std::string scalarText(FieldKind nKind, const void* pMember) {
-    switch (nKind) {
-        case FieldKind::Bool:
-            return XmlText::ofBool(*static_cast<const bool*>(pMember));
-        case FieldKind::Int:
-            return XmlText::ofInt(*static_cast<const int*>(pMember));
-        case FieldKind::UnsignedShort:
-            return XmlText::ofInt(*static_cast<const unsigned short*>(pMember));
-        case FieldKind::Float:
-            return XmlText::ofFloat(*static_cast<const float*>(pMember));
-        case FieldKind::Double:
-            return XmlText::ofDouble(*static_cast<const double*>(pMember));
-        case FieldKind::String:
-            return *static_cast<const std::string*>(pMember);
-        default:
-            return {};
-    }
-}
-
-void clearScalar(FieldKind nKind, void* pMember) {
-    switch (nKind) {
-        case FieldKind::Bool:
-            *static_cast<bool*>(pMember) = false;
-            break;
-        case FieldKind::Int:
-            *static_cast<int*>(pMember) = 0;
-            break;
-        case FieldKind::UnsignedShort:
-            *static_cast<unsigned short*>(pMember) = 0;
-            break;
-        case FieldKind::Float:
-            *static_cast<float*>(pMember) = 0;
-            break;
-        case FieldKind::Double:
-            *static_cast<double*>(pMember) = 0;
-            break;
-        case FieldKind::String:
-            static_cast<std::string*>(pMember)->clear();
-            break;
-        default:
-            break;
-    }
-}
-
-// The whole part of a number; what an int cannot hold becomes its lowest value.
-int truncated(float fValue) noexcept {
-    constexpr float fLimit = 2147483648.0F;
-    return fValue >= -fLimit && fValue < fLimit ? static_cast<int>(fValue)
-                                                : std::numeric_limits<int>::min();
-}
-
-void readScalar(const FieldDescriptor& field, const char* szText, void* pMember) {
-    switch (field.nKind) {
-        case FieldKind::Bool:
-            XmlText::toBool(szText, *static_cast<bool*>(pMember));
-            break;
-        case FieldKind::Int:
-            if (field.has(ReadAsFloat)) {
-                auto fValue = static_cast<float>(*static_cast<int*>(pMember));
-                XmlText::toFloat(szText, fValue);
-                *static_cast<int*>(pMember) = truncated(fValue);
-            } else {
-                *static_cast<int*>(pMember) = XmlText::toInt(szText);
-            }
-            break;
-        case FieldKind::UnsignedShort:
-            *static_cast<unsigned short*>(pMember) =
-                static_cast<unsigned short>(XmlText::toInt(szText));
-            break;
-        case FieldKind::Float:
-            XmlText::toFloat(szText, *static_cast<float*>(pMember));
-            break;
-        case FieldKind::Double:
-            XmlText::toDouble(szText, *static_cast<double*>(pMember));
-            break;
-        case FieldKind::String:
-            *static_cast<std::string*>(pMember) = szText;
-            break;
-        default:
-            break;
-    }
-}
-
-// ---- joined lists
-
-Ints numbersOf(const RecordDescriptor& piece, const void* pPiece) {
-    Ints vecNumbers;
-    for (const FieldDescriptor& field : piece) {
-        vecNumbers.push_back(memberOf<int>(pPiece, field.nOffset));
-    }
-    return vecNumbers;
-}
-
-std::string joinedText(const FieldDescriptor& field, const void* pMember) {
-    Strings vecPieces;
-    if (field.nKind == FieldKind::JoinedInts) {
-        for (const int nNumber : *static_cast<const Ints*>(pMember)) {
-            vecPieces.push_back(JoinedText::format(field.szItem, {nNumber}));
-        }
-    } else {
-        const RecordDescriptor& piece = field.nested();
-        for (std::size_t i = 0; i < piece.access.listSize(pMember); ++i) {
-            vecPieces.push_back(JoinedText::format(
-                field.szItem, numbersOf(piece, piece.access.listAt(pMember, i))));
-        }
-    }
-    return JoinedText::join(vecPieces, field.szSeparator);
-}
-
-void readJoinedInts(const FieldDescriptor& field, const Strings& vecPieces, void* pMember) {
-    Ints vecNumbers;
-    for (const std::string& strPiece : vecPieces) {
-        const Ints vecScanned = JoinedText::scan(field.szItem, strPiece);
-        vecNumbers.push_back(vecScanned.empty() ? XmlText::toInt(strPiece.c_str())
-                                                : vecScanned.front());
-    }
-    *static_cast<Ints*>(pMember) = std::move(vecNumbers);
-}
-
-void readJoinedRecords(const FieldDescriptor& field, const Strings& vecPieces, void* pMember) {
-    const RecordDescriptor& piece = field.nested();
-    std::vector<Ints> vecWhole;
-    for (const std::string& strPiece : vecPieces) {
-        Ints vecScanned = JoinedText::scan(field.szItem, strPiece);
-        if (vecScanned.size() == piece.nFieldCount) {
-            vecWhole.push_back(std::move(vecScanned));
-        }
-    }
-    piece.access.listReset(pMember, vecWhole.size());
-    for (std::size_t i = 0; i < vecWhole.size(); ++i) {
-        void* pPiece = piece.access.listElement(pMember, i);
-        for (std::size_t n = 0; n < piece.nFieldCount; ++n) {
-            memberOf<int>(pPiece, piece.pFields[n].nOffset) = vecWhole[i][n];
-        }
-    }
-}
-
-void readJoined(const FieldDescriptor& field, const char* szText, void* pMember) {
-    const Strings vecPieces = JoinedText::split(szText, field.szSeparator);
-    if (field.nKind == FieldKind::JoinedInts) {
-        readJoinedInts(field, vecPieces, pMember);
-    } else {
-        readJoinedRecords(field, vecPieces, pMember);
-    }
-}
-
-bool isJoined(const FieldDescriptor& field) noexcept {
-    return field.nKind == FieldKind::JoinedInts || field.nKind == FieldKind::JoinedRecords;
-}
-
-// ---- blocks in base64
-
-// Where the base64 text of a block grows to, against the length that the record tells.
-constexpr std::int64_t BlockReserve = 1024;
-
-bool writeBlock(const FieldDescriptor& field, const void* pRecord, XmlCursor element) {
-    const auto& optBlock = memberOf<OptionalBlock>(pRecord, field.nOffset);
-    if (!optBlock) {
-        return true;
-    }
-    const int nTold = std::max(memberOf<int>(pRecord, field.nOtherOffset), 0);
-    const std::size_t nLength = std::min(static_cast<std::size_t>(nTold), optBlock->size());
-    std::string strText(2 * nLength + 6, '\0');
-    auto nSize = static_cast<std::uint32_t>(strText.size());
-    if (nLength == 0) {
-        nSize = 0;
-    } else if (base64Encode(optBlock->data(), static_cast<std::int32_t>(nLength),
-                            reinterpret_cast<std::uint8_t*>(strText.data()), nSize) != 0) {
-        return false;
-    }
-    strText.resize(nSize);
-    element.setAttribute(field.szTag, strText);
-    return true;
-}
-
-// What a base64 text decodes to; false for a text that is none, or that exceeds the capacity.
-bool decodeBlock(const char* szText, std::int64_t nCapacity, std::vector<std::uint8_t>& vecBytes) {
-    const std::size_t nTextLength = std::strlen(szText);
-    const auto nMost = static_cast<std::int64_t>((nTextLength * 6 + 7) / 8);
-    // What the text can hold bounds the memory, whatever length the record tells.
-    auto nSize = static_cast<std::int32_t>(std::clamp<std::int64_t>(nCapacity, 0, nMost));
-    vecBytes.resize(static_cast<std::size_t>(nSize) + 1);
-    if (base64Decode(reinterpret_cast<const std::uint8_t*>(szText),
-                     static_cast<std::int32_t>(nTextLength), vecBytes.data(), nSize) != 0) {
-        return false;
-    }
-    const bool bOnlyLineEnds = std::strspn(szText, "\r\n") == nTextLength;
-    vecBytes.resize(bOnlyLineEnds ? 0 : static_cast<std::size_t>(nSize));
-    return true;
-}
-
-bool readBlock(const FieldDescriptor& field, XmlCursor element, void* pRecord) {
-    const char* szText = element.attribute(field.szTag);
-    if (szText == nullptr || *szText == '\0') {
-        return true;
-    }
-    const int nTold = memberOf<int>(pRecord, field.nOtherOffset);
-    std::vector<std::uint8_t> vecBytes;
-    if (nTold != 0 && !decodeBlock(szText, nTold + BlockReserve, vecBytes)) {
-        return false;
-    }
-    memberOf<OptionalBlock>(pRecord, field.nOffset) = std::move(vecBytes);
-    return true;
-}
-
 // ---- attributes
-
-void clearValue(const FieldDescriptor& field, void* pMember) {
-    if (field.nKind == FieldKind::JoinedInts) {
-        static_cast<Ints*>(pMember)->clear();
-    } else if (field.nKind == FieldKind::JoinedRecords) {
-        field.nested().access.listReset(pMember, 0);
-    } else {
-        clearScalar(field.nKind, pMember);
-    }
-}
-
-void readValue(const FieldDescriptor& field, const char* szText, void* pMember) {
-    if (isJoined(field)) {
-        readJoined(field, szText, pMember);
-    } else {
-        readScalar(field, szText, pMember);
-    }
-}
 
 // What an absent attribute does to the record; false when the parse is to stop.
 bool missValue(const RecordDescriptor& owner, const FieldDescriptor& field, XmlCursor element,
                void* pMember) {
     switch (field.nPresence) {
         case Presence::Zeroed:
-            clearValue(field, pMember);
+            FieldText::clear(field, pMember);
             return true;
         case Presence::Kept:
             return true;
         case Presence::Fallback:
-            readValue(field, field.szFallback, pMember);
+            FieldText::read(field, field.szFallback, pMember);
             break;
         case Presence::Logged:
         case Presence::Required:
             break;
     }
-    MappingWords::printMissing(owner, field, element, scalarText(field.nKind, pMember));
+    MappingWords::printMissing(owner, field, element, FieldText::of(field, pMember));
     return field.nPresence != Presence::Required;
 }
 
@@ -276,15 +49,14 @@ bool readAttribute(const RecordDescriptor& owner, const FieldDescriptor& field, 
     }
     // A text that is no value leaves what the field starts from.
     if (field.nPresence != Presence::Kept && field.nPresence != Presence::Logged) {
-        clearValue(field, pMember);
+        FieldText::clear(field, pMember);
     }
-    readValue(field, szText, pMember);
+    FieldText::read(field, szText, pMember);
     return true;
 }
 
 void writeAttribute(const FieldDescriptor& field, const void* pMember, XmlCursor element) {
-    const std::string strText =
-        isJoined(field) ? joinedText(field, pMember) : scalarText(field.nKind, pMember);
+    const std::string strText = FieldText::of(field, pMember);
     if (!field.has(OmitEmpty) || !strText.empty()) {
         element.setAttribute(field.szTag, strText);
     }
@@ -404,9 +176,9 @@ void fillDefaults(const RecordDescriptor& descriptor, const char* szUnread, void
         if (field.nPresence == Presence::Kept || field.nPresence == Presence::Logged) {
             continue;
         }
-        clearValue(field, pMember);
+        FieldText::clear(field, pMember);
         if (field.szFallback != nullptr) {
-            readValue(field, field.szFallback, pMember);
+            FieldText::read(field, field.szFallback, pMember);
         }
     }
 }
@@ -466,7 +238,7 @@ bool writeField(const RecordDescriptor& owner, const FieldDescriptor& field, con
             writeValues(field, pMember, element);
             return true;
         case FieldKind::Block:
-            return writeBlock(field, pRecord, element);
+            return BlockMapping::write(field, pRecord, element);
         default:
             writeAttribute(field, pMember, element);
             return true;
@@ -493,7 +265,7 @@ bool readField(const RecordDescriptor& owner, const FieldDescriptor& field, XmlC
             readValues(owner, field, element, pMember);
             return true;
         case FieldKind::Block:
-            return readBlock(field, element, pRecord);
+            return BlockMapping::read(field, element, pRecord);
         default:
             return readAttribute(owner, field, element, pRecord);
     }
