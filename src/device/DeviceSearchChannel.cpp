@@ -6,6 +6,7 @@
 
 #include "Product/Technic/AdapterList.h"
 #include "Product/Technic/ErrorCode.h"
+#include "Product/Technic/RoomGuard.h"
 #include "Product/Technic/platform/NameResolution.h"
 #include "device/DeviceCommands.h"
 #include "domain/DeviceId.h"
@@ -163,12 +164,13 @@ int DeviceSearchChannel::encode(std::uint16_t nSequence, const std::string& strD
     head.setSessionId(m_nSessionId);
     auto pParam = std::make_unique<SDKCommandParam>();
     pParam->setHead(head);
-    pParam->setDomains({copyOf(credentials), copyOf(device), copyOf(EtAdapterType()),
-                        copyOf(version), copyOf(network)});
-    return createCommandProtocolParser(ProtocolType::SDK)
-                   ->createCommand(wrapSafe<CommandParam>(std::move(pParam)), buffer)
-               ? ErrorCode::Success
-               : ErrorCode::EncodeFailed;
+    const bool bEncoded = guardRoom([&] {
+        pParam->setDomains({copyOf(credentials), copyOf(device), copyOf(EtAdapterType()),
+                            copyOf(version), copyOf(network)});
+        return createCommandProtocolParser(ProtocolType::SDK)
+            ->createCommand(wrapSafe<CommandParam>(std::move(pParam)), buffer);
+    });
+    return bEncoded ? ErrorCode::Success : ErrorCode::EncodeFailed;
 }
 
 int DeviceSearchChannel::waitForReply(ITransfer& transfer, std::uint16_t nSequence) const {

@@ -11,17 +11,17 @@
 #include "session/SessionCommands.h"
 
 // Request records travel as copies, in the order of the arguments; a vector travels, and is
-// answered, as one list record. NoTransport without a session, BadReply when the reply lacks the
-// answer, else the code of the exchange. The answer is assigned on Success only.
+// answered, as one list record. BadReply when the reply lacks the answer, else the code of the
+// exchange. The answer is assigned on Success only.
 
 template <class Record>
-SafePointer<BaseDomain> requestRecord(const Record& record) {
-    return copyOf(record);
+const Record& asRecord(const Record& record) {
+    return record;
 }
 
 template <class Element>
-SafePointer<BaseDomain> requestRecord(const std::vector<Element>& vecElements) {
-    return copyOf(DomainVectorContainer<Element>(vecElements));
+DomainVectorContainer<Element> asRecord(const std::vector<Element>& vecElements) {
+    return DomainVectorContainer<Element>(vecElements);
 }
 
 template <class Record>
@@ -39,19 +39,12 @@ bool takeAnswer(const DomainList& reply, std::vector<Element>& vecAnswer) {
     return true;
 }
 
-template <class... Request>
-int sendRequest(const SafePointer<SDKSession>& session, std::uint32_t nCommandId, DomainList& reply,
-                const Request&... request) {
-    return session.isNull() ? ErrorCode::NoTransport
-                            : session->sendRecv(nCommandId, {requestRecord(request)...}, reply);
-}
-
 // Of the reply only the code matters.
 template <class... Request>
 int sendSet(const SafePointer<SDKSession>& session, std::uint32_t nCommandId,
             const Request&... request) {
     DomainList reply;
-    return sendRequest(session, nCommandId, reply, request...);
+    return sendRecords(session, nCommandId, reply, asRecord(request)...);
 }
 
 // `answer` is a record, or a vector of them.
@@ -59,7 +52,7 @@ template <class Answer, class... Request>
 int sendGet(const SafePointer<SDKSession>& session, std::uint32_t nCommandId, Answer& answer,
             const Request&... request) {
     DomainList reply;
-    const int nCode = sendRequest(session, nCommandId, reply, request...);
+    const int nCode = sendRecords(session, nCommandId, reply, asRecord(request)...);
     if (nCode != ErrorCode::Success) {
         return nCode;
     }

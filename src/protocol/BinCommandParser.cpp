@@ -3,9 +3,9 @@
 
 #include <utility>
 
+#include "Product/Technic/RoomGuard.h"
 #include "protocol/BinCommandParam.h"
 #include "protocol/CommandFrame.h"
-#include "protocol/DecodingGuard.h"
 #include "protocol/NetworkOrder.h"
 #include "protocol/ProtocolType.h"
 
@@ -40,7 +40,7 @@ bool BinCommandParser::parseCommand(const CommandBuffer& in, SafePointer<Command
         !copyPayload(in, objHead, objPayload) || objPayload.getLength() < NumberLength) {
         return false;
     }
-    return guardDecoding([&] {
+    return guardRoom([&] {
         auto pobjParam = std::make_unique<BinCommandParam>();
         pobjParam->setHead(objHead);
         pobjParam->setBinCommandId(static_cast<std::int32_t>(readNetworkU32(objPayload.data())));

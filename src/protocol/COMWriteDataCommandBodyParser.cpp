@@ -1,9 +1,9 @@
 // Data for a serial port, with the port behind it.
 #include "protocol/COMWriteDataCommandBodyParser.h"
 
+#include "Product/Technic/RoomGuard.h"
 #include "domain/EtCOMWriteData.h"
 #include "protocol/BinaryBody.h"
-#include "protocol/DecodingGuard.h"
 
 namespace {
 
@@ -25,7 +25,7 @@ bool COMWriteDataCommandBodyParser::createCommandBody(
 
 bool COMWriteDataCommandBodyParser::parseCommandBody(
     const CommandBuffer& in, std::vector<SafePointer<BaseDomain>>& domains) const {
-    return guardDecoding([&] {
+    return guardRoom([&] {
         BodyReader objReader(in);
         std::uint32_t nLength = 0;
         DataBuffer objData;

@@ -1,10 +1,10 @@
 // A piece of a file, with a flag and a code.
 #include "protocol/FileReadDataCommandBodyParser.h"
 
+#include "Product/Technic/RoomGuard.h"
 #include "domain/EtFileDataPack.h"
 #include "domain/EtResult.h"
 #include "protocol/BinaryBody.h"
-#include "protocol/DecodingGuard.h"
 
 namespace {
 
@@ -29,7 +29,7 @@ bool FileReadDataCommandBodyParser::createCommandBody(
 
 bool FileReadDataCommandBodyParser::parseCommandBody(
     const CommandBuffer& in, std::vector<SafePointer<BaseDomain>>& domains) const {
-    return guardDecoding([&] {
+    return guardRoom([&] {
         BodyReader objReader(in);
         std::uint32_t nLength = 0;
         std::uint8_t nPackFlag = 0;

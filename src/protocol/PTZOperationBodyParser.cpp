@@ -1,10 +1,10 @@
 // A PTZ operation with its camera, and the code of its answer.
 #include "protocol/PTZOperationBodyParser.h"
 
+#include "Product/Technic/RoomGuard.h"
 #include "domain/EtPTZOperation.h"
 #include "domain/EtResult.h"
 #include "protocol/BinaryBody.h"
-#include "protocol/DecodingGuard.h"
 
 namespace {
 
@@ -33,7 +33,7 @@ bool PTZOperationBodyParser::createCommandBody(const std::vector<SafePointer<Bas
 
 bool PTZOperationBodyParser::parseCommandBody(const CommandBuffer& in,
                                               std::vector<SafePointer<BaseDomain>>& domains) const {
-    return guardDecoding([&] {
+    return guardRoom([&] {
         BodyReader objReader(in);
         std::uint32_t nCode = 0;
         std::uint32_t nCameraId = 0;

@@ -1,8 +1,8 @@
 // Parameters of a device as one block.
 #include "protocol/ParamImportReqBodyParser.h"
 
+#include "Product/Technic/RoomGuard.h"
 #include "protocol/BinaryBody.h"
-#include "protocol/DecodingGuard.h"
 
 namespace {
 
@@ -19,7 +19,7 @@ bool ParamImportReqBodyParser::createCommandBody(
 
 bool ParamImportReqBodyParser::parseCommandBody(
     const CommandBuffer& in, std::vector<SafePointer<BaseDomain>>& domains) const {
-    return guardDecoding([&] {
+    return guardRoom([&] {
         BodyReader objReader(in);
         std::uint32_t nLength = 0;
         auto pobjData = std::make_unique<DataBuffer>();

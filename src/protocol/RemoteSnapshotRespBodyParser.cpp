@@ -1,9 +1,9 @@
 // An image, with the code of the answer.
 #include "protocol/RemoteSnapshotRespBodyParser.h"
 
+#include "Product/Technic/RoomGuard.h"
 #include "domain/EtResult.h"
 #include "protocol/BinaryBody.h"
-#include "protocol/DecodingGuard.h"
 
 namespace {
 
@@ -25,7 +25,7 @@ bool RemoteSnapshotRespBodyParser::createCommandBody(
 
 bool RemoteSnapshotRespBodyParser::parseCommandBody(
     const CommandBuffer& in, std::vector<SafePointer<BaseDomain>>& domains) const {
-    return guardDecoding([&] {
+    return guardRoom([&] {
         BodyReader objReader(in);
         std::uint32_t nLength = 0;
         std::uint32_t nCode = 0;

@@ -1,7 +1,7 @@
 // Heads for transports: encoding and decoding behind the safe pointers that transports hold.
 #include "protocol/SDKCommandHeadParser.h"
 
-#include "protocol/DecodingGuard.h"
+#include "Product/Technic/RoomGuard.h"
 #include "protocol/ProtocolType.h"
 #include "protocol/SDKCommandHeadInfo.h"
 
@@ -27,7 +27,7 @@ bool SDKCommandHeadParser::parseCommandHead(const std::uint8_t* pBytes, std::uin
     if (!decodeCommandHead(pBytes, nLength, objDecoded)) {
         return false;
     }
-    return guardDecoding([&] {
+    return guardRoom([&] {
         head = wrapSafe<CommandHeadInfo>(std::make_unique<SDKCommandHeadInfo>(objDecoded));
         return true;
     });

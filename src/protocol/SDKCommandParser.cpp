@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "Product/Technic/LogFilter.h"
+#include "Product/Technic/RoomGuard.h"
 #include "protocol/BinCommandParser.h"
 #include "protocol/CommandFrame.h"
-#include "protocol/DecodingGuard.h"
 #include "protocol/ICommandBodyParser.h"
 #include "protocol/ProtocolType.h"
 #include "protocol/SDKCommandParam.h"
@@ -75,7 +75,7 @@ bool SDKCommandParser::parseCommand(const CommandBuffer& in, SafePointer<Command
                    nCommandID);
         return false;
     }
-    return guardDecoding([&] {
+    return guardRoom([&] {
         auto pobjParam = std::make_unique<SDKCommandParam>();
         pobjParam->setDomains(std::move(vecDomains));
         pobjParam->setHead(objHead);

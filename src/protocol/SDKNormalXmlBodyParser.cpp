@@ -5,13 +5,13 @@
 #include <cstring>
 
 #include "Product/Technic/LogFilter.h"
+#include "Product/Technic/RoomGuard.h"
 #include "domain/DomainContainer.h"
 #include "domain/DomainFactory.h"
 #include "domain/EtResult.h"
 #include "domain/RecordDescriptor.h"
 #include "domainxml/XmlCursor.h"
 #include "domainxml/XmlMapping.h"
-#include "protocol/DecodingGuard.h"
 
 namespace {
 
@@ -73,7 +73,7 @@ bool SDKNormalXmlBodyParser::createCommandBody(const std::vector<SafePointer<Bas
 
 bool SDKNormalXmlBodyParser::parseCommandBody(const CommandBuffer& in,
                                               std::vector<SafePointer<BaseDomain>>& domains) const {
-    return guardDecoding([&] {
+    return guardRoom([&] {
         const char* szText = textOf(in);
         return szText && parseDocument(szText, domains);
     });

@@ -7,6 +7,7 @@
 
 #include "Product/Technic/ErrorCode.h"
 #include "Product/Technic/KXFunction.h"
+#include "Product/Technic/RoomGuard.h"
 #include "Product/Technic/platform/Clock.h"
 #include "domain/EtSessionId.h"
 #include "session/SessionCommands.h"
@@ -108,7 +109,11 @@ int DeviceSessionManager::heartBeat() {
     if (m_pending.empty()) {
         if (pause()) {
             m_nNow = secondsNow();
-            scanSessions(m_nNow, m_pending);
+            // Without room the rest is found by the next scan.
+            guardRoom([this] {
+                scanSessions(m_nNow, m_pending);
+                return true;
+            });
         }
         return 0;
     }

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "Product/Technic/ErrorCode.h"
+#include "Product/Technic/RoomGuard.h"
 #include "domain/EtResult.h"
 #include "protocol/CommandBuffer.h"
 #include "protocol/ICommandProtocolParser.h"
@@ -56,8 +57,11 @@ std::int32_t SDKSession::sendCommand(const SDKCommandHeadInfo& head, const Domai
     pParam->setHead(head);
     pParam->setDomains(request);
     CommandBuffer buffer;
-    if (!createCommandProtocolParser(ProtocolType::SDK)
-             ->createCommand(wrapSafe<CommandParam>(std::move(pParam)), buffer)) {
+    const bool bEncoded = guardRoom([&] {
+        return createCommandProtocolParser(ProtocolType::SDK)
+            ->createCommand(wrapSafe<CommandParam>(std::move(pParam)), buffer);
+    });
+    if (!bEncoded) {
         return ErrorCode::EncodeFailed;
     }
     return m_pTransfer->sendCommand(buffer, getDialAddr(m_deviceInfo), SendTimeoutMs);

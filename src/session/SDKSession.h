@@ -63,10 +63,11 @@ public:
     // the code of `EtResult`: the device's own number, 0 for success. Messages that answer
     // something else, late answers above all, are thrown away, three at most.
     //
-    // Else: NoTransport, EncodeFailed, what sending and receiving may come to, DecodeFailed,
-    // UnknownCommand (found out only when something was answered), or BadReply for the wrong kind
-    // of reply, one without `EtResult`, and one message too many that was not for this exchange. An
-    // empty pointer in `request` raises the error of an empty pointer.
+    // Else: NoTransport, EncodeFailed (also without room for the command), what sending and
+    // receiving may come to, DecodeFailed, UnknownCommand (found out only when something was
+    // answered), or BadReply for the wrong kind of reply, one without `EtResult`, and one message
+    // too many that was not for this exchange. An empty pointer in `request` raises the error of an
+    // empty pointer.
     std::int32_t sendRecv(std::uint32_t nCommandId, const DomainList& request, DomainList& reply);
 
 private:

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "Product/Technic/ErrorCode.h"
+#include "Product/Technic/RoomGuard.h"
 #include "Product/Technic/SafePointer.h"
 #include "protocol/ICommandBodyParser.h"
 #include "session/SDKSession.h"
@@ -17,7 +18,7 @@ SafePointer<BaseDomain> copyOf(const Record& record) {
 
 // Assigns the first record with that domain id to `out`, which has to be of the type that the id
 // names. A list has the domain id `ContainerDomainId`, and its element type's id in `nElementId`.
-// False, with `out` as it was, when there is none.
+// False, with `out` as it was, when there is none, and when there is no memory for it.
 template <class Record>
 bool findRecord(std::uint32_t nDomainId, std::uint32_t nElementId, const DomainList& list,
                 Record& out) {
@@ -25,19 +26,34 @@ bool findRecord(std::uint32_t nDomainId, std::uint32_t nElementId, const DomainL
     if (!findDomain(nDomainId, nElementId, list, found)) {
         return false;
     }
-    out = static_cast<const Record&>(*found);
-    return true;
+    return guardRoom([&] {
+        out = Record(static_cast<const Record&>(*found));
+        return true;
+    });
 }
 
-// One exchange whose reply brings nothing but its result code. NoTransport without a session.
-template <class Request>
-std::int32_t sendRecord(const SafePointer<SDKSession>& session, std::uint32_t nCommandId,
-                        const Request& request) {
+// One exchange; the request holds copies of these records, in this order. NoTransport without a
+// session, EncodeFailed when there is no room for the copies, else what `sendRecv` gives.
+template <class... Request>
+std::int32_t sendRecords(const SafePointer<SDKSession>& session, std::uint32_t nCommandId,
+                         DomainList& reply, const Request&... request) {
     if (session.isNull()) {
         return ErrorCode::NoTransport;
     }
+    DomainList records;
+    const bool bRoom = guardRoom([&] {
+        records = {copyOf(request)...};
+        return true;
+    });
+    return bRoom ? session->sendRecv(nCommandId, records, reply) : ErrorCode::EncodeFailed;
+}
+
+// One exchange whose reply brings nothing but its result code.
+template <class Request>
+std::int32_t sendRecord(const SafePointer<SDKSession>& session, std::uint32_t nCommandId,
+                        const Request& request) {
     DomainList reply;
-    return session->sendRecv(nCommandId, {copyOf(request)}, reply);
+    return sendRecords(session, nCommandId, reply, request);
 }
 
 // The same, fetching one record of the reply: BadReply when it is missing. `answer` is touched on
@@ -45,11 +61,8 @@ std::int32_t sendRecord(const SafePointer<SDKSession>& session, std::uint32_t nC
 template <class Request, class Answer>
 std::int32_t sendRecord(const SafePointer<SDKSession>& session, std::uint32_t nCommandId,
                         const Request& request, Answer& answer) {
-    if (session.isNull()) {
-        return ErrorCode::NoTransport;
-    }
     DomainList reply;
-    const std::int32_t nResult = session->sendRecv(nCommandId, {copyOf(request)}, reply);
+    const std::int32_t nResult = sendRecords(session, nCommandId, reply, request);
     if (nResult != ErrorCode::Success) {
         return nResult;
     }

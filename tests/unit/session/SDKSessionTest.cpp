@@ -197,6 +197,54 @@ TEST(SDKSession, WhatCannotBeEncodedIsNotSent) {
     EXPECT_EQ(exchange(objSession), 0);
 }
 
+// Takes up every safe pointer that there is, and gives some of them back.
+class FullRegistry {
+public:
+    explicit FullRegistry(std::size_t nLeft) {
+        try {
+            for (;;) {
+                m_vecPointers.push_back(wrapSafe(std::make_unique<int>()));
+            }
+        } catch (const KXRuntimeError&) {
+            m_vecPointers.resize(m_vecPointers.size() - nLeft);
+        }
+    }
+
+private:
+    std::vector<SafePointer<int>> m_vecPointers;
+};
+
+TEST(SDKSession, NoRoomForSafePointersIsACodeOnEveryStepOfAnExchange) {
+    ScriptedPeer objPeer(answerAll(TimeRead));
+    const struct {
+        std::size_t m_nLeft;
+        int m_nCode;
+    } arrCases[] = {
+        {0, ErrorCode::EncodeFailed},  // for the record of the request
+        {1, ErrorCode::EncodeFailed},  // for the request
+        {2, ErrorCode::DecodeFailed},  // for the record of the reply: the head took what was left
+        {3, ErrorCode::DecodeFailed},  // for the reply
+        {4, ErrorCode::Success},
+    };
+    for (const auto& [nLeft, nCode] : arrCases) {
+        const auto objSession = connectTo(objPeer);
+        {
+            const FullRegistry objFull(nLeft);
+            EXPECT_EQ(sendRecord(objSession, ReadTime, ChannelId()), nCode) << nLeft;
+        }
+        EXPECT_EQ(exchange(objSession), 0) << nLeft;
+        objSession->close();
+    }
+}
+
+TEST(SDKSession, EmptyRecordIsMisuse) {
+    ScriptedPeer objPeer(answerAll(TimeRead));
+    const auto objSession = connectTo(objPeer);
+    Records objReply;
+    EXPECT_THROW(objSession->sendRecv(ReadTime, Records(1), objReply), KXRuntimeError);
+    EXPECT_EQ(exchange(objSession), 0);
+}
+
 TEST(SDKSession, EveryRequestHasTheSessionAndASequenceOfItsOwn) {
     std::vector<SDKCommandHeadInfo> vecHeads;
     {
