@@ -69,8 +69,10 @@ constexpr const char* CommonText = R"(
   <OSDFormatAbility>
     <OSDFormatTypeList>
       <OSDTimeFormatType FormatId="1" Description="YYYY-MM-DD hh:mm:ss" />
-      <OSDTimeFormatType FormatId="2" Description="DD.MM.YYYY hh:mm:ss" />
+      <OSDTimeFormatType FormatId="2" Description="hh:mm:ss YYYY-MM-DD" />
       <OSDTimeFormatType FormatId="3" Description="MM/DD/YYYY hh:mm:ss" />
+      <OSDTimeFormatType FormatId="4" Description="hh:mm:ss MM/DD/YYYY" />
+      <OSDTimeFormatType FormatId="5" Description="weekday MM/DD/YYYY hh:mm:ss" />
     </OSDFormatTypeList>
   </OSDFormatAbility>
 </OSDAbility>

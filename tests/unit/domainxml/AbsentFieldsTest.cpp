@@ -272,7 +272,7 @@ std::string seen(const std::string& strPrinted) {
         }
         const std::size_t nFrame = strLine.find("] ");
         const std::size_t nPlace = strLine.find(' ');
-        if (strLine.rfind("[MappingWords.cpp parseDomainXmlNode ", 0) == 0) {
+        if (strLine.find("Xml parseDomainXmlNode ") < nFrame && strLine[0] == '[') {
             strSeen += "[log]" + strLine.substr(nFrame + 2);
         } else if (strLine.rfind("MappingWords.cpp", 0) == 0) {
             strSeen += "{file}{line}" + strLine.substr(nPlace);
