@@ -31,6 +31,7 @@ bool PreviewLibraries::openNet() {
     const DynamicLibrary& library = m_objNetLibrary;
     return m_objNetLibrary.open(NetLibraryName) &&  //
            find(library, "SDK_Login", m_objNet.login) &&
+           find(library, "SDK_Logout", m_objNet.logout) &&
            find(library, "SDK_UnInit", m_objNet.unInit) &&
            find(library, "SDK_FormatMessage", m_objNet.formatMessage) &&
            find(library, "SDK_VideoController_Open", m_objNet.open) &&

@@ -17,6 +17,7 @@ using DecodeCallback = int(std::uint32_t hPlayer, void* pPicture, int nSize, voi
 struct TarnNetSDK {
     int (*login)(std::uint32_t* pLogin, const NS_TARN_STRUCT::tagDeviceInfoEx* pDevice,
                  int nTimeoutMs);
+    int (*logout)(std::uint32_t hLogin);
     int (*unInit)();
     int (*formatMessage)(int nCode, char* szText, int nSize);
     int (*open)(std::uint32_t hLogin, int nChannel, int nStream, int nMode,

@@ -54,6 +54,10 @@ void VideoContext::stop() {
     if (m_hVideoController != 0) {
         net.stopVideo(m_hVideoController);
         net.close(m_hVideoController);
+        if (m_hLogoutHandle != 0) {
+            net.logout(m_hLogoutHandle);
+            m_hLogoutHandle = 0;
+        }
     }
     net.unInit();
 }

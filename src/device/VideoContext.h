@@ -23,7 +23,8 @@ public:
     // PreviewFailed at the first step that fails; what was begun is left to `stop`.
     int start();
     // Ends the video and releases the video library. Results are ignored, and so is whether there
-    // was a video: the library takes a repeated end.
+    // was a video: the library takes a repeated end. Logins outlive it: `setStream` marks none to
+    // end with the video.
     void stop();
 
 private:
@@ -36,4 +37,5 @@ private:
     std::atomic<std::uint32_t> m_hPlayer{0};
     std::uint32_t m_hNetLogin = 0;
     std::uint32_t m_hVideoController = 0;
+    std::uint32_t m_hLogoutHandle = 0;  // the login that ends with the video; 0 for none
 };

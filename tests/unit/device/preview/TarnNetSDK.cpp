@@ -21,6 +21,10 @@ PREVIEW_EXPORT int SDK_Login(std::uint32_t* pLogin, const void* pDevice, int nTi
     return nResult;
 }
 
+PREVIEW_EXPORT int SDK_Logout(std::uint32_t hLogin) {
+    return record("SDK_Logout %u", hLogin);
+}
+
 PREVIEW_EXPORT int SDK_UnInit() {
     return record("%s", "SDK_UnInit");
 }
