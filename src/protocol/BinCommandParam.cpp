@@ -3,6 +3,7 @@
 
 #include <cstring>
 #include <new>
+#include <utility>
 
 #include "protocol/ProtocolType.h"
 
@@ -14,12 +15,14 @@ void BinCommandParam::setData(const std::uint8_t* data, std::int32_t size) {
         return;
     }
     const auto nSize = static_cast<std::uint32_t>(size);
+    std::unique_ptr<std::uint8_t[]> pOld;  // kept to the end: its bytes may be the source
     if (size > SmallBlock) {
+        pOld = std::move(m_pData);
         m_pData.reset(new (std::nothrow) std::uint8_t[nSize]);
     }
     if (!m_pData) {
         return;
     }
-    std::memcpy(m_pData.get(), data, nSize);
+    std::memmove(m_pData.get(), data, nSize);
     m_nDataLength = nSize;
 }

@@ -84,6 +84,8 @@ TEST(BinCommandParserTest, SmallDataReusesTheBlockOfLargeData) {
     BinCommandParam param;
     const std::string strLarge(2000, 'x');
     param.setData(reinterpret_cast<const std::uint8_t*>(strLarge.data()), 2000);
+    param.setData(param.getData(), 1500);
+    EXPECT_EQ(dataOf(param), strLarge.substr(0, 1500));
     const auto* pLarge = param.getData();
     param.setData(reinterpret_cast<const std::uint8_t*>("small"), 5);
     EXPECT_EQ(param.getData(), pLarge);
