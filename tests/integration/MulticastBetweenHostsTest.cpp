@@ -1,0 +1,90 @@
+// The network of a device set without a session, from one machine to another: the library here, the
+// program virtual-device on a neighbour that only a cable connects with this one.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QString>
+#include <string>
+
+#include "device/FleetKit.h"
+#include "domain/DeviceInfoEx.h"
+#include "domain/DeviceSummaryInfo.h"
+#include "domain/HostNetwork.h"
+#include "domain/User.h"
+#include "support/NeighbourHost.h"
+
+namespace {
+
+constexpr const char* NewAddress = "10.77.0.99";
+
+long loginToNeighbour() {
+    InetAddr address;
+    address.setIP(NeighbourAddress);
+    address.setPORT(40000);
+    address.setIPProtoVer(1);
+    DeviceInfoEx info;
+    info.setDeviceAddr(address);
+    info.setUserID("admin");
+    info.setPassword("admin");
+    long handle = 0;
+    EXPECT_EQ(FleetKit::Login(info, handle), ErrorCode::Success);
+    return handle;
+}
+
+std::string addressOfDevice(long handle) {
+    DeviceSummaryInfo summary;
+    EXPECT_EQ(FleetKit::getDeviceSummaryInfo(handle, summary), ErrorCode::Success);
+    return summary.getDeviceIP();
+}
+
+int setAddress(const char* szDeviceId) {
+    HostNetwork network;
+    network.setLocalIp(NewAddress);
+    network.setIPProtoVer(1);
+    const HostNetwork networkBefore = network;
+    User user;
+    user.setUserName("admin");
+    user.setPassword("admin");
+    const User userBefore = user;
+    const int nCode = FleetKit::setDeviceHostNetwork(QString(szDeviceId), network, user);
+    EXPECT_TRUE(network == networkBefore);
+    EXPECT_TRUE(user == userBefore);
+    return nCode;
+}
+
+void besideDevice(const std::string& strOptions, const std::function<void()>& objBody) {
+    const std::string strProgram =
+        VIRTUAL_DEVICE_PROGRAM +
+        (" --multicast --device-id mine --port 40000 --seconds 60 --bind " +
+         std::string(NeighbourAddress) + strOptions);
+    const bool bRan = runBesideHost(strProgram, [&](const NeighbourHost& host) {
+        ASSERT_THAT(host.readLine(), testing::HasSubstr("listening on"));
+        objBody();
+    });
+    if (!bRan) {
+        GTEST_SKIP() << "no two hosts can be made here: no network namespaces, or no program ip";
+    }
+}
+
+}  // namespace
+
+TEST(MulticastBetweenHosts, SetsTheDeviceThatIsNamedAndNoOther) {
+    besideDevice("", [] {
+        const long handle = loginToNeighbour();
+        EXPECT_EQ(setAddress("other"), ErrorCode::Success);  // nobody answers, which may be success
+        EXPECT_EQ(addressOfDevice(handle), NeighbourAddress);
+        EXPECT_EQ(setAddress("mine"), ErrorCode::Success);
+        EXPECT_EQ(addressOfDevice(handle), NewAddress);
+    });
+}
+
+// Damaged answers give themselves away by their codes: they did arrive.
+TEST(MulticastBetweenHosts, HearsWhatTheDeviceAnswers) {
+    besideDevice(" --misbehave strays=4:32506", [] {
+        const long handle = loginToNeighbour();
+        EXPECT_EQ(setAddress("mine"), ErrorCode::BadReply);
+        EXPECT_EQ(addressOfDevice(handle), NewAddress);
+    });
+    besideDevice(" --misbehave bad-checksum:32506",
+                 [] { EXPECT_EQ(setAddress("mine"), ErrorCode::DecodeFailed); });
+}
