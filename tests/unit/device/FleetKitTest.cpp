@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <QString>
-#include <filesystem>
 #include <functional>
 #include <map>
 #include <memory>
@@ -23,6 +22,7 @@
 #include "protocol/CredentialCipher.h"
 #include "session/DeviceSessionManager.h"
 #include "support/ChildProcess.h"
+#include "support/DeclaredFunctions.h"
 #include "unit/device/LoggedInDevice.h"
 
 using namespace NS_TARN_STRUCT;
@@ -301,24 +301,6 @@ std::map<std::string, std::function<void()>> sessionlessOperations() {
                        ErrorCode::Failed);
          }},
     };
-}
-
-// The functions that the header declares.
-std::set<std::string> declaredFunctions() {
-    const auto path =
-        std::filesystem::path(__FILE__).parent_path() / "../../../src/device/FleetKit.h";
-    const std::string strHeader = readFile(path.string());
-    const std::string strOpening = "    static int ";
-    std::set<std::string> setNames;
-    for (std::size_t nAt = strHeader.find(strOpening); nAt != std::string::npos;
-         nAt = strHeader.find(strOpening, nAt)) {
-        nAt += strOpening.size();
-        const std::string strName = strHeader.substr(nAt, strHeader.find('(', nAt) - nAt);
-        if (!setNames.insert(strName).second) {
-            setNames.insert(strName + "#2");
-        }
-    }
-    return setNames;
 }
 
 void expectOneRequest(LoggedInDevice& device, const Operation& operation) {
