@@ -1,0 +1,162 @@
+"""Compiles and runs the examples of README and documentation against a virtual device.
+
+A `cpp` block without a `main` is a part of a program that has logged in; one with a `main` stands
+for itself. Of the `sh` blocks those that call fleetctl are run. Each block has a device of its own,
+whose port takes the place of 31000, and has to end with 0. An `output` block behind it has to be
+printed.
+"""
+
+import argparse
+import os
+import re
+import signal
+import subprocess
+import sys
+import tempfile
+from pathlib import Path
+
+from snippets import snippets_of
+
+PORT = "31000"
+DEVICE = ["--port", PORT, "--user", "admin", "--password", "secret"]
+SECONDS = 60
+# These programs use the library from inside; another test builds them.
+INSIDE = {"adding-a-record.md"}
+
+FRAME = """\
+#include <cstdio>
+#include <cstring>
+#include <fleetkit/FleetKit.h>
+#include <fleetkit/Product/Technic/InetAddr.h>
+#include <fleetkit/domain/DeviceInfoEx.h>
+{includes}
+int main() {{
+    InetAddr address;
+    address.setIP("127.0.0.1");
+    address.setPORT(31000);
+    address.setIPProtoVer(1);
+    DeviceInfoEx device;
+    device.setDeviceAddr(address);
+    device.setUserID("admin");
+    device.setPassword("secret");
+    long session = 0;
+    if (FleetKit::Login(device, session) != ErrorCode::Success) {{
+        return 1;
+    }}
+    {{
+{body}    }}
+    return FleetKit::Logout(session);
+}}
+"""
+
+
+class Device:
+    """A virtual device for one example."""
+
+    def __init__(self, program, arguments):
+        arguments = ["0" if argument == PORT else argument for argument in arguments]
+        self.process = subprocess.Popen(
+            [program, *arguments, "--seconds", str(SECONDS)], stdout=subprocess.PIPE, text=True)
+        line = self.process.stdout.readline()
+        match = re.fullmatch(r"listening on 127\.0\.0\.1:(\d+)\n", line)
+        if not match:
+            raise RuntimeError(f"the virtual device said {line!r}")
+        self.port = match[1]
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self.process.send_signal(signal.SIGTERM)
+        self.process.wait(SECONDS)
+        self.process.stdout.close()
+
+
+def program_of(text):
+    """A whole C++ program for an example."""
+    if re.search(r"^int main\(", text, re.M):
+        return text
+    lines = text.splitlines(keepends=True)
+    includes = "".join(line for line in lines if line.startswith("#include"))
+    body = "".join(line for line in lines if not line.startswith("#include"))
+    return FRAME.format(includes=includes, body=body)
+
+
+class Examples:
+    def __init__(self, arguments):
+        self.arguments = arguments
+
+    def run_cpp(self, snippet, directory):
+        source, program = directory / "example.cpp", directory / "example"
+        kind = ["--kind", "nvr"] if "recorder" in snippet.text else []
+        with Device(self.arguments.virtual_device, DEVICE + kind) as device:
+            source.write_text(program_of(snippet.text).replace(PORT, device.port))
+            library = Path(self.arguments.library)
+            command = [
+                self.arguments.compiler, "-std=c++17", "-fPIC", "-Wall", "-Wextra", "-Werror",
+                *self.arguments.flag,
+                *(f"-I{path}" for path in self.arguments.include.split(":") if path),
+                source, "-o", program, library, *self.arguments.link,
+                f"-Wl,-rpath,{library.parent}", "-pthread"]
+            subprocess.run(command, check=True)
+            return self.output_of([program], directory, device.port)
+
+    def run_shell(self, snippet, directory):
+        script, device_arguments = "set -e\n", DEVICE
+        for line in snippet.text.splitlines(keepends=True):
+            if line.startswith("virtual-device "):
+                device_arguments = line.rstrip(" &\n").split()[1:]
+            else:
+                script += line
+        with Device(self.arguments.virtual_device, device_arguments) as device:
+            return self.output_of(["bash", "-c", script.replace(PORT, device.port)], directory,
+                                  device.port)
+
+    def output_of(self, command, directory, port):
+        path = Path(self.arguments.fleetctl).parent
+        environment = dict(os.environ, PATH=f"{path}:{os.environ['PATH']}")
+        done = subprocess.run(command, cwd=directory, env=environment, stdin=subprocess.DEVNULL,
+                              stdout=subprocess.PIPE, text=True, timeout=SECONDS, check=True)
+        return done.stdout.replace(port, PORT)
+
+    def run(self, snippet):
+        """Whether the example does what it says; None for one that is not run."""
+        if snippet.language not in ("cpp", "sh"):
+            return None
+        if snippet.language == "sh" and "fleetctl" not in snippet.text:
+            return None
+        with tempfile.TemporaryDirectory() as directory:
+            run = self.run_cpp if snippet.language == "cpp" else self.run_shell
+            try:
+                output = run(snippet, Path(directory))
+            except (subprocess.SubprocessError, RuntimeError) as error:
+                print(f"{snippet.place}: {error}")
+                return False
+        if snippet.output is not None and output != snippet.output:
+            print(f"{snippet.place}: printed\n{output}instead of\n{snippet.output}")
+            return False
+        return True
+
+
+def main():
+    parser = argparse.ArgumentParser(description="Runs the examples of the documentation.")
+    for name in ("compiler", "include", "library", "fleetctl", "virtual-device"):
+        parser.add_argument("--" + name, required=True)
+    parser.add_argument("--flag", action="append", default=[], help="a flag for the compiler")
+    parser.add_argument("--link", action="append", default=[], help="one more library")
+    parser.add_argument("documents", nargs="+", type=Path)
+    arguments = parser.parse_args()
+    examples = Examples(arguments)
+    results = []
+    for document in arguments.documents:
+        if document.name in INSIDE:
+            continue
+        results += [(snippet.place, examples.run(snippet)) for snippet in snippets_of(document)]
+    run = [place for place, result in results if result is not None]
+    failed = [place for place, result in results if result is False]
+    print(f"{len(run)} examples run, {len(failed)} failed: {' '.join(failed)}")
+    return 1 if failed or not run else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

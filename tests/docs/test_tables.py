@@ -1,0 +1,88 @@
+"""The tables of the documentation say what the headers say, and its links lead somewhere."""
+
+import re
+import unittest
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parents[2]
+DOCUMENTS = [ROOT / "README.md", *sorted((ROOT / "docs").glob("*.md"))]
+
+
+def read(name):
+    return (ROOT / name).read_text(encoding="utf-8")
+
+
+def rows_of(text):
+    """The rows of the tables in a text, without their heads."""
+    rows = re.findall(r"^\|(.*)\|$", text, re.M)
+    return [[cell.strip() for cell in row.split("|")] for row in rows]
+
+
+class ErrorCodes(unittest.TestCase):
+    def test_the_table_is_that_of_the_library(self):
+        codes = re.findall(r"^    (\w+) = (-?\d+),", read("src/Product/Technic/ErrorCode.h"), re.M)
+        meanings = dict(re.findall(r'case ErrorCode::(\w+):\s+return "([^"]*)";',
+                                   read("src/Product/Technic/ErrorCode.cpp")))
+        expected = [(code, f"`{name}`", meanings[name]) for name, code in codes]
+        self.assertGreater(len(expected), 20)
+        rows = [tuple(row[:3]) for row in rows_of(read("docs/error-codes.md"))
+                if re.fullmatch(r"-?\d+", row[0])]
+        self.assertEqual(rows, expected)
+
+
+class Structures(unittest.TestCase):
+    def setUp(self):
+        self.header = read("src/device/TarnStruct.h")
+        self.document = read("docs/exported-structures.md")
+
+    def fields_of(self, structure):
+        body = re.search(rf"struct {structure} \{{\n(.*?)\n\}};", self.header, re.S)[1]
+        fields = re.findall(r"^    ([\w:]+) (\w+)(\[\w+\])?;", body, re.M)
+        offsets = dict(re.findall(rf"offsetof\({structure}, (\w+)\) == (\d+)", self.header))
+        return [[offsets[name], kind.replace("std::int32_t", "i32") + size, f"`{name}`"]
+                for kind, name, size in fields]
+
+    def test_layouts(self):
+        sections = re.split(r"^## ", self.document, flags=re.M)
+        layouts = [section for section in sections if section.startswith("tag")]
+        self.assertEqual(len(layouts), 5)
+        for section in layouts:
+            structure = section.split("\n", 1)[0]
+            rows = [row[:3] for row in rows_of(section) if row[0].isdigit()]
+            self.assertEqual(rows, self.fields_of(structure), msg=structure)
+
+    def test_capacities(self):
+        capacities = dict(re.findall(r"constexpr std::int32_t (Max\w+) = (\d+);", self.header))
+        sizes = {name: int(size) for name, size
+                 in re.findall(r"sizeof\((\w+)\) == (\d+)\)", self.header)}
+        rows = [row for row in rows_of(self.document) if row[0].startswith("`tag")]
+        self.assertEqual(len(rows), len(capacities))
+        for outer, element, capacity, size in rows:
+            inner, inner_size = re.fullmatch(r"`(\w+)`, (\d+) bytes", element).groups()
+            self.assertEqual(sizes[inner], int(inner_size))
+            name = re.search(rf"{inner} \w+\[(\w+)\];", self.header)[1]
+            count = capacity.split(",")[0]
+            self.assertEqual(capacities[name], count, msg=outer)
+            expected = sizes.get(outer.strip("`"), 4 + int(count) * sizes[inner])
+            self.assertEqual(int(size), expected, msg=outer)
+
+
+class Links(unittest.TestCase):
+    def test_every_link_leads_to_a_page_and_a_heading(self):
+        found = 0
+        for document in DOCUMENTS:
+            for target in re.findall(r"\]\(([^)]+)\)", document.read_text(encoding="utf-8")):
+                found += 1
+                name, _, heading = target.partition("#")
+                path = document.parent / name if name else document
+                self.assertTrue(path.is_file(), msg=f"{document.name}: {target}")
+                if heading:
+                    text = path.read_text(encoding="utf-8")
+                    headings = [re.sub(r"[^\w -]", "", line).strip().lower().replace(" ", "-")
+                                for line in re.findall(r"^#+ (.*)$", text, re.M)]
+                    self.assertIn(heading, headings, msg=f"{document.name}: {target}")
+        self.assertGreater(found, 5)
+
+
+if __name__ == "__main__":
+    unittest.main()
