@@ -1,0 +1,53 @@
+"""Hands a file to Doxygen: the headers' plain comments as documentation, pages as they are.
+
+    doxygen_filter.py FILE
+
+The comments of the headers are written for those who read the headers. Here `//` becomes `///`, a
+comment behind a member `///<`, the comment that opens a file the file's own, and `// ---- Title` the
+heading of a group of members.
+"""
+
+import re
+import sys
+from pathlib import Path
+
+HEADING = re.compile(r"^(\s*)// ---- (.*)$")
+COMMENT = re.compile(r"^(\s*)//(?!/)( ?.*)$")
+TRAILING = re.compile(r"^(\s*[^\s/].*[;,{]\s*)//(?!/) ?(.*)$")
+OUTPUT = re.compile(r"^```(output|schema)$")
+
+
+def documented(lines):
+    in_group = opens_group = False
+    yield "/// @file"
+    for line in lines:
+        heading, comment = HEADING.match(line), COMMENT.match(line)
+        if heading:
+            if in_group:
+                yield heading[1] + "/// @}"
+            yield f"{heading[1]}/// @name {heading[2]}"
+            in_group, opens_group = True, True
+        elif comment:
+            yield f"{comment[1]}///{comment[2]}"
+        else:
+            if opens_group:
+                yield "    /// @{"
+                opens_group = False
+            if in_group and line == "};":
+                yield "    /// @}"
+                in_group = False
+            trailing = TRAILING.match(line)
+            yield f"{trailing[1]}///< {trailing[2]}" if trailing else line
+
+
+def main():
+    path = Path(sys.argv[1])
+    lines = path.read_text(encoding="utf-8").splitlines()
+    if path.suffix == ".md":
+        print("\n".join("```" if OUTPUT.match(line) else line for line in lines))
+    else:
+        print("\n".join(documented(lines)))
+
+
+if __name__ == "__main__":
+    main()
