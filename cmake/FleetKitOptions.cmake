@@ -25,4 +25,8 @@ if(FLEETKIT_SANITIZE)
   target_compile_options(fleetkit-options INTERFACE
     -fsanitize=${FLEETKIT_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(fleetkit-options INTERFACE -fsanitize=${FLEETKIT_SANITIZE})
+  # What sanitizers insert makes GCC see uninitialised values inside the standard library.
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    target_compile_options(fleetkit-options INTERFACE -Wno-maybe-uninitialized)
+  endif()
 endif()
