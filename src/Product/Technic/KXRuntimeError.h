@@ -4,10 +4,8 @@
 #include <exception>
 #include <string>
 
-#include "Product/Technic/Export.h"
-
 // Carries one text. Thrown for every misuse of safe pointers; see SafePointer.h.
-class FLEETKIT_EXPORT KXRuntimeError : public std::exception {
+class KXRuntimeError : public std::exception {
 public:
     // A null text gives an empty message.
     explicit KXRuntimeError(const char* const& pMessage);

@@ -5,12 +5,10 @@
 #include <type_traits>
 #include <typeinfo>
 
-#include "Product/Technic/Export.h"
-
 class SafePointerSlot;
 
 // Root of every SafePointer<T>, with the steps that do not depend on T.
-class FLEETKIT_EXPORT BaseSafePointer {
+class BaseSafePointer {
 public:
     // A stale holder is told so even at its end, hence the destructors may throw. A class that
     // holds a SafePointer and overrides a virtual destructor says `~X() noexcept override`.
