@@ -9,7 +9,7 @@
 
 namespace {
 
-// ------------------------------------------------------------------------------------- the device
+// -------------------------------------------------------------------------------------- the device
 
 constexpr const char* CameraText = R"(
 <HardwareCapability ChannelNum="{channels}" AudioInNum="1" SoundChannelType="1" AudioOutNum="1"
@@ -304,8 +304,7 @@ constexpr const char* TimeZoneNameTexts[] = {
 </TimeZoneAbility>)",
 };
 
-// ---------------------------------------------------------------------------------- of each
-// channel
+// --------------------------------------------------------------------------------- of each channel
 
 constexpr const char* ChannelText = R"(
 <ChannelInfo LocalChannelID="{channel}" State="1" ChannelName="Channel {channel}"
@@ -352,8 +351,7 @@ constexpr const char* VideoAbilityText = R"(
   </VideoAbilityParamList>
 </VideoAbility>)";
 
-// ----------------------------------------------------------------------------------- of each
-// stream
+// ---------------------------------------------------------------------------------- of each stream
 
 constexpr const char* BaseStreamText = R"(
 <BaseStream StreamID="{stream}">
