@@ -10,7 +10,8 @@ int codeOf(bool bDone, int nFailure) {
 
 }  // namespace
 
-ITransfer::ITransfer(int nIPProtoVer) : m_nIPProtoVer(nIPProtoVer) {}
+ITransfer::ITransfer(int nIPProtoVer, int nTransferType)
+    : m_nIPProtoVer(nIPProtoVer), m_nTransferType(nTransferType) {}
 
 ITransfer::~ITransfer() = default;
 
@@ -18,7 +19,8 @@ bool ITransfer::setCommandHeadParser(const SafePointer<ICommandHeadParser>&) {
     return false;
 }
 
-int ITransfer::createSocket(std::int32_t nType) {
+int ITransfer::createSocket() {
+    const auto nType = m_nTransferType == TransferKind::UDP ? Socket::Datagram : Socket::Stream;
     m_pobjSocket = std::make_unique<Socket>(m_nIPProtoVer, nType);
     if (!m_pobjSocket->open()) {
         m_pobjSocket.reset();

@@ -24,7 +24,8 @@ constexpr int TCP = 2;
 // milliseconds, a negative one waits without limit.
 class ITransfer {
 public:
-    explicit ITransfer(int nIPProtoVer);  // 1 for IPv4, 2 for IPv6
+    // The IP version is 1 for IPv4, 2 for IPv6.
+    explicit ITransfer(int nIPProtoVer, int nTransferType = TransferKind::TCP);
     virtual ~ITransfer();
     ITransfer(const ITransfer&) = delete;
     ITransfer& operator=(const ITransfer&) = delete;
@@ -75,9 +76,11 @@ public:
     virtual bool getSendBufferSize(std::int32_t* pSize);
 
 protected:
-    // Makes and opens the socket; `nType` is one of the types of `Socket`.
-    int createSocket(std::int32_t nType);
+    // Makes and opens the socket that this kind of transport needs.
+    int createSocket();
 
     std::unique_ptr<Socket> m_pobjSocket;
-    int m_nIPProtoVer;
+    const int m_nIPProtoVer;
+    const std::uint8_t m_bReserved = 0;  // part of the shape on devices, unread here
+    const int m_nTransferType;           // a `TransferKind`
 };

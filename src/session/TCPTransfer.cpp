@@ -38,7 +38,7 @@ bool TCPTransfer::setCommandHeadParser(const SafePointer<ICommandHeadParser>& pa
 int TCPTransfer::create() {
     m_bHeadReceived = false;
     forgetHead();
-    return createSocket(Socket::Stream);
+    return createSocket();
 }
 
 int TCPTransfer::sendCommand(const CommandBuffer& buffer, const InetAddr&, int nTimeoutMs) {
@@ -146,15 +146,15 @@ int TCPTransfer::recvHead(Read read, int nTimeoutMs) {
     }
     const std::uint32_t nHeadLength = m_pHeadParser->getCommandHeadLength();
     while (m_nHeadBytes < nHeadLength) {
-        const auto nMissing = static_cast<std::int32_t>(m_arrHead.size() - m_nHeadBytes);
+        const auto nMissing = static_cast<std::int32_t>(m_headBuffer.size() - m_nHeadBytes);
         const int nResult =
-            read(*m_pobjSocket, m_arrHead.data() + m_nHeadBytes, nMissing, nTimeoutMs);
+            read(*m_pobjSocket, m_headBuffer.data() + m_nHeadBytes, nMissing, nTimeoutMs);
         if (nResult < 0) {
             return nResult;
         }
         m_nHeadBytes += static_cast<std::uint32_t>(nResult);
     }
-    if (!m_pHeadParser->parseCommandHead(m_arrHead.data(), m_nHeadBytes, m_pHead)) {
+    if (!m_pHeadParser->parseCommandHead(m_headBuffer.data(), m_nHeadBytes, m_pHead)) {
         return ErrorCode::HeadRefused;
     }
     m_bHeadReceived = true;
@@ -166,7 +166,7 @@ int TCPTransfer::beginCommand(CommandBuffer& buffer) {
     const std::uint32_t nHeadLength = m_pHeadParser->getCommandHeadLength();
     const std::uint32_t nPayload = payloadLength();
     if (nPayload > MaxPayload || !buffer.allocate(nHeadLength + std::min(nPayload, FirstBlock)) ||
-        !buffer.append(m_arrHead.data(), nHeadLength)) {
+        !buffer.append(m_headBuffer.data(), nHeadLength)) {
         m_bHeadReceived = false;
         return ErrorCode::NoMemory;
     }
@@ -198,6 +198,6 @@ std::uint32_t TCPTransfer::payloadLength() const {
 }
 
 void TCPTransfer::forgetHead() {
-    m_arrHead.fill(0);
+    m_headBuffer.fill(0);
     m_nHeadBytes = 0;
 }

@@ -55,8 +55,8 @@ private:
     std::uint32_t payloadLength() const;
     void forgetHead();
 
-    bool m_bHeadReceived = false;  // a parsed head waits for its payload
-    std::array<std::uint8_t, 24> m_arrHead{};
+    bool m_bHeadReceived = false;                 // a parsed head waits for its payload
+    std::array<std::uint8_t, 24> m_headBuffer{};  // all zero between commands
     std::uint32_t m_nHeadBytes = 0;
     SafePointer<ICommandHeadParser> m_pHeadParser;
     SafePointer<CommandHeadInfo> m_pHead;

@@ -10,10 +10,10 @@ constexpr const char* SourceName = "UDPTransfer";
 
 }  // namespace
 
-UDPTransfer::UDPTransfer(int nIPProtoVer) : ITransfer(nIPProtoVer) {}
+UDPTransfer::UDPTransfer(int nIPProtoVer) : ITransfer(nIPProtoVer, TransferKind::UDP) {}
 
 int UDPTransfer::create() {
-    return createSocket(Socket::Datagram);
+    return createSocket();
 }
 
 int UDPTransfer::sendCommand(const CommandBuffer& buffer, const InetAddr& to, int) {

@@ -10,6 +10,9 @@
 #include "Product/Technic/KXThread.h"
 #include "Product/Technic/SafePointer.h"
 
+// Where the device side has its channel to threads; nothing in this library opens it.
+inline constexpr const char* ThreadChannelPath = "/tmp/threadchannel";
+
 // Order of use: construct, start(), in the end stop(), destroy. A stopped worker can be started
 // again.
 //

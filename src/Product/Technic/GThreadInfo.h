@@ -30,4 +30,7 @@ private:
     std::atomic<State> m_nState{Stopped};
     std::atomic<std::int32_t> m_nTuning{60};  // part of the shape on devices, unread here
     const std::string m_strName;
+
+protected:
+    std::int64_t m_nReserved = 0;  // part of the shape on devices, unread here
 };
