@@ -52,12 +52,14 @@ bool Socket::open() {
     if (m_nType == Stream) {
         setNoDelay();
         keepAlive();
+        readSendBufferSize();
     }
     m_nStickyError = 0;
     return true;
 }
 
 bool Socket::close() {
+    m_bReserved = false;
     if (m_nHandle != -1) {
         SocketApi::closeSocket(m_nHandle);
         m_nHandle = -1;
@@ -76,7 +78,8 @@ bool Socket::bind(const char* pszIp) {
         return bind(pszIp, 0);
     }
     Address address;
-    return !isRefused() && SocketApi::parseIPv4(pszIp, 0, address) >= 0 && bindTo(address);
+    return !isRefused() && reported(SocketApi::parseIPv4(pszIp, 0, address)) >= 0 &&
+           bindTo(address);
 }
 
 bool Socket::bind(const InetAddr& address) {
@@ -246,7 +249,11 @@ std::int32_t Socket::send(const void* pBuffer, std::int32_t nLength, std::int32_
         m_nSendTimeout = nTimeout;
         reported(SocketApi::setSendTimeout(m_nHandle, std::chrono::milliseconds(nTimeout)));
     }
-    const int nCount = reported(SocketApi::sendBytes(m_nHandle, pBuffer, nLength));
+    if (m_nShut == 1) {
+        return Failed;
+    }
+    const auto timeout = nTimeout == 0 ? SocketApi::NoLimit : std::chrono::milliseconds(nTimeout);
+    const int nCount = reported(SocketApi::sendWithin(m_nHandle, pBuffer, nLength, timeout));
     return nCount < 0 ? Failed : nCount;
 }
 
@@ -297,7 +304,7 @@ std::int32_t Socket::recv(void* pBuffer, std::int32_t nLength) {
 
 std::int32_t Socket::recv(void* pBuffer, std::int32_t nLength, std::int32_t nTimeoutMs,
                           bool bNoWait) {
-    if (isRefused()) {
+    if (m_nShut == 1 || isRefused()) {
         return Failed;
     }
     if (!bNoWait) {
@@ -360,7 +367,14 @@ bool Socket::getRecvBufferSize(std::int32_t* pSize) {
 }
 
 bool Socket::setSendBufferSize(std::int32_t nSize) {
-    return !isRefused() && setOption(Option::SendBufferSize, nSize);
+    if (isRefused()) {
+        return false;
+    }
+    const bool bSet = setOption(Option::SendBufferSize, nSize);
+    if (m_nType == Stream) {
+        readSendBufferSize();
+    }
+    return bSet;
 }
 
 bool Socket::getSendBufferSize(std::int32_t* pSize) {
@@ -386,7 +400,7 @@ bool Socket::joinGroup(const InetAddr& group) {
         if (!resolve(strGroup.c_str(), group.getPORT(), SocketApi::NumericHost, address)) {
             return false;
         }
-    } else if (SocketApi::parseIPv4(strGroup.c_str(), group.getPORT(), address) < 0 ||
+    } else if (reported(SocketApi::parseIPv4(strGroup.c_str(), group.getPORT(), address)) < 0 ||
                reported(SocketApi::localAddress(m_nHandle, interface)) < 0) {
         return false;
     }
@@ -459,6 +473,12 @@ void Socket::keepAlive() noexcept {
     if (setOption(Option::KeepAlive, 1)) {
         setOption(Option::KeepAliveIdle, KeepAliveSeconds);
         setOption(Option::KeepAliveInterval, KeepAliveSeconds);
+    }
+}
+
+void Socket::readSendBufferSize() noexcept {
+    if (!getOption(Option::SendBufferSize, &m_nSendBufferSize)) {
+        m_nSendBufferSize = -1;
     }
 }
 

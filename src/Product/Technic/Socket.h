@@ -1,6 +1,7 @@
 // A socket for IPv4 or IPv6, stream or datagrams.
 #pragma once
 
+#include <array>
 #include <cstdint>
 
 #include "Product/Technic/ISocket.h"
@@ -102,6 +103,15 @@ public:
     bool reserved50() override { return true; }
     bool reserved51() override { return true; }
 
+protected:
+    std::int32_t m_nShut = 0;  // at 1 the timed `send` and `recv` fail; nothing here sets it
+
+    // Part of the shape on devices, unread here.
+    std::int32_t m_nSendBufferSize = -1;  // as last read from the option
+    std::int32_t m_nReserved = -1;
+    bool m_bReserved = false;
+    std::array<std::int32_t, 3> m_arrReserved{};
+
 private:
     bool isRefused() const noexcept { return m_nStickyError != 0; }
     int reported(int nResult) noexcept;
@@ -117,6 +127,7 @@ private:
     std::int32_t acceptInto(Socket& into);
     void storePeer(const char* pszHost, std::uint16_t nPort);
     void keepAlive() noexcept;
+    void readSendBufferSize() noexcept;
     bool setOption(SocketApi::Option option, int nValue) noexcept;
     bool getOption(SocketApi::Option option, std::int32_t* pValue) noexcept;
 

@@ -11,6 +11,7 @@
 #include <csignal>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "Product/Technic/Socket.h"
@@ -201,6 +202,33 @@ TEST(Socket, AStreamRemembersItsFirstFailureUntilItIsOpenedAgain) {
     }
 }
 
+TEST(Socket, ABindToWhatIsNoAddressIsRemembered) {
+    for (const char* pszIp : {"no address", ""}) {
+        Socket socket(1, Socket::Stream);
+        ASSERT_TRUE(socket.open());
+        EXPECT_FALSE(socket.bind(pszIp));
+        EXPECT_FALSE(socket.listen(1)) << pszIp;
+    }
+}
+
+TEST(Socket, ShutSocketsRefuseTimedTransfers) {
+    struct ShutSocket : Socket {
+        ShutSocket() : Socket(1, Stream) { m_nShut = 1; }
+    } socket;
+    Connection connection;
+    ASSERT_TRUE(connection.bUp);
+    const int nHandle = connection.client.getHandle();
+    connection.client.setHandle(-1);
+    socket.setHandle(nHandle);
+    char cByte = 0;
+    EXPECT_EQ(1, connection.pServer->send("x", 1, LongMs));
+    EXPECT_EQ(-1, socket.recv(&cByte, 1, LongMs, false));
+    EXPECT_EQ(-1, socket.send("x", 1, LongMs));
+    EXPECT_EQ(1, socket.send("x", 1, false));
+    EXPECT_EQ(0, socket.waitRead(LongMs));
+    EXPECT_EQ(1, socket.recv(&cByte, 1));
+}
+
 TEST(Socket, AnAddressInUseIsNotRemembered) {
     const RefusingPort taken(1);
     Socket socket(1, Socket::Stream);
@@ -345,23 +373,75 @@ TEST(Socket, BufferSizesAreKept) {
     EXPECT_FALSE(socket.getSendBufferSize(nullptr));
 }
 
+// Signals every few milliseconds, for this thread and no other.
+class Interruptions {
+public:
+    Interruptions() {
+        struct sigaction action {};
+        action.sa_handler = [](int) {};
+        ::sigaction(SIGALRM, &action, &m_before);
+        const itimerval ticks{{0, 5000}, {0, 5000}};
+        ::setitimer(ITIMER_REAL, &ticks, nullptr);
+    }
+    ~Interruptions() {
+        const itimerval off{};
+        ::setitimer(ITIMER_REAL, &off, nullptr);
+        ::sigaction(SIGALRM, &m_before, nullptr);
+    }
+    Interruptions(const Interruptions&) = delete;
+    Interruptions& operator=(const Interruptions&) = delete;
+
+    static void keepOut() {
+        sigset_t signals;
+        ::sigemptyset(&signals);
+        ::sigaddset(&signals, SIGALRM);
+        ::pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    }
+
+private:
+    struct sigaction m_before {};
+};
+
 TEST(Socket, AWaitGoesOnAfterASignal) {
     Connection connection;
     ASSERT_TRUE(connection.bUp);
-    struct sigaction action {};
-    struct sigaction before {};
-    action.sa_handler = [](int) {};
-    ASSERT_EQ(0, ::sigaction(SIGALRM, &action, &before));
-    const itimerval ticks{{0, 10000}, {0, 10000}};
-    ::setitimer(ITIMER_REAL, &ticks, nullptr);
+    const Interruptions interruptions;
     const auto start = std::chrono::steady_clock::now();
-    const std::int32_t nResult = connection.client.waitRead(100);
-    const auto waited = std::chrono::steady_clock::now() - start;
-    const itimerval off{};
-    ::setitimer(ITIMER_REAL, &off, nullptr);
-    ::sigaction(SIGALRM, &before, nullptr);
-    EXPECT_EQ(-2, nResult);
-    EXPECT_GE(waited, std::chrono::milliseconds(100));
+    EXPECT_EQ(-2, connection.client.waitRead(100));
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(100));
+}
+
+TEST(Socket, ASendGoesOnAfterASignal) {
+    Connection connection;
+    ASSERT_TRUE(connection.bUp);
+    const std::vector<char> vecBytes(16U << 20);
+    const auto nAll = static_cast<std::int32_t>(vecBytes.size());
+    std::thread reader([&] {
+        Interruptions::keepOut();
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        std::vector<char> vecRead(vecBytes.size());
+        EXPECT_EQ(nAll, connection.pServer->recvAll(vecRead.data(), nAll));
+    });
+    {
+        const Interruptions interruptions;
+        EXPECT_EQ(nAll, connection.client.send(vecBytes.data(), nAll, LongMs));
+    }
+    connection.client.close();
+    reader.join();
+}
+
+TEST(Socket, ASendEndsWithItsTimeOutInSpiteOfSignals) {
+    Connection connection;
+    ASSERT_TRUE(connection.bUp);
+    const std::vector<char> vecBytes(32U << 20);
+    const auto nAll = static_cast<std::int32_t>(vecBytes.size());
+    const Interruptions interruptions;
+    std::int32_t nSent = connection.client.send(vecBytes.data(), nAll, 50);
+    EXPECT_LT(nSent, nAll);
+    for (int i = 0; i < 100 && nSent > 0; ++i) {
+        nSent = connection.client.send(vecBytes.data(), nAll, 50);
+    }
+    EXPECT_EQ(-1, nSent) << "nothing more fits";
 }
 
 TEST(Socket, HandlesAboveAThousandWork) {

@@ -52,23 +52,45 @@ OptionName nameOf(Option option) noexcept {
     return {};
 }
 
+using Clock = std::chrono::steady_clock;
+
+constexpr Clock::time_point Never = Clock::time_point::max();
+
+// The moment at which a wait that begins now is over.
+Clock::time_point deadlineOf(std::chrono::microseconds timeout) noexcept {
+    return timeout < std::chrono::microseconds::zero() ? Never : Clock::now() + timeout;
+}
+
+// A call that is interrupted past its deadline would block.
 template <class Call>
-int untilNotInterrupted(Call call) noexcept {
-    int nResult;
-    do {
-        nResult = static_cast<int>(call());
-    } while (nResult < 0 && errno == EINTR);
-    return nResult;
+int untilNotInterrupted(Call call, Clock::time_point deadline = Never) noexcept {
+    for (;;) {
+        const int nResult = static_cast<int>(call());
+        if (nResult >= 0 || errno != EINTR) {
+            return nResult;
+        }
+        if (Clock::now() >= deadline) {
+            errno = EAGAIN;
+            return -1;
+        }
+    }
 }
 
 // Calls a transfer with its length as the system wants it; a negative length is no length.
 template <class Call>
-int transfer(std::int32_t nLength, Call call) noexcept {
+int transfer(std::int32_t nLength, Call call, Clock::time_point deadline = Never) noexcept {
     if (nLength < 0) {
         errno = EINVAL;
         return -1;
     }
-    return untilNotInterrupted([&] { return call(static_cast<std::size_t>(nLength)); });
+    return untilNotInterrupted([&] { return call(static_cast<std::size_t>(nLength)); }, deadline);
+}
+
+int sendUntil(int nHandle, const void* pBuffer, std::int32_t nLength,
+              Clock::time_point deadline) noexcept {
+    return transfer(
+        nLength, [&](std::size_t nSize) { return ::send(nHandle, pBuffer, nSize, MSG_NOSIGNAL); },
+        deadline);
 }
 
 // Calls what fills in an address and its length.
@@ -153,8 +175,23 @@ int peerAddress(int nHandle, Address& address) noexcept {
 }
 
 int sendBytes(int nHandle, const void* pBuffer, std::int32_t nLength) noexcept {
-    return transfer(
-        nLength, [&](std::size_t nSize) { return ::send(nHandle, pBuffer, nSize, MSG_NOSIGNAL); });
+    return sendUntil(nHandle, pBuffer, nLength, Never);
+}
+
+int sendWithin(int nHandle, const void* pBuffer, std::int32_t nLength,
+               std::chrono::microseconds timeout) noexcept {
+    const Clock::time_point deadline = deadlineOf(timeout);
+    const auto* pBytes = static_cast<const char*>(pBuffer);
+    int nSent = sendUntil(nHandle, pBytes, nLength, deadline);
+    // Before the deadline only a signal makes a send short, and a full buffer where nothing waits.
+    while (nSent > 0 && nSent < nLength && Clock::now() < deadline) {
+        const int nMore = sendUntil(nHandle, pBytes + nSent, nLength - nSent, deadline);
+        if (nMore < 0) {
+            break;
+        }
+        nSent += nMore;
+    }
+    return nSent;
 }
 
 int sendBytesTo(int nHandle, const void* pBuffer, std::int32_t nLength,
@@ -178,13 +215,12 @@ int recvBytesFrom(int nHandle, void* pBuffer, std::int32_t nLength, Address& sen
 }
 
 int waitFor(int nHandle, Direction direction, std::chrono::microseconds timeout) noexcept {
-    using Clock = std::chrono::steady_clock;
     if (nHandle < 0) {
         errno = EBADF;
         return -1;
     }
     const bool bLimited = timeout >= std::chrono::microseconds::zero();
-    const auto deadline = bLimited ? Clock::now() + timeout : Clock::time_point::max();
+    const Clock::time_point deadline = deadlineOf(timeout);
     for (;;) {
         pollfd entry{nHandle, static_cast<short>(direction == Direction::Read ? POLLIN : POLLOUT),
                      0};

@@ -49,6 +49,10 @@ int peerAddress(int nHandle, Address& address) noexcept;
 
 // The result is the number of bytes.
 int sendBytes(int nHandle, const void* pBuffer, std::int32_t nLength) noexcept;
+// With the time-out that `setSendTimeout` gave to the socket: a signal neither cuts the send short
+// nor lets it last for longer than twice that time.
+int sendWithin(int nHandle, const void* pBuffer, std::int32_t nLength,
+               std::chrono::microseconds timeout) noexcept;
 int sendBytesTo(int nHandle, const void* pBuffer, std::int32_t nLength,
                 const Address& address) noexcept;
 int recvBytes(int nHandle, void* pBuffer, std::int32_t nLength) noexcept;
