@@ -393,7 +393,7 @@ bool Socket::joinGroup(const InetAddr& group) {
     if (isRefused()) {
         return false;
     }
-    const std::string strGroup = group.getIP();
+    const std::string& strGroup = group.getIP();
     Address address;
     Address interface;
     if (m_nIpVersion == 2) {
