@@ -274,18 +274,22 @@ bool isAsked(int nAsked, int nActual) {
     return nAsked == Request::All || nAsked == nActual;
 }
 
+template <class Record>
+std::vector<Record> ofAskedChannel(const CommandCall& call, std::vector<Record> vecRecords,
+                                   int (Record::*getChannel)() const) {
+    std::erase_if(vecRecords, [&](const Record& record) {
+        return !isAsked(call.request.channel(), (record.*getChannel)());
+    });
+    return vecRecords;
+}
+
 int giveVideoAbility(CommandCall& call) {
     if (!hasChannel(call)) {
         return DeviceResult::NoSuchChannel;
     }
-    std::vector<VideoAbilityParam> vecAsked;
-    for (const VideoAbilityParam& channel : call.state.objVideo.getVideoAbilityParamList()) {
-        if (isAsked(call.request.channel(), channel.getChannelId())) {
-            vecAsked.push_back(channel);
-        }
-    }
     VideoAbility objVideo;
-    objVideo.setVideoAbilityParamList(vecAsked);
+    objVideo.setVideoAbilityParamList(ofAskedChannel(
+        call, call.state.objVideo.getVideoAbilityParamList(), &VideoAbilityParam::getChannelId));
     appendRecord(call.vecReply, objVideo);
     return DeviceResult::Success;
 }
@@ -297,26 +301,18 @@ int giveSensor(CommandCall& call) {
 
 // A list answers what there is: a channel or stream that the device lacks is an empty list.
 int giveChannels(CommandCall& call) {
-    std::vector<ChannelInfo> vecAsked;
-    for (const ChannelInfo& channel : call.state.vecChannels) {
-        if (isAsked(call.request.channel(), channel.getLocalChannelID())) {
-            vecAsked.push_back(channel);
-        }
-    }
-    appendList(call.vecReply, vecAsked);
+    appendList(call.vecReply,
+               ofAskedChannel(call, call.state.vecChannels, &ChannelInfo::getLocalChannelID));
     return DeviceResult::Success;
 }
 
 int giveStreams(CommandCall& call) {
     const auto* pStreamId = findRecord<StreamId>(call.request.vecRecords);
     const int nStream = pStreamId ? pStreamId->getId() : Request::All;
-    std::vector<AVStreamParam> vecAsked;
-    for (const AVStreamParam& stream : call.state.vecStreams) {
-        if (isAsked(call.request.channel(), stream.getChannelId()) &&
-            isAsked(nStream, stream.getStreamId())) {
-            vecAsked.push_back(stream);
-        }
-    }
+    auto vecAsked = ofAskedChannel(call, call.state.vecStreams, &AVStreamParam::getChannelId);
+    std::erase_if(vecAsked, [&](const AVStreamParam& stream) {
+        return !isAsked(nStream, stream.getStreamId());
+    });
     appendList(call.vecReply, vecAsked);
     return DeviceResult::Success;
 }
@@ -346,13 +342,7 @@ int takeStreams(CommandCall& call) {
 }
 
 int giveOSD(CommandCall& call) {
-    std::vector<OSDUserParam> vecAsked;
-    for (const OSDUserParam& osd : call.state.vecOSD) {
-        if (isAsked(call.request.channel(), osd.getCameraId())) {
-            vecAsked.push_back(osd);
-        }
-    }
-    appendList(call.vecReply, vecAsked);
+    appendList(call.vecReply, ofAskedChannel(call, call.state.vecOSD, &OSDUserParam::getCameraId));
     return DeviceResult::Success;
 }
 
