@@ -48,8 +48,8 @@ std::uint64_t secondsNow() {
 
 }  // namespace
 
-GThread::GThread(Function objBody, const std::string& strName, Function objSetup,
-                 Function objTeardown)
+GThread::GThread(const Function& objBody, const std::string& strName, const Function& objSetup,
+                 const Function& objTeardown)
     : KXThread(strName),
       m_objInfo(wrapSafe(std::make_unique<GThreadInfo>(strName))),
       m_objSetup(objSetup),

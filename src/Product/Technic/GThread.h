@@ -28,7 +28,8 @@ class GThread : public KXThread {
 public:
     using Function = KX_FUNCTION::function<int>;
 
-    GThread(Function objBody, const std::string& strName, Function objSetup, Function objTeardown);
+    GThread(const Function& objBody, const std::string& strName, const Function& objSetup,
+            const Function& objTeardown);
     ~GThread() noexcept override;
 
     // True when the worker runs, also when it did before. False when the setup failed or threw, or

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <cstring>
 #include <limits>
 #include <optional>
 #include <string>
@@ -57,6 +56,11 @@ void store(InetAddr& address, const std::string& strText, int nVersion) {
     address.setIPProtoVer(nVersion);
 }
 
+// `out` has room for the text and its end.
+void copyText(std::string_view text, char* out) {
+    out[text.copy(out, text.size())] = '\0';
+}
+
 }  // namespace
 
 bool IPTool::checkIPAddress(const char* text, int& version) {
@@ -105,13 +109,13 @@ bool IPTool::enumIPList(int version) {
     const int nWanted = version == 1 ? 1 : 2;
     for (const NetworkAdapter& adapter : vecAdapters) {
         for (const InetAddr& address : adapter.vecAddresses) {
-            const std::string strText = address.getIP();
+            const std::string& strText = address.getIP();
             if (address.getIPProtoVer() != nWanted || strText == IPv6Loopback ||
                 m_nEntryCount == MaxEntries) {
                 continue;
             }
-            char* pszEntry = m_szEntries[m_nEntryCount++];
-            pszEntry[strText.copy(pszEntry, EntrySize - 1)] = '\0';
+            copyText(std::string_view(strText).substr(0, EntrySize - 1),
+                     m_szEntries[m_nEntryCount++]);
         }
     }
     return true;
@@ -125,7 +129,7 @@ bool IPTool::getEnumIP(int index, char* out) {
     if (index < 0 || index >= m_nEntryCount || out == nullptr) {
         return false;
     }
-    std::strcpy(out, m_szEntries[index]);
+    copyText(m_szEntries[index], out);
     return true;
 }
 
@@ -134,7 +138,7 @@ bool IPTool::getLocalIP(int, char* out) {
     if (!address || out == nullptr) {
         return false;
     }
-    std::strcpy(out, address->c_str());
+    copyText(*address, out);
     return true;
 }
 
