@@ -67,7 +67,8 @@ struct tagOSDUserParamList;
 //     }
 //
 // Records, the classes that functions read and fill, stand in headers of their names
-// (`domain/NTPParam.h`); the plain structures of `NS_TARN_STRUCT` stand in `device/TarnStruct.h`.
+// (`<fleetkit/domain/NTPParam.h>`); the plain structures of `NS_TARN_STRUCT` stand in
+// `<fleetkit/TarnStruct.h>`.
 //
 // # Result codes
 //
