@@ -1,3 +1,4 @@
+// The actions, each one call of the library.
 #include "Action.h"
 
 #include <fleetkit/FleetKit.h>

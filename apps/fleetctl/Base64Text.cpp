@@ -1,3 +1,4 @@
+// base64 by the standard alphabet.
 #include "Base64Text.h"
 
 #include <string_view>

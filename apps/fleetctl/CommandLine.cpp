@@ -1,3 +1,4 @@
+// The grammar of the command line; the only file that knows the parser library.
 #include "CommandLine.h"
 
 #include <CLI/CLI.hpp>

@@ -1,3 +1,4 @@
+// Looks passwords up.
 #include "Credentials.h"
 
 #include <cstdlib>

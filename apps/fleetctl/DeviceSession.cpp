@@ -1,3 +1,4 @@
+// Finds the address, logs in and out.
 #include "DeviceSession.h"
 
 #include <fleetkit/FleetKit.h>

@@ -1,3 +1,4 @@
+// Walks dotted paths through JSON, with the shape of the record beside it.
 #include "FieldAssignment.h"
 
 #include <charconv>

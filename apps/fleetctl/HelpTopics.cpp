@@ -1,11 +1,11 @@
+// The texts of the help pages.
 #include "HelpTopics.h"
 
 #include "UsageError.h"
 
-const std::vector<HelpTopic>& helpTopics() {
-    static const std::vector<HelpTopic> vecTopics = {
-        {"environment", "Variables that fleetctl reads",
-         R"(An option on the command line comes before its variable.
+namespace {
+
+constexpr const char* Environment = R"(An option on the command line comes before its variable.
 
   FLEETCTL_DEVICE        HOST:PORT, as --device
   FLEETCTL_USER          user to log in as, as --user
@@ -13,9 +13,10 @@ const std::vector<HelpTopic>& helpTopics() {
   FLEETCTL_NEW_PASSWORD  for `do passwd`, after --new-password-file
 
 A password that is given nowhere is asked for, if standard input is a terminal.
-)"},
-        {"output", "JSON and tables",
-         R"(Standard output has data and nothing else; everything else goes to standard error.
+)";
+
+constexpr const char* OutputForms =
+    R"(Standard output has data and nothing else; everything else goes to standard error.
 
 With -o json, which is the default when standard output is no terminal, each result is one object
 in one line. A value has the fields of the record by their names in the protocol, a list is an
@@ -29,16 +30,18 @@ a device that are not UTF-8 have U+FFFD in the place of the bytes that are wrong
 
 With -o table a value is shown field by field, under the paths that `set` takes, or with a column
 for each field if it is a list of plain records; failures go to standard error.
-)"},
-        {"exit-codes", "Exit statuses", R"(  0  everything asked for was done
+)";
+
+constexpr const char* ExitCodes = R"(  0  everything asked for was done
   1  at least one operation failed, or the output could not be written
   2  wrong usage: arguments, names, fields, values, no password; nothing was changed
   3  the login failed: no answer, or user or password refused
 
 The "code" of a result is the library's, a negative number, or the device's own.
-)"},
-        {"targets", "Naming devices",
-         R"(A device is named by HOST:PORT, where PORT is its control port and HOST an IPv4 address, an IPv6
+)";
+
+constexpr const char* Targets =
+    R"(A device is named by HOST:PORT, where PORT is its control port and HOST an IPv4 address, an IPv6
 address in brackets, or a host name:
 
   192.0.2.7:30001    [2001:db8::7]:30001    camera-7.example.org:30001
@@ -46,7 +49,16 @@ address in brackets, or a host name:
 A device that cannot be reached at its address can be given another one by its device id:
 
   fleetctl -u admin do network-by-multicast DEVICE-ID NetId=0 WorkingType=1 DHCP=false ...
-)"},
+)";
+
+}  // namespace
+
+const std::vector<HelpTopic>& helpTopics() {
+    static const std::vector<HelpTopic> vecTopics = {
+        {"environment", "Variables that fleetctl reads", Environment},
+        {"output", "JSON and tables", OutputForms},
+        {"exit-codes", "Exit statuses", ExitCodes},
+        {"targets", "Naming devices", Targets},
     };
     return vecTopics;
 }

@@ -1,3 +1,4 @@
+// Lays results out, as lines of JSON or as tables.
 #include "Output.h"
 
 #include <fmt/format.h>

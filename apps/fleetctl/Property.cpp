@@ -1,3 +1,4 @@
+// The table of names, with the library function behind each of them.
 #include "Property.h"
 
 #include <fleetkit/FleetKit.h>

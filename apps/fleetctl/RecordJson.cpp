@@ -1,3 +1,4 @@
+// Walks records and JSON side by side.
 #include "RecordJson.h"
 
 #include <array>

@@ -1,3 +1,4 @@
+// Copies field by field between structures and records.
 #include "StructRecords.h"
 
 #include <cstring>

@@ -1,3 +1,4 @@
+// Descriptors, signals and the echo of the terminal.
 #include "Terminal.h"
 
 #include <fcntl.h>

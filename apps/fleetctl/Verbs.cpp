@@ -1,3 +1,4 @@
+// What happens between the command line and the output: checks, login, calls, results.
 #include "Verbs.h"
 
 #include <fleetkit/FleetKit.h>

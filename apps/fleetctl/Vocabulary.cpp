@@ -1,3 +1,4 @@
+// Reads the descriptors of records and the catalogue of commands.
 #include "Vocabulary.h"
 
 #include <fleetkit/protocol/CommandCatalogue.h>
