@@ -41,8 +41,8 @@ The "code" of a result is the library's, a negative number, or the device's own.
 )";
 
 constexpr const char* Targets =
-    R"(A device is named by HOST:PORT, where PORT is its control port and HOST an IPv4 address, an IPv6
-address in brackets, or a host name:
+    R"(A device is named by HOST:PORT, where PORT is its control port and HOST an IPv4 address,
+an IPv6 address in brackets, or a host name:
 
   192.0.2.7:30001    [2001:db8::7]:30001    camera-7.example.org:30001
 
