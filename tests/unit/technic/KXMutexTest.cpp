@@ -99,9 +99,10 @@ TEST(KXMutexGuard, NamesItsOwnPlaceOnLockAndTheHeadersOnUnlock) {
                   objMutex.getHandle().destroy();
               }),
               failureText(objMutex, 71, "Product/Technic/KXMutex"));
+    // Outside of the macro, whose lines the compilers count differently.
     const int nLine = __LINE__ + 1;
-    EXPECT_EQ(textOfFailure([&] { const KXMutexGuard objGuard(objMutex); }),
-              failureText(objMutex, nLine, "KXMutexTest.cpp"));
+    const auto open = [&] { const KXMutexGuard objGuard(objMutex); };
+    EXPECT_EQ(textOfFailure(open), failureText(objMutex, nLine, "KXMutexTest.cpp"));
 }
 
 TEST(KXMutexGuard, UnlocksWhenAnExceptionPassesThrough) {

@@ -3,6 +3,7 @@
 #include <thread>
 
 #include "CallRecorder.h"
+#include "device/TarnStruct.h"
 
 namespace {
 
@@ -13,8 +14,9 @@ void* g_pUser = nullptr;
 
 }  // namespace
 
-PREVIEW_EXPORT int SDK_Login(std::uint32_t* pLogin, const void* pDevice, int nTimeoutMs) {
-    const int nResult = record("SDK_Login %p %d", pDevice, nTimeoutMs);
+PREVIEW_EXPORT int SDK_Login(std::uint32_t* pLogin, const NS_TARN_STRUCT::tagDeviceInfoEx* pDevice,
+                             int nTimeoutMs) {
+    const int nResult = record("SDK_Login %p %d", static_cast<const void*>(pDevice), nTimeoutMs);
     if (nResult == 0) {
         *pLogin = 21;
     }
