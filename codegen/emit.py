@@ -302,6 +302,21 @@ def command_table(schema):
             "const std::size_t commandTableSize = sizeof(commandTable) / sizeof(commandTable[0]);\n")
 
 
+def carried_list(carried):
+    names = [quoted(("list " if one.is_list else "") + one.type) for one in carried]
+    return "{" + ", ".join(names) + "}"
+
+
+def command_records(schema):
+    rows = "".join(f"        {{{c.request}, {carried_list(c.carries)}, "
+                   f"{carried_list(c.answers)}}},\n"
+                   for c in schema.commands if c.carries or c.answers)
+    return (generated_by("commands.schema") + '#include "protocol/CommandCatalogue.h"\n\n'
+            "const std::vector<CommandRecords>& commandRecords() {\n"
+            f"    static const std::vector<CommandRecords> rows = {{\n{rows}    }};\n"
+            "    return rows;\n}\n")
+
+
 def mapper_header(schema, family, records):
     names = [r.name for r in records if not r.is_element]
     headers = ["domain/BaseDomain.h" if "by-hand" in r.flags else header_of(r)
@@ -357,5 +372,6 @@ def emit_all(schema, out):
     write_if_changed(out / "domain/DomainTables.cpp", domain_tables(schema))
     write_if_changed(out / "domainxml/OddMappers.cpp", odd_mappers(schema))
     write_if_changed(out / "protocol/CommandTable.cpp", command_table(schema))
+    write_if_changed(out / "protocol/CommandRecords.cpp", command_records(schema))
     write_if_changed(out / "exported-records.txt",
                      "".join(header_of(schema.records[name]) + "\n" for name in sorted(exported)))

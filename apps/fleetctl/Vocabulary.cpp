@@ -49,6 +49,21 @@ bool nests(const RecordDescriptor& outer, const RecordDescriptor& inner) {
     });
 }
 
+// The commands with this record, or a list of it, among those records of their bodies.
+Json commandsWith(const RecordDescriptor& record,
+                  std::vector<std::string> CommandRecords::*bodies) {
+    Json commands = Json::array();
+    for (const CommandRecords& row : commandRecords()) {
+        const std::vector<std::string>& vecNames = row.*bodies;
+        if (std::any_of(vecNames.begin(), vecNames.end(), [&](const std::string& strName) {
+                return strName == record.szClass || strName == "list " + text(record.szClass);
+            })) {
+            commands.push_back(std::to_string(row.nRequestId));
+        }
+    }
+    return commands;
+}
+
 Json describe(const RecordDescriptor& record) {
     Json fields = Json::array();
     for (const FieldDescriptor& field : record) {
@@ -71,7 +86,9 @@ Json describe(const RecordDescriptor& record) {
             {"entry", text(record.szEntry)},
             {"base", record.base != nullptr ? record.base().szClass : ""},
             {"fields", fields},
-            {"nestedIn", nestedIn}};
+            {"nestedIn", nestedIn},
+            {"carriedBy", commandsWith(record, &CommandRecords::vecCarries)},
+            {"answers", commandsWith(record, &CommandRecords::vecAnswers)}};
 }
 
 std::string joined(const Json& names) {
@@ -90,8 +107,12 @@ std::string formatRecord(const Json& record) {
             vecFacts.push_back({szFact, fact.is_string() ? fact.get<std::string>() : fact.dump()});
         }
     }
-    if (!record.at("nestedIn").empty()) {
-        vecFacts.push_back({"nested in", joined(record.at("nestedIn"))});
+    const std::pair<const char*, const char*> lists[] = {
+        {"nestedIn", "nested in"}, {"carriedBy", "carried by"}, {"answers", "answers"}};
+    for (const auto& [szList, szTitle] : lists) {
+        if (!record.at(szList).empty()) {
+            vecFacts.push_back({szTitle, joined(record.at(szList))});
+        }
     }
     std::vector<std::vector<std::string>> vecFields = {{"FIELD", "TYPE", "DEFAULT", "IF ABSENT"}};
     for (const Json& field : record.at("fields")) {
@@ -113,16 +134,25 @@ bool isNamed(const RecordDescriptor& record, const std::string& strName) {
 constexpr std::array<const char*, 5> OperationNames = {"", "write", "read", "other", "action"};
 
 Json describe(const CommandDescriptor& command) {
-    return {{"command", command.nRequestId},
-            {"reply", command.nResponseId},
-            {"group", command.nParamGroup},
-            {"operation", OperationNames.at(command.nOperation)}};
+    Json json = {{"command", command.nRequestId},
+                 {"reply", command.nResponseId},
+                 {"group", command.nParamGroup},
+                 {"operation", OperationNames.at(command.nOperation)}};
+    for (const CommandRecords& row : commandRecords()) {
+        if (row.nRequestId == command.nRequestId) {
+            json["carries"] = row.vecCarries;
+            json["answers"] = row.vecAnswers;
+        }
+    }
+    return json;
 }
 
 std::string formatCommand(const Json& command) {
     std::vector<std::vector<std::string>> vecFacts;
     for (const auto& [strFact, fact] : command.items()) {
-        vecFacts.push_back({strFact, fact.is_string() ? fact.get<std::string>() : fact.dump()});
+        vecFacts.push_back({strFact, fact.is_array()    ? joined(fact)
+                                     : fact.is_string() ? fact.get<std::string>()
+                                                        : fact.dump()});
     }
     return formatTable(vecFacts, 0);
 }

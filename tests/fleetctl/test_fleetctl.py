@@ -256,6 +256,9 @@ class FleetctlTest(unittest.TestCase):
         self.assertIn("OSDGlobalParam", nested["nestedIn"])
         command, = self.results("vocabulary", "32712", "-o", "json")
         self.assertEqual((command["command"], command["reply"]), (32712, 32713))
+        self.assertEqual((command["carries"], command["answers"]), (["ChannelId"], ["NTPParam"]))
+        record, = self.results("vocabulary", "NTPParam", "-o", "json")
+        self.assertEqual((record["carriedBy"], record["answers"]), (["32714"], ["32712"]))
         self.assertIn(b"NTPPort", fleetctl("vocabulary", "NTPParam").stdout)
 
     def on_terminal(self, answers, *arguments):
