@@ -10,6 +10,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "domain/BaseDomain.h"
@@ -63,12 +64,18 @@ struct TypeAccess {
     void (*listReset)(void* pList, std::size_t nSize) = nullptr;
     void (*listSwap)(void* pList, void* pOther) = nullptr;
     // Records only: a new default record, and what takes over the content of one.
-    std::unique_ptr<BaseDomain> (*make)() = nullptr;
+    BaseDomain* (*create)() = nullptr;
     void (*moveInto)(void* pTarget, BaseDomain& source) = nullptr;
     // Records only: a new list container of the type, and the vector inside of one.
-    std::unique_ptr<DomainContainer> (*makeContainer)() = nullptr;
+    DomainContainer* (*createContainer)() = nullptr;
     void* (*containerList)(DomainContainer& container) = nullptr;
 
+    // What the table creates is owned from here on; a smart pointer for each type would double the
+    // time that the tables take to compile.
+    std::unique_ptr<BaseDomain> make() const { return std::unique_ptr<BaseDomain>(create()); }
+    std::unique_ptr<DomainContainer> makeContainer() const {
+        return std::unique_ptr<DomainContainer>(createContainer());
+    }
     void* listElement(void* pList, std::size_t nIndex) const {
         return const_cast<void*>(listAt(pList, nIndex));
     }
@@ -143,35 +150,46 @@ FLEETKIT_EXPORT bool equalRecords(const RecordDescriptor& descriptor, const void
 
 // The operations of one type, for the generated tables.
 template <class T>
+struct AccessTo {
+    using List = std::vector<T>;
+    using Container = DomainVectorContainer<T>;
+
+    static List& listOf(void* pList) noexcept { return *static_cast<List*>(pList); }
+
+    static std::size_t listSize(const void* pList) {
+        return static_cast<const List*>(pList)->size();
+    }
+    static const void* listAt(const void* pList, std::size_t nIndex) {
+        return &(*static_cast<const List*>(pList))[nIndex];
+    }
+    static void listReset(void* pList, std::size_t nSize) { List(nSize).swap(listOf(pList)); }
+    static void listSwap(void* pList, void* pOther) { listOf(pList).swap(listOf(pOther)); }
+    static BaseDomain* create() { return new T; }
+    static void moveInto(void* pTarget, BaseDomain& source) {
+        *static_cast<T*>(pTarget) = std::move(static_cast<T&>(source));
+    }
+    static DomainContainer* createContainer() { return new Container; }
+    static void* containerList(DomainContainer& container) {
+        return &static_cast<Container&>(container).getElements();
+    }
+};
+
+template <class T>
 constexpr TypeAccess elementAccess() {
     TypeAccess access;
-    access.listSize = [](const void* pList) {
-        return static_cast<const std::vector<T>*>(pList)->size();
-    };
-    access.listAt = [](const void* pList, std::size_t nIndex) -> const void* {
-        return &(*static_cast<const std::vector<T>*>(pList))[nIndex];
-    };
-    access.listReset = [](void* pList, std::size_t nSize) {
-        *static_cast<std::vector<T>*>(pList) = std::vector<T>(nSize);
-    };
-    access.listSwap = [](void* pList, void* pOther) {
-        static_cast<std::vector<T>*>(pList)->swap(*static_cast<std::vector<T>*>(pOther));
-    };
+    access.listSize = AccessTo<T>::listSize;
+    access.listAt = AccessTo<T>::listAt;
+    access.listReset = AccessTo<T>::listReset;
+    access.listSwap = AccessTo<T>::listSwap;
     return access;
 }
 
 template <class T>
 constexpr TypeAccess recordAccess() {
     TypeAccess access = elementAccess<T>();
-    access.make = []() -> std::unique_ptr<BaseDomain> { return std::make_unique<T>(); };
-    access.moveInto = [](void* pTarget, BaseDomain& source) {
-        *static_cast<T*>(pTarget) = std::move(static_cast<T&>(source));
-    };
-    access.makeContainer = []() -> std::unique_ptr<DomainContainer> {
-        return std::make_unique<DomainVectorContainer<T>>();
-    };
-    access.containerList = [](DomainContainer& container) -> void* {
-        return &static_cast<DomainVectorContainer<T>&>(container).getElements();
-    };
+    access.create = AccessTo<T>::create;
+    access.moveInto = AccessTo<T>::moveInto;
+    access.createContainer = AccessTo<T>::createContainer;
+    access.containerList = AccessTo<T>::containerList;
     return access;
 }
