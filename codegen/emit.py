@@ -3,6 +3,9 @@
 import re
 from pathlib import Path
 
+from schema import capital
+from vocabulary import entries_source
+
 MEMBER_LETTERS = {
     "bool": "b", "int": "n", "u16": "n", "float": "f", "double": "d", "string": "str",
     "record": "obj", "element": "obj", "list": "vec", "each": "vec", "values": "vec",
@@ -24,24 +27,11 @@ FLAGS = {
 }
 
 
+GENERATED = "// Generated from schema/"
+
+
 def generated_by(source):
-    return f"// Generated from schema/{source} by codegen/fleetkit_codegen.py; not to be edited.\n"
-
-
-def write_if_changed(path, text):
-    """An unchanged output keeps its time, so that nothing is built again."""
-    if path.exists() and path.read_text(encoding="utf-8") == text:
-        return
-    path.parent.mkdir(parents=True, exist_ok=True)
-    path.write_text(text, encoding="utf-8")
-
-
-def header_of(record):
-    return f"{record.home}/{record.name}.h"
-
-
-def capital(name):
-    return name[0].upper() + name[1:]
+    return f"{GENERATED}{source} by codegen/fleetkit_codegen.py; not to be edited.\n"
 
 
 def member_of(field):
@@ -63,10 +53,6 @@ def is_plain(field):
     return field.kind in CPP_SCALARS and field.kind != "string"
 
 
-def own_members(record):
-    return [field for field in record.fields if "read-only" not in field.flags]
-
-
 def default_of(field):
     if not field.default:
         return {"bool": " = false", "int": " = 0", "u16": " = 0", "float": " = 0",
@@ -81,7 +67,7 @@ def default_of(field):
 # Record classes
 
 def includes_of(schema, record):
-    members = own_members(record)
+    members = record.members
     types = [cpp_type(field) for field in members]
     system = []
     if any("std::optional" in text for text in types):
@@ -92,9 +78,9 @@ def includes_of(schema, record):
         system.append("utility")
     if any("std::vector" in text for text in types):
         system.append("vector")
-    rooms = {header_of(schema.records[f.type]) for f in members if f.type in schema.records}
+    rooms = {schema.records[f.type].header for f in members if f.type in schema.records}
     if record.base:
-        rooms.add(header_of(schema.records[record.base]))
+        rooms.add(schema.records[record.base].header)
     elif not record.is_element:
         rooms.add("domain/BaseDomain.h")
     rooms.add("domain/RecordDescriptor.h")
@@ -123,10 +109,10 @@ def wrapped_comment(text):
 
 
 def record_header(schema, record, exported):
-    name, members = record.name, own_members(record)
+    name, members = record.name, record.members
     export = "FLEETKIT_EXPORT " if record.name in exported else ""
     out = [generated_by(record.family + ".schema"), "#pragma once\n\n",
-           includes_of(schema, record), "\n", wrapped_comment(capital(record.comment + " "))
+           includes_of(schema, record), "\n", wrapped_comment(capital(record.comment))
            if record.comment else ""]
     if record.is_element:
         out.append(f"class {export}{name} final {{\npublic:\n")
@@ -183,7 +169,7 @@ def words_of(field, record, text):
 
 
 def field_row(schema, record, field):
-    by_name = {other.name: other for other in own_members(record)}
+    by_name = {other.name: other for other in record.members}
     own = by_name[field.name]
     row = [f".szTag = {quoted(field.name)}", f".nKind = FieldKind::{field_kind(field)}"]
     if field.presence:
@@ -242,7 +228,7 @@ def descriptor_of(schema, record, domain):
 
 
 def family_source(schema, family, records, domains):
-    headers = sorted({header_of(record) for record in records if "by-hand" not in record.flags})
+    headers = sorted({record.header for record in records if "by-hand" not in record.flags})
     out = [generated_by(family + ".schema"), "#include <cstddef>\n#include <utility>\n\n",
            "".join(f'#include "{name}"\n' for name in headers),
            '#include "domain/RecordDescriptor.h"\n\n',
@@ -259,7 +245,7 @@ def family_source(schema, family, records, domains):
 # Tables
 
 def include_all(schema):
-    headers = sorted(header_of(r) for r in schema.records.values() if "by-hand" not in r.flags)
+    headers = sorted(r.header for r in schema.records.values() if "by-hand" not in r.flags)
     return "".join(f'#include "{name}"\n' for name in headers)
 
 
@@ -302,24 +288,9 @@ def command_table(schema):
             "const std::size_t commandTableSize = sizeof(commandTable) / sizeof(commandTable[0]);\n")
 
 
-def carried_list(carried):
-    names = [quoted(("list " if one.is_list else "") + one.type) for one in carried]
-    return "{" + ", ".join(names) + "}"
-
-
-def command_records(schema):
-    rows = "".join(f"        {{{c.request}, {carried_list(c.carries)}, "
-                   f"{carried_list(c.answers)}}},\n"
-                   for c in schema.commands if c.carries or c.answers)
-    return (generated_by("commands.schema") + '#include "protocol/CommandCatalogue.h"\n\n'
-            "const std::vector<CommandRecords>& commandRecords() {\n"
-            f"    static const std::vector<CommandRecords> rows = {{\n{rows}    }};\n"
-            "    return rows;\n}\n")
-
-
 def mapper_header(schema, family, records):
     names = [r.name for r in records if not r.is_element]
-    headers = ["domain/BaseDomain.h" if "by-hand" in r.flags else header_of(r)
+    headers = ["domain/BaseDomain.h" if "by-hand" in r.flags else r.header
                for r in records if not r.is_element]
     return (generated_by(family + ".schema") + "#pragma once\n\n"
             + "".join(f'#include "{name}"\n' for name in sorted(headers))
@@ -342,36 +313,40 @@ def odd_mappers(schema):
             "            return &row.mapper;\n        }\n    }\n    return nullptr;\n}\n")
 
 
-def exported_closure(schema):
-    """The exported classes: those named, and what they hold."""
-    names, waiting = set(), [name for name, _ in schema.exported]
-    while waiting:
-        name = waiting.pop()
-        if name not in names and name in schema.records:
-            names.add(name)
-            record = schema.records[name]
-            waiting += [field.type for field in record.fields] + [record.base]
-    return names
-
-
-def emit_all(schema, out):
-    out = Path(out)
+def files_of(schema):
+    """The generated files by their paths."""
     domains = {domain.class_name: domain for domain in schema.domains}
-    exported = exported_closure(schema)
-    families = {}
+    exported = schema.exported_closure()
+    files, families = {}, {}
     for record in schema.records.values():
         families.setdefault(record.family, []).append(record)
         if "by-hand" not in record.flags:
-            write_if_changed(out / header_of(record), record_header(schema, record, exported))
+            files[record.header] = record_header(schema, record, exported)
     for family, records in families.items():
         title = capital(family)
-        write_if_changed(out / f"domain/{title}Records.cpp",
-                         family_source(schema, family, records, domains))
-        write_if_changed(out / f"domainxml/{title}RecordsXml.h",
-                         mapper_header(schema, family, records))
-    write_if_changed(out / "domain/DomainTables.cpp", domain_tables(schema))
-    write_if_changed(out / "domainxml/OddMappers.cpp", odd_mappers(schema))
-    write_if_changed(out / "protocol/CommandTable.cpp", command_table(schema))
-    write_if_changed(out / "protocol/CommandRecords.cpp", command_records(schema))
-    write_if_changed(out / "exported-records.txt",
-                     "".join(header_of(schema.records[name]) + "\n" for name in sorted(exported)))
+        files[f"domain/{title}Records.cpp"] = family_source(schema, family, records, domains)
+        files[f"domainxml/{title}RecordsXml.h"] = mapper_header(schema, family, records)
+    files["domain/DomainTables.cpp"] = domain_tables(schema)
+    files["domainxml/OddMappers.cpp"] = odd_mappers(schema)
+    files["protocol/CommandTable.cpp"] = command_table(schema)
+    files["fleetctl/VocabularyEntries.cpp"] = generated_by("*.schema") + entries_source(schema)
+    files["exported-records.txt"] = "".join(schema.records[name].header + "\n"
+                                            for name in sorted(exported))
+    return files
+
+
+def read_text(path):
+    return path.read_text(encoding="utf-8") if path.exists() else ""
+
+
+def emit_all(schema, out):
+    """Writes what changed, so that nothing else is built again, and removes what is no more."""
+    out, files = Path(out), files_of(schema)
+    for name, text in files.items():
+        path = out / name
+        if read_text(path) != text:
+            path.parent.mkdir(parents=True, exist_ok=True)
+            path.write_text(text, encoding="utf-8")
+    for path in out.rglob("*.*"):
+        if path.relative_to(out).as_posix() not in files and read_text(path).startswith(GENERATED):
+            path.unlink()

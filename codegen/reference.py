@@ -12,145 +12,53 @@ from html import escape
 from pathlib import Path
 
 from check import check_schema
-from emit import capital, exported_closure, header_of, own_members
-from example import entry_tag, example_of
-from schema import ACKNOWLEDGEMENT, OPERATIONS, SchemaError, read_schema
+from example import example_of
+from schema import ACKNOWLEDGEMENT, SchemaError, capital, read_schema
+from vocabulary import ACKNOWLEDGING_RECORD, MARK, Vocabulary
 
 HERE = Path(__file__).resolve().parent
-TYPE_NAMES = {"u16": "unsigned short"}
-ZERO = {"bool": "false", "string": "empty", "joined": "empty"}
-OPERATION_NAMES = {number: name for name, number in OPERATIONS.items()}
+# Facts of a command, a column each.
+COMMAND_COLUMNS = {"command": "Request", "reply": "Reply", "group": "Group",
+                   "operation": "Operation", "carries": "Request carries",
+                   "answers": "Reply carries", "sameGroup": "Same group", "usedBy": "Used by"}
 
 
-# What a reader of the pages is told about a field
-
-def node_name(tag):
-    """The tag as the lines about missing lists spell it: PTZOpenList is PTZ_OPEN_LIST."""
-    return re.sub(r"(?<=[a-z0-9])(?=[A-Z])|(?<=.)(?=[A-Z][a-z])", "_", tag).upper()
-
-
-def printed(record, field):
-    """The lines that are printed when the field is absent."""
-    mapper = record.name + "Xml"
-    if field.kind in ("list", "values"):
-        if "bare" in field.flags:
-            return []
-        return [field.absent or f"getConfigNode NODE_{node_name(field.name)} failed\\n",
-                field.bad or f"parseDomainXmlNode obj{field.name} failed\\n"]
-    if field.presence in ("logged", "required") and field.kind != "record":
-        standard = f"{mapper}::parseDomainXmlNode get {field.name} failed \\n"
-        return [(field.absent or standard).replace("{mapper}", mapper)]
-    return [field.absent.replace("{mapper}", mapper)] if field.absent else []
-
-
-def absence(schema, field):
-    """What happens to the field when it is absent, in plain words."""
-    if field.presence == "required":
-        return "the record is refused"
-    if "write-only" in field.flags:
-        return "stays as it was, in any case"
-    if field.kind in ("list", "values", "each"):
-        return "becomes empty"
-    if field.kind == "element":
-        has_words = field.absent or schema.records[field.type].absent
-        return "its fields take their fallbacks" if has_words else "its fields count as absent"
-    if field.presence in ("kept", "logged") or field.kind in ("record", "block"):
-        return "stays as it was"
-    if field.presence == "falls":
-        return f"becomes {field.fallback}"
-    return f"becomes {ZERO.get(field.kind, '0')}"
-
-
-def notes(field):
-    """What else is to be known of the field."""
-    result = [capital(field.comment)] if field.comment else []
-    if "write-only" in field.flags:
-        result.append("Written, never read.")
-    if "read-only" in field.flags:
-        result.append("Read once more, for the field of this name; not written again.")
-    if field.read_into:
-        result.append(f"What is read goes to {field.read_into}.")
-    if "read-as-float" in field.flags:
-        result.append("Read with a fraction, which is cut off.")
-    if "omit-empty" in field.flags:
-        result.append("Not written while empty.")
-    if "bare" in field.flags:
-        result.append("The values stand on the record's own element.")
-    if field.unread:
-        result.append(f"Its {field.unread} is not read.")
-    if field.unwritten:
-        result.append(f"Printed when it cannot be written: {field.unwritten}")
-    return result
+def title_of_fact(key):
+    """nestedIn is Nested in."""
+    return capital(re.sub("[A-Z]", lambda letter: " " + letter[0].lower(), key))
 
 
 class Reference:
-    """The pages, and who points to whom."""
+    """The pages."""
 
     def __init__(self, schema):
         self.schema = schema
-        self.domains = {domain.class_name: domain for domain in schema.domains}
-        self.exported = exported_closure(schema)
-        self.first_of_name = {}
-        self.nested_in, self.derived, self.carried_by = {}, {}, {}
-        for domain in schema.domains:
-            self.first_of_name.setdefault(domain.name, domain.class_name)
-        for record in schema.records.values():
-            if record.base:
-                self.derived.setdefault(record.base, []).append(record.name)
-            for field in own_members(record):
-                if field.type in schema.records:
-                    self.nested_in.setdefault(field.type, []).append((record.name, field.name))
-        for command in schema.commands:
-            for carried in command.carries:
-                self.note_command(carried, f"request {command.request}", command.request)
-            for carried in command.answers:
-                self.note_command(carried, f"reply to {command.request}", command.request)
-
-    def note_command(self, carried, role, request):
-        role += " (a list)" if carried.is_list else ""
-        self.carried_by.setdefault(carried.type, []).append((role, request))
+        self.vocabulary = Vocabulary(schema)
 
     # Small pieces
 
     def link(self, name):
-        record = self.schema.records[name]
-        return f'<a href="{record.family}.html#{name}">{name}</a>'
+        if name.isdigit():
+            return f'<a href="commands.html#c{name}">{name}</a>'
+        return f'<a href="{self.schema.records[name].family}.html#{name}">{name}</a>'
 
-    def type_of(self, field):
-        kind = TYPE_NAMES.get(field.kind, field.kind)
-        target = self.link(field.type) if field.type in self.schema.records else field.type
-        if field.kind == "list":
-            tag = entry_tag(self.schema.records[field.type])
-            return f"list of {target}, one <code>{tag}</code> each"
-        if field.kind == "values":
-            return f"list of {target}, one <code>{field.item}</code> each"
-        if field.kind == "each":
-            inside = f" inside one <code>{field.item}</code>" if field.item else ""
-            return f"repeated {target}{inside}"
-        if field.kind == "joined":
-            return (f"list of {target}, each as <code>{escape(field.pattern)}</code>, "
-                    f"joined by <code>{escape(field.separator)}</code>")
-        if field.kind == "block":
-            return f"bytes in base64, {field.length} of them"
-        return target if field.kind in ("record", "element") else kind
+    def markup(self, fact):
+        """A fact as the pages show it."""
+        if isinstance(fact, list):
+            return ", ".join(self.markup(one) for one in fact)
+        return MARK.sub(lambda mark: self.link(mark[2]) if mark[2] else f"<code>{mark[1]}</code>",
+                        escape(str(fact), quote=False))
 
-    def field_row(self, record, field, inherited):
-        lines = printed(record, field)
-        if field.kind == "element" and not lines and self.schema.records[field.type].absent:
-            lines = [self.schema.records[field.type].absent]
-        words = "".join(f"<code>{escape(line)}</code>" for line in lines)
-        extra = "".join(f'<span class="note">{escape(note)}</span>' for note in notes(field))
-        mark = ' class="inherited"' if inherited else ""
-        return (f"<tr{mark}><td><code>{field.name}</code>{extra}</td><td>{self.type_of(field)}</td>"
-                f"<td>{escape(field.default)}</td><td>{absence(self.schema, field)}</td>"
-                f'<td class="words">{words}</td></tr>\n')
+    def field_row(self, field):
+        words = "".join(f"<code>{escape(line)}</code>" for line in field["printed"])
+        extra = "".join(f'<span class="note">{escape(note)}</span>' for note in field["notes"])
+        mark = ' class="inherited"' if field["inheritedFrom"] else ""
+        return (f"<tr{mark}><td><code>{field['name']}</code>{extra}</td>"
+                f"<td>{self.markup(field['type'])}</td><td>{escape(field['default'])}</td>"
+                f"<td>{escape(field['absent'])}</td><td class=\"words\">{words}</td></tr>\n")
 
     def field_table(self, record):
-        rows, owner = [], record
-        if record.base:
-            owner = self.schema.records[record.base]
-            rows += [self.field_row(owner, field, True) for field in owner.fields]
-        rows += [self.field_row(record, field, False) for field in record.fields]
+        rows = [self.field_row(field) for field in self.vocabulary.fields(record)]
         if not rows:
             return "<p>It has no fields.</p>\n"
         return ('<div class="scroll"><table><thead><tr><th>Field</th><th>Type</th><th>Default</th>'
@@ -160,66 +68,17 @@ class Reference:
     # Records
 
     def facts(self, record):
-        name, domain = record.name, self.domains.get(record.name)
-        rows = []
-        if not record.is_element:
-            rows.append(("Id", str(record.id) if record.has_id else "none"))
-            rows.append(("Element", self.element_fact(domain)))
-            if domain:
-                rows.append(("List", self.list_fact(domain)))
-            rows.append(("Entry of a list", f"<code>{entry_tag(record)}</code>"))
-            rows.append(("C++", self.header_fact(record)))
-        if record.base:
-            rows.append(("Begins as", self.link(record.base)))
-        if name in self.derived:
-            rows.append(("Begins", ", ".join(self.link(other) for other in self.derived[name])))
-        if name in self.nested_in:
-            rows.append(("Nested in", ", ".join(
-                f"{self.link(outer)}.{field}" for outer, field in self.nested_in[name])))
-        if name in self.carried_by:
-            rows.append(("Commands", ", ".join(
-                f'<a href="commands.html#c{request}">{role}</a>'
-                for role, request in self.carried_by[name])))
-        if "logs" in record.flags:
-            rows.append(("Lines", "through the log, at level 1"))
-        if "odd" in record.flags:
-            rows.append(("Mapper", "written by hand; it also traces what it reads and writes"))
-        if not rows:
-            return ""
-        items = "".join(f"<dt>{key}</dt><dd>{value}</dd>\n" for key, value in rows)
-        return f"<dl>\n{items}</dl>\n"
-
-    def element_fact(self, domain):
-        if not domain:
-            return "only inside other records, by the field's name"
-        winner = self.first_of_name[domain.name]
-        if winner == domain.class_name:
-            return f"<code>{domain.name}</code>"
-        return f"<code>{domain.name}</code>; what is received by this name is a {self.link(winner)}"
-
-    @staticmethod
-    def list_fact(domain):
-        written = f"<code>{domain.name}List</code>"
-        if not domain.list_name:
-            return f"{written} when written; a received one is not recognised"
-        if domain.list_name == domain.name + "List":
-            return written
-        return f"{written} when written, <code>{domain.list_name}</code> when received"
-
-    def header_fact(self, record):
-        if record.name in self.exported:
-            return f"<code>&lt;fleetkit/{header_of(record)}&gt;</code>"
-        return "not in the public headers"
+        items = "".join(f"<dt>{title_of_fact(key)}</dt><dd>{self.markup(fact)}</dd>\n"
+                        for key, fact in self.vocabulary.facts(record).items())
+        return f"<dl>\n{items}</dl>\n" if items else ""
 
     def article(self, record):
-        domain = self.domains.get(record.name)
-        tag = domain.name if domain else record.name
         kind = "element" if record.is_element else "record"
         comment = f"<p>{escape(capital(record.comment))}</p>\n" if record.comment else ""
         absent = ""
         if record.absent:
             absent = f"<p>When it is absent: <code>{escape(record.absent)}</code></p>\n"
-        example = escape(example_of(self.schema, record, tag), quote=False)
+        example = escape(self.vocabulary.example(record), quote=False)
         return (f'<article id="{record.name}">\n<h2><a href="#{record.name}">{record.name}</a> '
                 f'<span class="kind">{kind}</span></h2>\n{comment}{self.facts(record)}{absent}'
                 f"{self.field_table(record)}"
@@ -238,38 +97,26 @@ class Reference:
 
     # Commands
 
-    def carried_cell(self, items):
-        return ", ".join(("list of " if item.is_list else "") + self.link(item.type)
-                         for item in items)
-
     def command_rows(self):
-        siblings, seen = {}, set()
-        for command in self.schema.commands:
-            siblings.setdefault(command.group, {}).setdefault(command.request, None)
+        seen = set()
         for command in self.schema.commands:
             anchor = "" if command.request in seen else f' id="c{command.request}"'
             seen.add(command.request)
-            acknowledged = command.response == ACKNOWLEDGEMENT
-            answers = [self.link("EtResult")] if acknowledged or command.answers else []
-            answers += [self.carried_cell(command.answers)] if command.answers else []
-            others = ", ".join(f'<a href="#c{other}">{other}</a>'
-                               for other in siblings[command.group] if other != command.request)
-            yield (f"<tr{anchor}><td>{command.request}</td><td>{command.response}</td>"
-                   f"<td>{command.group}</td><td>{OPERATION_NAMES[command.operation]}</td>"
-                   f"<td>{self.carried_cell(command.carries)}</td><td>{', '.join(answers)}</td>"
-                   f"<td>{others}</td><td>{escape(command.comment)}</td></tr>\n")
+            facts = self.vocabulary.command_facts(command)
+            cells = "".join(f"<td>{self.markup(facts[key])}</td>" for key in COMMAND_COLUMNS)
+            yield f"<tr{anchor}>{cells}</tr>\n"
 
     def commands_page(self):
+        titles = "".join(f"<th>{title}</th>" for title in COMMAND_COLUMNS.values())
         return page("Commands", f"""<h1>Commands</h1>
 <p class="lead">The {len(self.schema.commands)} commands of the catalogue, in its order: a look-up
 takes the first line that matches.</p>
 <p>A command answers with the id under Reply. {ACKNOWLEDGEMENT} is the plain acknowledgement, which
-carries a {self.link("EtResult")} and nothing else. Commands of one group work on one parameter.
+carries a {self.link(ACKNOWLEDGING_RECORD)} and nothing else. Commands of one group work on one parameter.
 "other" is a third operation on it, such as reading its default. The records are told where they are
-known; a reply holds a {self.link("EtResult")} in front of them. The last column names the
+known; a reply holds a {self.link(ACKNOWLEDGING_RECORD)} in front of them. The last column names the
 functions of the library that send the command.</p>
-<div class="scroll"><table><thead><tr><th>Request</th><th>Reply</th><th>Group</th><th>Operation</th>
-<th>Request carries</th><th>Reply carries</th><th>Same group</th><th>Used by</th></tr></thead>
+<div class="scroll"><table><thead><tr>{titles}</tr></thead>
 <tbody>
 {"".join(self.command_rows())}</tbody></table></div>
 """)
@@ -296,14 +143,15 @@ functions of the library that send the command.</p>
     def search_index(self):
         entries = []
         for record in self.schema.records.values():
-            domain = self.domains.get(record.name)
+            domain = self.vocabulary.domains.get(record.name)
             words = [domain.name, domain.list_name] if domain else []
             words += [field.name for field in record.fields]
             kind = "element" if record.is_element else f"record {record.id}"
             entries.append([record.name, kind, f"{record.family}.html#{record.name}",
                             " ".join(dict.fromkeys(words))])
         for command in self.schema.commands:
-            kind = f"command, {OPERATION_NAMES[command.operation]}"
+            operation = self.vocabulary.command_facts(command)["operation"]
+            kind = f"command, {operation}"
             reply = "" if command.response == ACKNOWLEDGEMENT else str(command.response)
             entries.append([str(command.request), kind, f"commands.html#c{command.request}",
                             f"{reply} {command.comment}".strip()])
@@ -364,8 +212,10 @@ written in the order of the table, all of them, and read by name, in any order. 
 elements that are not in the table are passed over.</p>
 <ul>
 <li><b>Element</b> is the tag at the top of a command's body; <b>List</b> the tag of a list there.
-<b>Entry of a list</b> is the tag of each entry as it is written; whoever reads a list takes every
+<b>List entry</b> is the tag of each entry as it is written; whoever reads a list takes every
 child for an entry.</li>
+<li><b>Carried by</b> names the commands whose request holds the record, <b>Answers</b> those whose
+reply does, where that is known.</li>
 <li><b>Default</b> is what a new record holds, if that is not 0, false or empty.</li>
 <li><b>When absent</b> tells what reading does with a field that is not there. "Becomes 0" holds
 even if the record had another value before; "stays as it was" keeps that value, in a new record the

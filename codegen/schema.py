@@ -13,6 +13,10 @@ OPERATIONS = {"write": 1, "read": 2, "other": 3, "action": 4}
 ACKNOWLEDGEMENT = 10000
 
 
+def capital(text):
+    return text[:1].upper() + text[1:]
+
+
 class SchemaError(Exception):
     """A line that is refused."""
 
@@ -58,6 +62,15 @@ class Record:
     fields: list = field(default_factory=list)
     comment: str = ""
 
+    @property
+    def header(self):
+        return f"{self.home}/{self.name}.h"
+
+    @property
+    def members(self):
+        """The fields that the class holds."""
+        return [one for one in self.fields if "read-only" not in one.flags]
+
 
 @dataclass
 class Domain:
@@ -94,6 +107,17 @@ class Schema:
     domains: list = field(default_factory=list)
     commands: list = field(default_factory=list)
     exported: list = field(default_factory=list)  # (class name, place)
+
+    def exported_closure(self):
+        """The exported classes: those named, and what they hold."""
+        names, waiting = set(), [name for name, _ in self.exported]
+        while waiting:
+            name = waiting.pop()
+            if name not in names and name in self.records:
+                names.add(name)
+                record = self.records[name]
+                waiting += [field.type for field in record.fields] + [record.base]
+        return names
 
 
 TOKEN = re.compile(r'\s*(?:"((?:[^"\\]|\\.)*)"|([^\s"#]+))')

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
 #include <vector>
 
 #include "Product/Technic/Export.h"
@@ -15,19 +14,9 @@ struct CommandDescriptor {
     std::uint32_t nOperation;   // 1 writes, 2 reads, 3 is a third operation, 4 an action
 };
 
-// The records in the bodies of one command, by class; "list NTPParam" is a list of that record.
-struct CommandRecords {
-    std::uint32_t nRequestId;
-    std::vector<std::string> vecCarries;  // in the request, in order
-    std::vector<std::string> vecAnswers;  // in the reply, besides its result code
-};
-
 // All rows, in the order that decides which of two rows with one request id is found. Constant:
 // callable from any thread.
 FLEETKIT_EXPORT const std::vector<CommandDescriptor>& commandCatalogue();
 
 // The first row with this request id, or null.
 FLEETKIT_EXPORT const CommandDescriptor* findCommand(std::uint32_t nRequestId) noexcept;
-
-// The commands whose bodies are known. Constant: callable from any thread.
-FLEETKIT_EXPORT const std::vector<CommandRecords>& commandRecords();

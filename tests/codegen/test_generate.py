@@ -1,6 +1,8 @@
 """What the generator writes for a schema that holds together."""
 
+import json
 import os
+import re
 import shutil
 import subprocess
 import unittest
@@ -38,6 +40,13 @@ command 70 71 7 read
 command 72 ack 7 write
 export DoorParam
 """
+
+
+def entries_of(out):
+    """What fleetctl is given to print, by the names that find it."""
+    text = (out / "fleetctl/VocabularyEntries.cpp").read_text()
+    return {names: json.loads(told) for names, told in
+            re.findall(r'^    \{"([^"]*)",\n     R"json\((.*)\)json"\},$', text, re.M)}
 
 
 class Generate(SchemaCase):
@@ -103,7 +112,34 @@ class Generate(SchemaCase):
         self.write(MADE.replace("Time  double", "Time  int"), "door.schema")
         self.assertEqual(self.generate(), (0, ""))
         changed = {path.name for path in paths if path.stat().st_mtime != 1}
-        self.assertEqual(changed, {"DoorEvent.h", "DoorRecords.cpp"})
+        self.assertEqual(changed, {"DoorEvent.h", "DoorRecords.cpp", "VocabularyEntries.cpp"})
+
+    def test_what_is_no_more_is_removed(self):
+        foreign = self.out / "domain" / "Foreign.h"
+        foreign.write_text("// Of somebody else.\n")
+        self.write("record Bell 1\n", "bell.schema")
+        self.assertEqual(self.generate(), (0, ""))
+        self.assertTrue((self.out / "domain/BellRecords.cpp").exists())
+        (self.schema / "bell.schema").unlink()
+        self.assertEqual(self.generate(), (0, ""))
+        self.assertEqual([path.name for path in self.out.rglob("*Bell*")], [])
+        self.assertTrue(foreign.exists())
+
+    def test_vocabulary_entries(self):
+        entries = entries_of(self.out)
+        keeper = entries["DoorKeeper 7002"]
+        self.assertEqual(keeper, {
+            "record": "DoorKeeper", "family": "door", "id": 7002, "element": "DoorKeeper",
+            "list": "DoorKeeperList when written; a received one is not recognised",
+            "listEntry": "DoorKeeper", "header": "<fleetkit/domain/DoorKeeper.h>",
+            "begins": ["DoorEvent"], "nestedIn": ["DoorParam.Keepers"],
+            "fields": [{"name": "Id", "type": "int", "absent": "stays as it was", "printed":
+                        [r"DoorKeeperXml::parseDomainXmlNode get Id failed \n"]}],
+            "example": '<DoorKeeper Id="1" />\n'})
+        self.assertEqual(entries["DoorEvent Event EventList 7003"]["fields"][0]["inheritedFrom"],
+                         "DoorKeeper")
+        self.assertEqual(entries["70"], {"command": 70, "reply": 71, "group": 7,
+                                         "operation": "read", "sameGroup": ["72"]})
 
     def test_the_result_compiles(self):
         compiler = shutil.which("c++") or self.skipTest("no compiler")

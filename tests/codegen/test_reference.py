@@ -108,8 +108,8 @@ class MadeReference(ReferenceCase):
         door, keeper = facts_of(page, "DoorParam"), facts_of(page, "DoorKeeper")
         self.assertEqual((door["Id"], door["Element"]), ("7001", "DoorParam"))
         self.assertEqual(door["List"], "DoorParamList when written, GateList when received")
-        self.assertEqual(door["Commands"], "reply to 70 (a list) , request 72 (a list)")
-        self.assertEqual(keeper["Entry of a list"], "Keeper")
+        self.assertEqual((door["Carried by"], door["Answers"]), ("72 (a list)", "70 (a list)"))
+        self.assertEqual(keeper["List entry"], "Keeper")
         self.assertEqual(keeper["List"],
                          "DoorKeeperList when written; a received one is not recognised")
         self.assertEqual(keeper["Nested in"], "DoorParam .Keepers")

@@ -253,13 +253,27 @@ class FleetctlTest(unittest.TestCase):
             self.assertEqual([field["name"] for field in record["fields"]],
                              ["NTPEnableFlag", "NTPIp", "NTPPort", "NTPRunTime", "IPProtoVer"])
         nested, = self.results("vocabulary", "RGBColor", "-o", "json")
-        self.assertIn("OSDGlobalParam", nested["nestedIn"])
+        self.assertTrue([place for place in nested["nestedIn"] if "OSDGlobalParam." in place])
         command, = self.results("vocabulary", "32712", "-o", "json")
         self.assertEqual((command["command"], command["reply"]), (32712, 32713))
-        self.assertEqual((command["carries"], command["answers"]), (["ChannelId"], ["NTPParam"]))
+        self.assertEqual((command["carries"], command["answers"]), (["ChannelId"], ["EtResult", "NTPParam"]))
         record, = self.results("vocabulary", "NTPParam", "-o", "json")
         self.assertEqual((record["carriedBy"], record["answers"]), (["32714"], ["32712"]))
-        self.assertIn(b"NTPPort", fleetctl("vocabulary", "NTPParam").stdout)
+        self.assertEqual(record["example"], '<NTPParam NTPEnableFlag="true" NTPIp="text" '
+                         'NTPPort="1" NTPRunTime="1" IPProtoVer="1" />\n')
+        operation, = self.results("vocabulary", "EtPTZOperation", "-o", "json")
+        self.assertEqual(operation["fields"][0], {
+            "name": "CameraId", "type": "int", "default": "1", "absent": "stays as it was",
+            "printed": [r"getProperty get CameraId failed \n"]})
+        text = fleetctl("vocabulary", "EtPTZOperation").stdout.decode()
+        for part in ("carried by  14006", r"getProperty get CameraId failed \n",
+                     '<PTZOperation CameraId="1" PTZId="1" PTZOperation="text" Name="text" />\n'):
+            self.assertIn(part, text)
+
+    def test_vocabulary_lists_the_records(self):
+        records = self.results("vocabulary", "-o", "json")
+        self.assertEqual(sum("id" in record for record in records), 715)
+        self.assertEqual(len(fleetctl("vocabulary").stdout.splitlines()), len(records))
 
     def on_terminal(self, answers, *arguments):
         """Runs with a terminal for standard input and error; answers each question in turn."""
