@@ -7,10 +7,10 @@
 #include <asio/write.hpp>
 #include <exception>
 #include <sstream>
+#include <utility>
 
 #include "protocol/SDKCommandParam.h"
 #include "protocol/SDKCommandParser.h"
-#include "virtual-device/DeviceServer.h"
 
 namespace {
 
@@ -24,39 +24,41 @@ std::string nameOf(const asio::ip::tcp::socket& socket) {
 }  // namespace
 
 DeviceConnection::DeviceConnection(asio::ip::tcp::socket objSocket,
-                                   std::shared_ptr<DeviceServer> pobjServer)
+                                   std::shared_ptr<DeviceCore> pobjCore, Owner objOwner)
     : m_objSocket(std::move(objSocket)),
       m_objDelay(m_objSocket.get_executor()),
-      m_pobjServer(std::move(pobjServer)),
+      m_pobjCore(std::move(pobjCore)),
+      m_objOwner(std::move(objOwner)),
       m_strPeer(nameOf(m_objSocket)) {
     asio::error_code nIgnored;
     m_objSocket.set_option(asio::ip::tcp::no_delay(true), nIgnored);
 }
 
 void DeviceConnection::start() {
-    m_pobjServer->core().log(m_strPeer, "connected");
+    m_pobjCore->log(m_strPeer, "connected");
     readHead();
 }
 
 void DeviceConnection::close() {
-    if (!m_pobjServer) {
+    if (m_bClosed) {
         return;
     }
-    m_pobjServer->core().log(m_strPeer, "closed");
+    m_bClosed = true;
+    m_pobjCore->log(m_strPeer, "closed");
     asio::error_code nIgnored;
     m_objSocket.close(nIgnored);
     m_objDelay.cancel();
     m_nSession = 0;
-    const auto pobjServer = std::move(m_pobjServer);
-    m_pobjServer.reset();
-    pobjServer->forget(shared_from_this());
+    // The owner may be kept alive by what it gave.
+    const Owner objOwner = std::exchange(m_objOwner, {});
+    objOwner.onClosed(shared_from_this());
 }
 
 bool DeviceConnection::isOver(asio::error_code nError) {
     if (nError) {
         close();
     }
-    return !m_pobjServer;
+    return m_bClosed;
 }
 
 void DeviceConnection::readHead() {
@@ -112,16 +114,16 @@ void DeviceConnection::takeRequest() try {
     const bool bDecoded = SDKCommandParser().parseCommand(m_objRequest, objParam);
     m_objRequest.release();
     if (!bDecoded) {
-        deliver(m_pobjServer->core().refuse(m_objHead, m_strPeer));
+        deliver(m_pobjCore->refuse(m_objHead, m_strPeer));
         return;
     }
     const auto& objCommand = static_cast<const SDKCommandParam&>(*objParam);
     const Request objRequest{objCommand.getHead(), objCommand.getDomains()};
-    deliver(m_pobjServer->core().answer(objRequest, m_nSession, m_strPeer));
+    deliver(m_pobjCore->answer(objRequest, m_nSession, m_strPeer));
 } catch (const std::exception& objError) {
     // Records share the process's table of pointers, which others can have filled.
-    if (m_pobjServer) {
-        m_pobjServer->core().log(m_strPeer, objError.what());
+    if (!m_bClosed) {
+        m_pobjCore->log(m_strPeer, objError.what());
     }
     close();
 }
@@ -170,7 +172,8 @@ void DeviceConnection::send() {
 
 void DeviceConnection::afterSending() {
     if (m_objAnswer.bRestarts) {
-        m_pobjServer->dropConnections();
+        const auto onRestart = m_objOwner.onRestart;  // outlives this connection's end
+        onRestart();
         return;
     }
     if (m_objAnswer.bCloses) {

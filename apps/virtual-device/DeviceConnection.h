@@ -5,23 +5,32 @@
 #include <asio/ip/tcp.hpp>
 #include <asio/steady_timer.hpp>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 
 #include "protocol/CommandBuffer.h"
 #include "protocol/SDKCommandHeadInfo.h"
 #include "virtual-device/Answer.h"
+#include "virtual-device/DeviceCore.h"
 
-class DeviceServer;
-
-// Owned by its server until it closes. A head that is none, or that announces too much, ends the
-// connection, for what follows it cannot be told apart; a body that does not decode is refused.
+// Owned by whoever made it, who hears when it closes. A head that is none, or that announces too
+// much, ends the connection, for what follows it cannot be told apart; a body that does not decode
+// is refused.
 class DeviceConnection : public std::enable_shared_from_this<DeviceConnection> {
 public:
     // The most that a request may announce. Memory is taken as bytes arrive.
     static constexpr std::uint32_t MaxPayload = 4U << 20;
 
-    DeviceConnection(asio::ip::tcp::socket objSocket, std::shared_ptr<DeviceServer> pobjServer);
+    // What the owner does: lets go of the connection that closed; ends all connections, as the
+    // device restarts. Called on the thread of the socket.
+    struct Owner {
+        std::function<void(const std::shared_ptr<DeviceConnection>&)> onClosed;
+        std::function<void()> onRestart;
+    };
+
+    DeviceConnection(asio::ip::tcp::socket objSocket, std::shared_ptr<DeviceCore> pobjCore,
+                     Owner objOwner);
 
     void start();
     void close();
@@ -44,7 +53,9 @@ private:
 
     asio::ip::tcp::socket m_objSocket;
     asio::steady_timer m_objDelay;
-    std::shared_ptr<DeviceServer> m_pobjServer;  // null once closed
+    std::shared_ptr<DeviceCore> m_pobjCore;
+    Owner m_objOwner;
+    bool m_bClosed = false;
     std::string m_strPeer;
     std::uint32_t m_nSession = 0;
 

@@ -21,14 +21,14 @@ asio::ip::tcp::endpoint endpointOf(const DeviceOptions& options) {
 DeviceServer::DeviceServer(asio::io_context& context, DeviceOptions options)
     : m_objContext(context), m_objAcceptor(context, endpointOf(options)), m_objRetry(context) {
     options.nPort = m_objAcceptor.local_endpoint().port();
-    m_pobjCore = std::make_unique<DeviceCore>(std::move(options));
+    m_pobjCore = std::make_shared<DeviceCore>(std::move(options));
 }
 
 DeviceServer::~DeviceServer() = default;
 
 void DeviceServer::start() {
     if (m_pobjCore->getOptions().bMulticast) {
-        m_pobjMulticast = std::make_shared<MulticastListener>(m_objContext, shared_from_this());
+        m_pobjMulticast = std::make_shared<MulticastListener>(m_objContext, m_pobjCore);
         m_pobjMulticast->start();
     }
     accept();
@@ -64,10 +64,6 @@ void DeviceServer::dropSessions() {
     }
 }
 
-void DeviceServer::forget(const std::shared_ptr<DeviceConnection>& pobjConnection) {
-    m_setConnections.erase(pobjConnection);
-}
-
 void DeviceServer::accept() {
     m_objAcceptor.async_accept([this, pobjSelf = shared_from_this()](
                                    asio::error_code nError, asio::ip::tcp::socket objSocket) {
@@ -78,12 +74,22 @@ void DeviceServer::accept() {
             acceptLater();
             return;
         }
-        const auto pobjConnection =
-            std::make_shared<DeviceConnection>(std::move(objSocket), pobjSelf);
-        m_setConnections.insert(pobjConnection);
-        pobjConnection->start();
+        serve(std::move(objSocket));
         accept();
     });
+}
+
+void DeviceServer::serve(asio::ip::tcp::socket objSocket) {
+    const auto pobjSelf = shared_from_this();
+    DeviceConnection::Owner objOwner;
+    objOwner.onClosed = [pobjSelf](const std::shared_ptr<DeviceConnection>& pobjConnection) {
+        pobjSelf->m_setConnections.erase(pobjConnection);
+    };
+    objOwner.onRestart = [pobjSelf] { pobjSelf->dropConnections(); };
+    const auto pobjConnection =
+        std::make_shared<DeviceConnection>(std::move(objSocket), m_pobjCore, std::move(objOwner));
+    m_setConnections.insert(pobjConnection);
+    pobjConnection->start();
 }
 
 void DeviceServer::acceptLater() {

@@ -27,16 +27,16 @@ public:
 
     void dropConnections();
     void dropSessions();
-    void forget(const std::shared_ptr<DeviceConnection>& pobjConnection);
 
 private:
     void accept();
+    void serve(asio::ip::tcp::socket objSocket);
     void acceptLater();
 
     asio::io_context& m_objContext;
     asio::ip::tcp::acceptor m_objAcceptor;
     asio::steady_timer m_objRetry;
-    std::unique_ptr<DeviceCore> m_pobjCore;
+    std::shared_ptr<DeviceCore> m_pobjCore;
     std::shared_ptr<MulticastListener> m_pobjMulticast;
     std::set<std::shared_ptr<DeviceConnection>> m_setConnections;
 };

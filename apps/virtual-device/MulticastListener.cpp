@@ -9,7 +9,6 @@
 
 #include "protocol/SDKCommandParam.h"
 #include "protocol/SDKCommandParser.h"
-#include "virtual-device/DeviceServer.h"
 
 namespace {
 
@@ -27,22 +26,21 @@ asio::ip::udp::socket joinGroup(asio::io_context& context, const std::string& st
 }  // namespace
 
 MulticastListener::MulticastListener(asio::io_context& context,
-                                     std::shared_ptr<DeviceServer> pobjServer)
+                                     std::shared_ptr<DeviceCore> pobjCore)
     : m_objContext(context),
-      m_objSocket(joinGroup(context, pobjServer->core().getOptions().strBindAddress)),
-      m_pobjServer(std::move(pobjServer)) {}
+      m_objSocket(joinGroup(context, pobjCore->getOptions().strBindAddress)),
+      m_pobjCore(std::move(pobjCore)) {}
 
 void MulticastListener::close() {
     asio::error_code nIgnored;
     m_objSocket.close(nIgnored);
-    m_pobjServer.reset();
 }
 
 void MulticastListener::receive() {
     m_objSocket.async_receive_from(
         asio::buffer(m_arrArrived), m_objPeer,
         [this, pobjSelf = shared_from_this()](asio::error_code nError, std::size_t nLength) {
-            if (!m_pobjServer || nError == asio::error::operation_aborted) {
+            if (!m_objSocket.is_open() || nError == asio::error::operation_aborted) {
                 return;
             }
             if (!nError) {
@@ -64,12 +62,12 @@ void MulticastListener::take(std::size_t nLength) try {
     const Request objRequest{objCommand.getHead(), objCommand.getDomains()};
     std::ostringstream objPeer;
     objPeer << m_objPeer;
-    const auto objAnswer = m_pobjServer->core().answerMulticast(objRequest, objPeer.str());
+    const auto objAnswer = m_pobjCore->answerMulticast(objRequest, objPeer.str());
     if (objAnswer) {
         deliver(*objAnswer);
     }
 } catch (const std::exception& objError) {
-    m_pobjServer->core().log("multicast", objError.what());
+    m_pobjCore->log("multicast", objError.what());
 }
 
 void MulticastListener::deliver(const Answer& answer) {

@@ -7,8 +7,7 @@
 #include <memory>
 
 #include "virtual-device/Answer.h"
-
-class DeviceServer;
+#include "virtual-device/DeviceCore.h"
 
 // Joins the group 234.5.6.7 on the interface of the device's own address, and on no other. Answers
 // go to the sender alone.
@@ -18,7 +17,7 @@ public:
     static constexpr std::uint16_t Port = 31001;
 
     // Throws std::system_error when the group cannot be joined, an IPv6 device included.
-    MulticastListener(asio::io_context& context, std::shared_ptr<DeviceServer> pobjServer);
+    MulticastListener(asio::io_context& context, std::shared_ptr<DeviceCore> pobjCore);
 
     void start() { receive(); }
     void close();
@@ -31,7 +30,7 @@ private:
 
     asio::io_context& m_objContext;
     asio::ip::udp::socket m_objSocket;
-    std::shared_ptr<DeviceServer> m_pobjServer;  // null once closed
+    std::shared_ptr<DeviceCore> m_pobjCore;
     asio::ip::udp::endpoint m_objPeer;
     std::array<std::uint8_t, 65536> m_arrArrived{};
 };
