@@ -64,7 +64,7 @@ std::string newPassword(const std::string& strFile) {
     if (given) {
         return *given;
     }
-    const std::string strFirst = askFor(New, "New password");
+    std::string strFirst = askFor(New, "New password");
     if (askFor(New, "New password again") != strFirst) {
         throw UsageError("the two new passwords differ");
     }

@@ -63,7 +63,7 @@ FieldAssignment parseAssignment(const std::string& strText, const Shape& shape,
     std::string strPath = strName;
     for (const std::string& strStep : assignment.vecPath) {
         place = shapeBelow(place, strStep, strPath);
-        strPath += '.' + strStep;
+        strPath = pathBelow(strPath, strStep);
     }
     assignment.value = parseValue(strText.substr(nEqual + 1), place, strPath);
     return assignment;
@@ -77,7 +77,7 @@ void assign(const FieldAssignment& assignment, const Shape& shape, const std::st
     for (const std::string& strStep : assignment.vecPath) {
         pPlace = place.isList ? &elementAt(*pPlace, strStep, strPath) : &(*pPlace)[strStep];
         place = shapeBelow(place, strStep, strPath);
-        strPath += '.' + strStep;
+        strPath = pathBelow(strPath, strStep);
     }
     if (assignment.value.is_object()) {
         pPlace->update(assignment.value, true);

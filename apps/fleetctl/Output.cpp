@@ -49,7 +49,7 @@ void addPaths(const Json& json, const std::string& strPath, Rows& vecRows) {
         return;
     }
     for (const auto& [strStep, value] : json.items()) {
-        addPaths(value, strPath.empty() ? strStep : strPath + '.' + strStep, vecRows);
+        addPaths(value, pathBelow(strPath, strStep), vecRows);
     }
 }
 

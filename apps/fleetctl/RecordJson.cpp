@@ -220,6 +220,10 @@ std::string describeShape(const Shape& shape) {
     return shape.pRecord != nullptr ? "an object in JSON" : describeScalar(shape.nScalar);
 }
 
+std::string pathBelow(const std::string& strPath, const std::string& strStep) {
+    return strPath.empty() ? strStep : strPath + '.' + strStep;
+}
+
 Shape shapeBelow(const Shape& shape, const std::string& strStep, const std::string& strPath) {
     if (shape.isList) {
         if (strStep.empty() || strStep.find_first_not_of("0123456789") != std::string::npos) {
@@ -263,11 +267,11 @@ void checkJson(const Json& json, const Shape& shape, const std::string& strPath)
     }
     if (shape.isList) {
         for (std::size_t i = 0; i < json.size(); ++i) {
-            checkJson(json[i], shape.element(), strPath + '.' + std::to_string(i));
+            checkJson(json[i], shape.element(), pathBelow(strPath, std::to_string(i)));
         }
     } else if (shape.pRecord != nullptr) {
         for (const auto& [strName, value] : json.items()) {
-            checkJson(value, shapeBelow(shape, strName, strPath), strPath + '.' + strName);
+            checkJson(value, shapeBelow(shape, strName, strPath), pathBelow(strPath, strName));
         }
     }
 }

@@ -37,6 +37,9 @@ Shape shapeOf(const FieldDescriptor& field) noexcept;
 // For people: "a whole number from 0 to 65535".
 std::string describeShape(const Shape& shape);
 
+// The dotted path one step down; an empty path is the top.
+std::string pathBelow(const std::string& strPath, const std::string& strStep);
+
 // The shape one step down a dotted path: a field of a record, an index of a list. UsageError, with
 // the valid ones, for a step that leads nowhere. strPath is the way so far, for its text.
 Shape shapeBelow(const Shape& shape, const std::string& strStep, const std::string& strPath);

@@ -1,6 +1,7 @@
 // Copies field by field between structures and records.
 #include "StructRecords.h"
 
+#include <algorithm>
 #include <cstring>
 #include <string>
 
@@ -43,6 +44,7 @@ std::int32_t fillArray(const std::vector<Record>& vecRecords, Element (&arrEleme
 template <class Element, std::size_t Size, class Convert>
 auto recordsOfArray(const Element (&arrElements)[Size], std::int32_t nCount, Convert convert) {
     std::vector<decltype(convert(arrElements[0]))> vecRecords;
+    vecRecords.reserve(static_cast<std::size_t>(std::max(nCount, 0)));
     for (std::int32_t i = 0; i < nCount; ++i) {
         vecRecords.push_back(convert(arrElements[i]));
     }

@@ -371,10 +371,8 @@ int takeOSD(CommandCall& call) {
     return DeviceResult::Success;
 }
 
-constexpr bool WithoutSession = false;
-
 constexpr CommandHandler Handlers[] = {
-    {11001, "login", login, WithoutSession},
+    {LoginCommand, "login", login},
     {11003, "logout", logout},
     {11007, "keep-alive", keepAlive},
     {18001, "reset", reset},

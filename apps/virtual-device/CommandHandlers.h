@@ -22,8 +22,10 @@ struct CommandHandler {
     std::uint32_t nCommandId;
     const char* szName;                // for the log
     int (*handle)(CommandCall& call);  // gives a DeviceResult
-    bool bNeedsSession = true;
 };
+
+// The one command that is served without a session.
+inline constexpr std::uint32_t LoginCommand = 11001;
 
 // The handler of this command, or null.
 const CommandHandler* findCommandHandler(std::uint32_t nCommandId);

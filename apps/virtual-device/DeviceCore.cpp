@@ -149,8 +149,8 @@ void DeviceCore::remember(const Request& request) {
 int DeviceCore::handle(const Request& request, std::uint32_t& nSession, Answer& answer) {
     const std::uint32_t nCommandId = request.objHead.getCommandID();
     const CommandHandler* pHandler = findCommandHandler(nCommandId);
-    const bool bNeedsSession = !pHandler || pHandler->bNeedsSession;
-    if (bNeedsSession && (nSession == 0 || request.objHead.getSessionId() != nSession)) {
+    const bool bHasSession = nSession != 0 && request.objHead.getSessionId() == nSession;
+    if (!bHasSession && nCommandId != LoginCommand) {
         return DeviceResult::NoSession;
     }
     if (!pHandler) {

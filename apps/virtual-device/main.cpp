@@ -37,6 +37,7 @@ std::vector<std::unique_ptr<VirtualDevice>> startDevices(const CommandLine& line
     }
     const auto pobjLoop = std::make_shared<DeviceLoop>();
     std::vector<std::unique_ptr<VirtualDevice>> vecDevices;
+    vecDevices.reserve(static_cast<std::size_t>(line.nCount));
     for (int nIndex = 0; nIndex < line.nCount; ++nIndex) {
         vecDevices.push_back(std::make_unique<VirtualDevice>(optionsOf(line, nIndex), pobjLoop));
     }
