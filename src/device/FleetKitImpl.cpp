@@ -45,13 +45,12 @@ void FleetKitImpl::unload() {
 
 int FleetKitImpl::login(const DeviceInfoEx& info, long& handle) noexcept {
     try {
-        const DeviceInfoEx copy(info);
         if (!m_pSessionCreator) {
             return ErrorCode::Failed;
         }
         // Not even the reason of a failure is looked at: only a handle tells.
         long hSession = handle;
-        m_pSessionCreator->createSession(copy, ReplyTimeoutMs, hSession);
+        m_pSessionCreator->createSession(info, ReplyTimeoutMs, hSession);
         if (hSession <= 0) {
             return ErrorCode::Failed;
         }

@@ -56,7 +56,7 @@ private:
     void skipPast(const char* szMark) noexcept {
         const std::string_view rest(m_szAt, static_cast<std::size_t>(m_szEnd - m_szAt));
         const auto nFound = rest.find(szMark);
-        m_szAt = nFound == rest.npos ? m_szEnd : m_szAt + nFound + std::strlen(szMark);
+        m_szAt = nFound == std::string_view::npos ? m_szEnd : m_szAt + nFound + std::strlen(szMark);
     }
 
     void skipBlanks() noexcept {
