@@ -1,6 +1,6 @@
-"""Turns the schema of the wire vocabulary into C++.
+"""Turns the schema of the wire vocabulary into C++, and into the pages of the reference.
 
-    fleetkit_codegen.py --schema DIR --out DIR
+    fleetkit_codegen.py --schema DIR [--out DIR] [--reference DIR] [--examples FILE]
 """
 
 import argparse
@@ -8,13 +8,16 @@ import sys
 
 from check import check_schema
 from emit import emit_all
+from reference import write_examples, write_reference
 from schema import SchemaError, read_schema
 
 
 def main():
-    parser = argparse.ArgumentParser(description="Turns the schema into C++.")
+    parser = argparse.ArgumentParser(description="Turns the schema into C++ and its reference.")
     parser.add_argument("--schema", required=True, help="directory of the schema files")
-    parser.add_argument("--out", required=True, help="directory of the generated files")
+    parser.add_argument("--out", help="directory of the generated C++")
+    parser.add_argument("--reference", help="directory of the reference's pages")
+    parser.add_argument("--examples", help="file for the example elements alone")
     arguments = parser.parse_args()
     try:
         schema = read_schema(arguments.schema)
@@ -22,7 +25,10 @@ def main():
     except SchemaError as error:
         print(f"schema error: {error}", file=sys.stderr)
         return 1
-    emit_all(schema, arguments.out)
+    for write, place in ((emit_all, arguments.out), (write_reference, arguments.reference),
+                         (write_examples, arguments.examples)):
+        if place:
+            write(schema, place)
     return 0
 
 

@@ -1,19 +1,13 @@
-"""Writes the reference of the wire vocabulary, as pages that a browser opens from a file.
+"""Writes the reference of the wire vocabulary, as pages that a browser opens from a file."""
 
-    reference.py --schema DIR --out DIR
-"""
-
-import argparse
 import json
 import re
 import shutil
-import sys
 from html import escape
 from pathlib import Path
 
-from check import check_schema
 from example import example_of
-from schema import ACKNOWLEDGEMENT, SchemaError, capital, read_schema
+from schema import ACKNOWLEDGEMENT, capital
 from vocabulary import ACKNOWLEDGING_RECORD, MARK, Vocabulary
 
 HERE = Path(__file__).resolve().parent
@@ -250,26 +244,3 @@ def write_examples(schema, path):
     text = "".join(f"{name}\n{example_of(schema, schema.records[name], tag)}\n"
                    for name, tag in classes.items())
     Path(path).write_text(text, encoding="utf-8")
-
-
-def main():
-    parser = argparse.ArgumentParser(description="Writes the reference of the wire vocabulary.")
-    parser.add_argument("--schema", required=True, help="directory of the schema files")
-    parser.add_argument("--out", help="directory of the pages")
-    parser.add_argument("--examples", help="file for the example elements alone")
-    arguments = parser.parse_args()
-    try:
-        schema = read_schema(arguments.schema)
-        check_schema(schema)
-    except SchemaError as error:
-        print(f"schema error: {error}", file=sys.stderr)
-        return 1
-    if arguments.out:
-        write_reference(schema, arguments.out)
-    if arguments.examples:
-        write_examples(schema, arguments.examples)
-    return 0
-
-
-if __name__ == "__main__":
-    sys.exit(main())

@@ -22,10 +22,10 @@ class SchemaCase(unittest.TestCase):
         data = text if isinstance(text, bytes) else text.encode()
         (self.schema / name).write_bytes(data)
 
-    def generate(self):
+    def generate(self, what="--out"):
         """Runs the generator as the build does; gives its exit status and its error text."""
         done = subprocess.run(
             [sys.executable, "-B", ROOT / "codegen" / "fleetkit_codegen.py",
-             "--schema", self.schema, "--out", self.out],
+             "--schema", self.schema, what, self.out],
             capture_output=True, text=True, check=False)
         return done.returncode, done.stderr

@@ -35,23 +35,24 @@ class AddingARecord(unittest.TestCase):
         path = self.schema / name
         path.write_text(path.read_text() + "\n" + text)
 
-    def run_codegen(self, script, *arguments):
+    def run_codegen(self, *arguments):
         return subprocess.run(
-            [sys.executable, "-B", ROOT / "codegen" / script, "--schema", self.schema, *arguments],
+            [sys.executable, "-B", ROOT / "codegen" / "fleetkit_codegen.py",
+             "--schema", self.schema, *arguments],
             capture_output=True, text=True, check=False)
 
     def generate(self):
         self.append("image.schema", self.record)
         self.append("domains.schema", self.domain)
         self.append("commands.schema", self.command)
-        done = self.run_codegen("fleetkit_codegen.py", "--out", self.out)
+        done = self.run_codegen("--out", self.out)
         self.assertEqual((done.returncode, done.stderr), (0, ""))
 
     def test_a_mistake_is_told_with_its_place(self):
         lines = (self.schema / "image.schema").read_text().count("\n") + 1
         wrong = self.record.replace("Interval    int ", "Interval    integer ")
         self.append("image.schema", wrong)
-        done = self.run_codegen("fleetkit_codegen.py", "--out", self.out)
+        done = self.run_codegen("--out", self.out)
         line = lines + 1 + wrong[:wrong.index("integer")].count("\n")
         expected = re.sub(r":\d+:", f":{line}:", self.refusal)
         self.assertEqual((done.returncode, done.stderr), (1, expected))
@@ -63,7 +64,7 @@ class AddingARecord(unittest.TestCase):
         self.assertEqual(len(table), 5)
         for name in table:
             self.assertIn(CLASS, (self.out / name).read_text(), msg=name)
-        done = self.run_codegen("reference.py", "--out", self.place / "reference")
+        done = self.run_codegen("--reference", self.place / "reference")
         self.assertEqual((done.returncode, done.stderr), (0, ""))
         self.assertIn(f'<article id="{CLASS}">', (self.place / "reference/image.html").read_text())
         self.assertIn('<tr id="c61001">', (self.place / "reference/commands.html").read_text())
