@@ -4,6 +4,7 @@
 #include <CLI/CLI.hpp>
 #include <iomanip>
 #include <iostream>
+#include <limits>
 #include <map>
 
 namespace {
@@ -35,29 +36,51 @@ std::string checkIPv6(const std::string& strText) {
     return strText.find(':') == std::string::npos ? "no address: " + strText : std::string();
 }
 
+// The names have become numbers by now.
+std::string checkKind(const std::string& strText) {
+    const bool bIsKind = strText == "0" || strText == "1";
+    return bIsKind ? std::string() : "neither ipc nor nvr: " + strText;
+}
+
+// A check that speaks up only when it fails: the help names the kind of value instead.
+CLI::Validator quiet(CLI::Validator objCheck) {
+    objCheck.description("");
+    return objCheck;
+}
+
 void addDeviceOptions(CLI::App& app, DeviceOptions& device) {
     const std::map<std::string, DeviceKind> mapKinds{{"ipc", DeviceKind::IPC},
                                                      {"nvr", DeviceKind::NVR}};
     app.add_option("--bind", device.strBindAddress, "Address to listen on")
-        ->check(CLI::ValidIPV4 | CLI::Validator(checkIPv6, "IPV6"))
+        ->check(quiet(CLI::ValidIPV4 | CLI::Validator(checkIPv6, "IPv6")))
+        ->type_name("ADDRESS")
         ->capture_default_str();
     app.add_option("--port", device.nPort,
                    "Port, and the next ones for further devices; 0 takes free ones")
-        ->check(CLI::Range(0, MaxPort));
-    app.add_option("--user", device.strUser, "Name of the user")->capture_default_str();
+        ->check(quiet(CLI::Range(0, MaxPort)))
+        ->type_name("PORT");
+    app.add_option("--user", device.strUser, "Name of the user")
+        ->type_name("NAME")
+        ->capture_default_str();
     app.add_option("--password", device.strPassword, "Password of the user")
         ->envname("VIRTUAL_DEVICE_PASSWORD")
+        ->type_name("TEXT")
         ->capture_default_str();
     app.add_option("--kind", device.nKind, "Camera (ipc) or recorder (nvr)")
-        ->transform(CLI::CheckedTransformer(mapKinds, CLI::ignore_case))
+        ->transform(quiet(CLI::Transformer(mapKinds, CLI::ignore_case)))
+        ->check(CLI::Validator(checkKind, ""))
+        ->type_name("KIND")
         ->default_str("ipc");
     app.add_option("--channels", device.nChannels, "Channels; 1 for a camera, 4 for a recorder")
-        ->check(CLI::Range(1, MaxChannels));
+        ->check(quiet(CLI::Range(1, MaxChannels)))
+        ->type_name("NUMBER");
     app.add_option("--streams", device.nStreams, "Streams of each channel")
-        ->check(CLI::Range(1, MaxStreams))
+        ->check(quiet(CLI::Range(1, MaxStreams)))
+        ->type_name("NUMBER")
         ->capture_default_str();
     app.add_option("--device-id", device.strDeviceId,
                    "Id of the device; further ones get -2, -3 ... behind it")
+        ->type_name("ID")
         ->capture_default_str();
     app.add_flag("--multicast", device.bMulticast,
                  "Listen on group 234.5.6.7 port 31001, on the interface of the address");
@@ -88,14 +111,16 @@ CommandLine readCommandLine(int nCount, const char* const* pArguments) {
         "device, and ends on SIGINT and SIGTERM.");
     addDeviceOptions(objApp, objLine.objDevice);
     objApp.add_option("--count", objLine.nCount, "Devices in this process")
-        ->check(CLI::Range(1, MaxCount))
+        ->check(quiet(CLI::Range(1, MaxCount)))
+        ->type_name("NUMBER")
         ->capture_default_str();
     objApp.add_option("--seconds", objLine.nSeconds, "End by itself after so many seconds")
-        ->check(CLI::PositiveNumber);
+        ->check(quiet(CLI::Range(1, std::numeric_limits<int>::max())))
+        ->type_name("NUMBER");
     objApp
-        .add_option("--misbehave", vecMisbehaviours,
-                    "NAME[=VALUE][:COMMAND], may be given several times")
-        ->check(CLI::Validator(checkMisbehaviour, "MISBEHAVIOUR"));
+        .add_option("--misbehave", vecMisbehaviours, "A misbehaviour; may be given several times")
+        ->check(CLI::Validator(checkMisbehaviour, ""))
+        ->type_name("NAME[=VALUE][:COMMAND]");
     objApp.add_flag("--list-misbehaviours", bList, "Print their names and end");
     try {
         objApp.parse(nCount, pArguments);
