@@ -8,7 +8,7 @@ foreach(header IN LISTS record_headers)
 endforeach()
 set(exported_functions
   errorMeaning setLogFilter recordDescriptors findRecordDescriptor equalRecords checkDomainId
-  effectiveDomainId commandCatalogue findCommand)
+  effectiveDomainId commandCatalogue findCommand toRecords toStructure)
 
 set(exported_names "")
 foreach(class IN LISTS exported_classes)

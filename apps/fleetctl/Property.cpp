@@ -2,6 +2,7 @@
 #include "Property.h"
 
 #include <fleetkit/FleetKit.h>
+#include <fleetkit/StructConversions.h>
 #include <fleetkit/domain/AudioExAbility.h>
 #include <fleetkit/domain/BlindAbility.h>
 #include <fleetkit/domain/DevicePort.h>
@@ -26,7 +27,7 @@
 
 #include <algorithm>
 
-#include "StructRecords.h"
+#include "StructRoom.h"
 #include "UsageError.h"
 
 using namespace NS_TARN_STRUCT;
@@ -85,13 +86,15 @@ int getStreams(const Call& call, void* pObject) {
         call.selection.channel
             ? FleetKit::getAVStreamParam(call.nHandle, *call.selection.channel, *pStreams)
             : FleetKit::getAllAVStreamParam(call.nHandle, *pStreams);
-    *static_cast<std::vector<AVStreamParam>*>(pObject) = recordsOf(*pStreams);
+    toRecords(pStreams.get(), static_cast<std::vector<AVStreamParam>*>(pObject));
     return nCode;
 }
 
 int setStreams(const Call& call, const void* pObject) {
+    const auto* pRecords = static_cast<const std::vector<AVStreamParam>*>(pObject);
+    requireRoom(*pRecords);
     const auto pStreams = std::make_unique<tagAllAVStreamParam>();
-    fillStruct(*static_cast<const std::vector<AVStreamParam>*>(pObject), *pStreams);
+    toStructure(pRecords, pStreams.get());
     return call.selection.channel
                ? FleetKit::setAVStreamParam(call.nHandle, *call.selection.channel, *pStreams)
                : FleetKit::setAllAVStreamParam(call.nHandle, *pStreams);
@@ -112,13 +115,15 @@ int setStream(const Call& call, const void* pObject) {
 int getOSD(const Call& call, void* pObject) {
     const auto pParams = std::make_unique<tagOSDUserParamList>();
     const int nCode = FleetKit::getAllOSDUserParam(call.nHandle, *pParams);
-    *static_cast<std::vector<OSDUserParam>*>(pObject) = recordsOf(*pParams);
+    toRecords(pParams.get(), static_cast<std::vector<OSDUserParam>*>(pObject));
     return nCode;
 }
 
 int setOSD(const Call& call, const void* pObject) {
+    const auto* pRecords = static_cast<const std::vector<OSDUserParam>*>(pObject);
+    requireRoom(*pRecords);
     const auto pParams = std::make_unique<tagOSDUserParamList>();
-    fillStruct(*static_cast<const std::vector<OSDUserParam>*>(pObject), *pParams);
+    toStructure(pRecords, pParams.get());
     return FleetKit::setAllOSDUserParam(call.nHandle, *pParams);
 }
 
@@ -148,7 +153,7 @@ int getChannels(const Call& call, void* pObject) {
     const auto pChannels = std::make_unique<tagAllChannelInfo>();
     const int nCode = FleetKit::getAllChannelInfo(
         call.nHandle, call.selection.type.value_or(RecorderType), *pChannels);
-    *static_cast<std::vector<ChannelInfo>*>(pObject) = recordsOf(*pChannels);
+    toRecords(pChannels.get(), static_cast<std::vector<ChannelInfo>*>(pObject));
     return nCode;
 }
 

@@ -102,6 +102,16 @@ void writeStream(const AVStreamParam& stream, tagAVStreamParam& to) {
     to.AudioEncoderType = stream.getAudioEncoderType();
 }
 
+ChannelInfo readChannel(const tagChannelInfo& from) {
+    ChannelInfo channel;
+    channel.setLocalChannelID(from.LocalChannelID);
+    channel.setState(from.State);
+    channel.setDeviceType(from.DeviceType);
+    channel.setChannelName(readText(from.ChannelName));
+    channel.setDeviceID(readText(from.DeviceID));
+    return channel;
+}
+
 void writeChannel(const ChannelInfo& channel, tagChannelInfo& to) {
     to.LocalChannelID = channel.getLocalChannelID();
     to.State = channel.getState();
@@ -193,6 +203,14 @@ void toRecords(const tagAllAVStreamParam* pStreams, std::vector<AVStreamParam>* 
     if (pStreams && pRecords) {
         readElements(pStreams->Count, pStreams->Streams, [&](const tagAVStreamParam& stream) {
             pRecords->push_back(readStream(stream));
+        });
+    }
+}
+
+void toRecords(const tagAllChannelInfo* pChannels, std::vector<ChannelInfo>* pRecords) {
+    if (pChannels && pRecords) {
+        readElements(pChannels->Count, pChannels->Channels, [&](const tagChannelInfo& channel) {
+            pRecords->push_back(readChannel(channel));
         });
     }
 }

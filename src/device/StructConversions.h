@@ -1,8 +1,11 @@
-// Between the plain structures of the exported header and the records.
+// Between the plain structures of fixed layout and the records, for callers that know one form
+// only. Callable from any thread; the arguments belong to the caller throughout. Only a lack of
+// memory can fail, by std::bad_alloc.
 #pragma once
 
 #include <vector>
 
+#include "Product/Technic/Export.h"
 #include "device/TarnStruct.h"
 #include "domain/AVStreamParam.h"
 #include "domain/ChannelInfo.h"
@@ -10,17 +13,19 @@
 
 // Reading a structure appends a record for each element. No count and no text in it is trusted: the
 // capacities bound what is read. A count below 1 and a null pointer produce nothing.
-void toRecords(const NS_TARN_STRUCT::tagAllAVStreamParam* pStreams,
-               std::vector<AVStreamParam>* pRecords);
-void toRecords(const NS_TARN_STRUCT::tagOSDUserParamList* pParams,
-               std::vector<OSDUserParam>* pRecords);
+FLEETKIT_EXPORT void toRecords(const NS_TARN_STRUCT::tagAllAVStreamParam* pStreams,
+                               std::vector<AVStreamParam>* pRecords);
+FLEETKIT_EXPORT void toRecords(const NS_TARN_STRUCT::tagAllChannelInfo* pChannels,
+                               std::vector<ChannelInfo>* pRecords);
+FLEETKIT_EXPORT void toRecords(const NS_TARN_STRUCT::tagOSDUserParamList* pParams,
+                               std::vector<OSDUserParam>* pRecords);
 
 // Writing one sets the counts to the number of elements written, at most the capacity, and leaves
 // alone what stands behind them. Texts are cut to their fields and end in a zero, those of channels
 // only where there is room for it. With a null pointer nothing happens.
-void toStructure(const std::vector<AVStreamParam>* pRecords,
-                 NS_TARN_STRUCT::tagAllAVStreamParam* pStreams);
-void toStructure(const std::vector<ChannelInfo>* pRecords,
-                 NS_TARN_STRUCT::tagAllChannelInfo* pChannels);
-void toStructure(const std::vector<OSDUserParam>* pRecords,
-                 NS_TARN_STRUCT::tagOSDUserParamList* pParams);
+FLEETKIT_EXPORT void toStructure(const std::vector<AVStreamParam>* pRecords,
+                                 NS_TARN_STRUCT::tagAllAVStreamParam* pStreams);
+FLEETKIT_EXPORT void toStructure(const std::vector<ChannelInfo>* pRecords,
+                                 NS_TARN_STRUCT::tagAllChannelInfo* pChannels);
+FLEETKIT_EXPORT void toStructure(const std::vector<OSDUserParam>* pRecords,
+                                 NS_TARN_STRUCT::tagOSDUserParamList* pParams);
