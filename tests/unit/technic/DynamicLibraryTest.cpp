@@ -1,31 +1,22 @@
 // Shared libraries that are opened by name.
+#include <gtest/gtest.h>
+
 #include <utility>
 
 #include "Product/Technic/platform/DynamicLibrary.h"
-#include "gtest/gtest.h"
 
-namespace {
-
-TEST(DynamicLibrary, FindsFunctionsByName) {
-    DynamicLibrary library;
-    EXPECT_EQ(nullptr, library.symbol("abs"));
-    ASSERT_TRUE(library.open("libc.so.6"));
-    DynamicLibrary moved = std::move(library);
-    EXPECT_FALSE(library.isOpen());
-    auto* pAbs = moved.function<int(int)>("abs");
-    ASSERT_NE(nullptr, pAbs);
-    EXPECT_EQ(3, pAbs(-3));
-    EXPECT_EQ(nullptr, moved.symbol("no_such_function_anywhere"));
-    moved.close();
-    EXPECT_EQ(nullptr, moved.symbol("abs"));
+TEST(DynamicLibrary, FindsFunctionsByNameWhileItIsOpen) {
+    DynamicLibrary objFirst;
+    EXPECT_EQ(objFirst.symbol("abs"), nullptr);
+    ASSERT_TRUE(objFirst.open("libc.so.6"));
+    DynamicLibrary objLibrary = std::move(objFirst);
+    EXPECT_FALSE(objFirst.isOpen());
+    auto* const pAbs = objLibrary.function<int(int)>("abs");
+    ASSERT_NE(pAbs, nullptr);
+    EXPECT_EQ(pAbs(-3), 3);
+    EXPECT_EQ(objLibrary.symbol("no_such_function_anywhere"), nullptr);
+    EXPECT_FALSE(objLibrary.open("libNoSuchLibraryAnywhere.so"));
+    EXPECT_FALSE(objLibrary.isOpen()) << "what was open before is closed";
+    EXPECT_EQ(objLibrary.symbol("abs"), nullptr);
+    EXPECT_FALSE(objLibrary.open(""));
 }
-
-TEST(DynamicLibrary, AMissingLibraryIsNotOpened) {
-    DynamicLibrary library;
-    ASSERT_TRUE(library.open("libc.so.6"));
-    EXPECT_FALSE(library.open("libNoSuchLibraryAnywhere.so"));
-    EXPECT_FALSE(library.isOpen());
-    EXPECT_FALSE(library.open(""));
-}
-
-}  // namespace

@@ -1,12 +1,14 @@
 // The two address grammars, the lookups and the list of this machine's addresses.
-#include <cstring>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "Product/Technic/AdapterList.h"
 #include "Product/Technic/IPTool.h"
 #include "Product/Technic/InetAddr.h"
-#include "gtest/gtest.h"
 
 struct IPToolAccess {
     static int dtob(int nValue, char* pszOut) { return IPTool().dtob(nValue, pszOut); }
@@ -14,126 +16,95 @@ struct IPToolAccess {
 
 namespace {
 
-InetAddr addressOf(const char* pszText, int nVersion) {
-    InetAddr address;
-    address.setIP(pszText);
-    address.setIPProtoVer(nVersion);
-    return address;
+InetAddr addressOf(const std::string& strText, int nVersion) {
+    InetAddr objAddress;
+    objAddress.setIP(strText);
+    objAddress.setIPProtoVer(nVersion);
+    return objAddress;
 }
 
 // Puts a list of adapters in the place of the system's for one test.
 class IPToolAdapters : public testing::Test {
 protected:
-    void TearDown() override { setAdapterLister({}); }
+    ~IPToolAdapters() override { setAdapterLister({}); }
 
-    static void use(std::vector<NetworkAdapter> vecAdapters) {
+    static void use(const std::vector<NetworkAdapter>& vecAdapters) {
         setAdapterLister([=](std::vector<NetworkAdapter>& vecOut) {
             vecOut = vecAdapters;
             return true;
         });
     }
+
+    std::vector<std::string> list(int nVersion) {
+        EXPECT_TRUE(m_objTool.enumIPList(nVersion));
+        std::vector<std::string> vecTexts;
+        for (char szText[49]; m_objTool.getEnumIP(static_cast<int>(vecTexts.size()), szText);) {
+            vecTexts.emplace_back(szText);
+        }
+        EXPECT_EQ(static_cast<int>(vecTexts.size()), m_objTool.getEnumIPNum());
+        return vecTexts;
+    }
+
+    IPTool m_objTool;
 };
 
+}  // namespace
+
 TEST(IPTool, TellsAddressesByItsOwnGrammars) {
-    constexpr int Neither = 0;
+    constexpr int Untouched = -7;  // the version after a text of neither grammar
     const struct {
-        const char* pszText;
-        int nVersion;
-    } cases[] = {
-        {"1.2.3.4", 1},
-        {"0.0.0.0", 1},
-        {"255.255.255.0", 1},
-        {"249.1.1.1", 1},
-        {"199.255.1.254", 1},
-        {"001.002.003.004", 1},
-        {"1.2.3.4:80", 1},
-        {"1.2.3.4:65535", 1},
-        {"1.2.3.4:80:99", 1},
-        {"1:2.3.4.5", 1},
-        {"256.1.1.1", Neither},
-        {"260.1.1.1", Neither},
-        {"2:9.1.1.1", Neither},
-        {"300.1.1.1", Neither},
-        {"1.2.3.255", Neither},
-        {"1.2.3.256", Neither},
-        {"1.2.3.4:0", Neither},
-        {"1.2.3.4:65536", Neither},
-        {"1.2.3.4:4294967376", Neither},
-        {"1.2.3.4:", Neither},
-        {"1.2.3.:80", Neither},
-        {"1.2.3.4.", Neither},
-        {"1.2.3.4.5", Neither},
-        {"1.2.3", Neither},
-        {"1.2.3.", Neither},
-        {"1..3.4", Neither},
-        {"1.2.3.4 ", Neither},
-        {"1000.2.3.4", Neither},
-        {"1.2.3.4567", Neither},
-        {"", 2},
-        {"1234", 2},
-        {"abcd", 2},
-        {"ABCD::ef01", 2},
-        {"/64", 2},
-        {":", 2},
-        {"::", 2},
-        {"1::2::3", 2},
-        {"fe80::1", 2},
-        {"fe80::1/128", 2},
-        {"fe80::1/", 2},
-        {"1:2:3:4:5:6:7:8", 2},
-        {"1:2:3:4:5:6:7:8:", 2},
-        {"1:2:3:4:5:6:7:8:9", Neither},
-        {"fe80::1/129", Neither},
-        {"fe80::1/-1", Neither},
-        {"fe80::1/99999999999999999999", Neither},
-        {"fe80/::1/64", Neither},
-        {"12345", Neither},
-        {"::ffff:1.2.3.4", Neither},
-        {"fe80::1%eth0", Neither},
-        {"host", Neither},
-        {nullptr, Neither},
+        int m_nVersion;
+        std::vector<const char*> m_vecTexts;
+    } arrCases[] = {
+        {1, {"1.2.3.4", "0.0.0.0", "255.255.255.0", "249.1.1.1", "199.255.1.254"}},
+        {1, {"001.002.003.004", "1:2.3.4.5"}},
+        {1, {"1.2.3.4:80", "1.2.3.4:65535", "1.2.3.4:80:99"}},
+        {Untouched, {"256.1.1.1", "260.1.1.1", "2:9.1.1.1", "300.1.1.1", "1.2.3.255", "1.2.3.256"}},
+        {Untouched, {"1.2.3.4:0", "1.2.3.4:65536", "1.2.3.4:4294967376", "1.2.3.4:", "1.2.3.:80"}},
+        {Untouched, {"1.2.3.4.", "1.2.3.4.5", "1.2.3", "1.2.3.", "1..3.4", "1.2.3.4 "}},
+        {Untouched, {"1000.2.3.4", "1.2.3.4567"}},
+        {2, {"", "1234", "abcd", "ABCD::ef01", ":", "::", "1::2::3", "fe80::1"}},
+        {2, {"/64", "fe80::1/128", "fe80::1/", "1:2:3:4:5:6:7:8", "1:2:3:4:5:6:7:8:"}},
+        {Untouched, {"fe80::1/129", "fe80::1/-1", "fe80::1/99999999999999999999", "fe80/::1/64"}},
+        {Untouched, {"1:2:3:4:5:6:7:8:9", "12345", "::ffff:1.2.3.4", "fe80::1%eth0"}},
+        {Untouched, {"host", nullptr}},
     };
-    for (const auto& [pszText, nVersion] : cases) {
-        int nFound = -7;
-        EXPECT_EQ(nVersion != Neither, IPTool().checkIPAddress(pszText, nFound)) << pszText;
-        EXPECT_EQ(nVersion == Neither ? -7 : nVersion, nFound) << pszText;
+    for (const auto& [nVersion, vecTexts] : arrCases) {
+        for (const char* pText : vecTexts) {
+            int nFound = Untouched;
+            EXPECT_EQ(IPTool().checkIPAddress(pText, nFound), nVersion != Untouched) << pText;
+            EXPECT_EQ(nFound, nVersion) << pText;
+        }
     }
 }
 
 TEST(IPTool, AddressTextsAreTakenAsTheyAreAndOthersLookedUp) {
-    const struct {
-        const char* pszText;
-        const char* pszIP;
-        int nVersion;
-    } cases[] = {
-        {"1.2.3.4:80", "1.2.3.4:80", 1},       {"fe80::1/64", "fe80::1/64", 2}, {"", "", 2},
+    const std::tuple<const char*, const char*, int> arrCases[] = {
+        {"1.2.3.4:80", "1.2.3.4:80", 1},
+        {"fe80::1/64", "fe80::1/64", 2},
         {"192.168.1.255", "192.168.1.255", 1},  // not by the grammar, but to the resolver
         {"::ffff:1.2.3.4", "0.0.0.0", 2},       // the four bytes behind an IPv6 port
     };
-    for (const auto& [pszText, pszIP, nVersion] : cases) {
-        InetAddr address;
-        address.setPORT(77);
-        EXPECT_TRUE(IPTool().getInetAddr(pszText, address)) << pszText;
-        EXPECT_EQ(pszIP, address.getIP());
-        EXPECT_EQ(nVersion, address.getIPProtoVer());
-        EXPECT_EQ(77, address.getPORT());
+    InetAddr objAddress;
+    objAddress.setPORT(77);
+    for (const auto& [pText, pIP, nVersion] : arrCases) {
+        EXPECT_TRUE(IPTool().getInetAddr(pText, objAddress)) << pText;
+        EXPECT_EQ(objAddress.getIP(), pIP);
+        EXPECT_EQ(objAddress.getIPProtoVer(), nVersion);
+        EXPECT_EQ(objAddress.getPORT(), 77);
     }
-    InetAddr address;
-    EXPECT_FALSE(IPTool().getInetAddr(nullptr, address));
-    EXPECT_FALSE(IPTool().getIPbyHostname("not a name", address));
-    EXPECT_EQ("", address.getIP());
+    EXPECT_FALSE(IPTool().getInetAddr(nullptr, objAddress));
+    EXPECT_FALSE(IPTool().getIPbyHostname("not a name", objAddress));
+    EXPECT_EQ(objAddress.getIP(), "0.0.0.0");
 }
 
 TEST(IPTool, ALocalAddressIsAnIPv4Text) {
-    char szText[49] = {};
-    IPTool tool;
-    EXPECT_FALSE(tool.getLocalIP(0, nullptr));
-    if (tool.getLocalIP(0, szText)) {
-        int nVersion = 0;
-        EXPECT_TRUE(tool.checkIPAddress(szText, nVersion)) << szText;
-        EXPECT_EQ(1, nVersion);
-    } else {
-        EXPECT_STREQ("", szText);
+    char szText[16] = {};
+    int nVersion = 0;
+    EXPECT_FALSE(IPTool().getLocalIP(0, nullptr));
+    if (IPTool().getLocalIP(0, szText)) {  // not every machine's name stands for an address
+        EXPECT_TRUE(IPTool().checkIPAddress(szText, nVersion)) << szText;
+        EXPECT_EQ(nVersion, 1);
     }
 }
 
@@ -141,48 +112,27 @@ TEST_F(IPToolAdapters, AddressesAreListedByVersionInTheOrderOfTheSystem) {
     use({{"lan0", {addressOf("10.0.0.7", 1), addressOf("fe80::7%lan0", 2)}},
          {"empty0", {}},
          {"lan1", {addressOf("::1", 2), addressOf("10.0.1.7", 1)}}});
-    IPTool tool;
-    char szText[49] = {};
-    EXPECT_EQ(0, tool.getEnumIPNum());
-    ASSERT_TRUE(tool.enumIPList(1));
-    ASSERT_EQ(2, tool.getEnumIPNum());
-    EXPECT_TRUE(tool.getEnumIP(0, szText));
-    EXPECT_STREQ("10.0.0.7", szText);
-    EXPECT_TRUE(tool.getEnumIP(1, szText));
-    EXPECT_STREQ("10.0.1.7", szText);
-    EXPECT_FALSE(tool.getEnumIP(2, szText));
-    EXPECT_FALSE(tool.getEnumIP(-1, szText));
-    EXPECT_FALSE(tool.getEnumIP(0, nullptr));
-
-    IPTool copy;
-    copy = tool;
-    ASSERT_TRUE(tool.enumIPList(2));
-    ASSERT_EQ(1, tool.getEnumIPNum());
-    EXPECT_TRUE(tool.getEnumIP(0, szText));
-    EXPECT_STREQ("fe80::7%lan0", szText);
-    EXPECT_EQ(2, copy.getEnumIPNum());
+    EXPECT_EQ(m_objTool.getEnumIPNum(), 0);
+    EXPECT_EQ(list(1), (std::vector<std::string>{"10.0.0.7", "10.0.1.7"}));
+    EXPECT_EQ(list(2), (std::vector<std::string>{"fe80::7%lan0"}));
+    char szText[49];
+    EXPECT_FALSE(m_objTool.getEnumIP(-1, szText));
+    EXPECT_FALSE(m_objTool.getEnumIP(0, nullptr));
 
     std::vector<std::string> vecNames{"of before"};
     getAdapterNames(vecNames);
-    EXPECT_EQ((std::vector<std::string>{"lan0", "empty0", "lan1"}), vecNames);
+    EXPECT_EQ(vecNames, (std::vector<std::string>{"lan0", "empty0", "lan1"}));
 }
 
 TEST_F(IPToolAdapters, TheTableIsBounded) {
-    const std::string strLong(100, 'a');
-    use({{"lan0", std::vector<InetAddr>(40, addressOf(strLong.c_str(), 2))}});
-    IPTool tool;
-    char szText[49] = {};
-    ASSERT_TRUE(tool.enumIPList(2));
-    ASSERT_EQ(30, tool.getEnumIPNum());
-    ASSERT_TRUE(tool.getEnumIP(29, szText));
-    EXPECT_EQ(strLong.substr(0, 48), szText);
+    use({{"lan0", std::vector<InetAddr>(40, addressOf(std::string(100, 'a'), 2))}});
+    EXPECT_EQ(list(2), std::vector<std::string>(30, std::string(48, 'a')));
 }
 
 TEST_F(IPToolAdapters, AListThatTheSystemRefusesIsAFailure) {
     setAdapterLister([](std::vector<NetworkAdapter>&) { return false; });
-    IPTool tool;
     std::vector<std::string> vecNames{"of before"};
-    EXPECT_FALSE(tool.enumIPList(1));
+    EXPECT_FALSE(m_objTool.enumIPList(1));
     getAdapterNames(vecNames);
     EXPECT_TRUE(vecNames.empty());
 }
@@ -190,40 +140,29 @@ TEST_F(IPToolAdapters, AListThatTheSystemRefusesIsAFailure) {
 TEST(IPTool, TheSystemsListLeavesOutTheLoopback) {
     std::vector<NetworkAdapter> vecAdapters;
     ASSERT_TRUE(listAdapters(vecAdapters));
-    for (const NetworkAdapter& adapter : vecAdapters) {
-        EXPECT_NE("lo", adapter.strName);
-        for (const InetAddr& address : adapter.vecAddresses) {
-            EXPECT_NE("127.0.0.1", address.getIP());
-            EXPECT_NE("::1", address.getIP());
-            EXPECT_NE("", address.getIP());
+    for (const NetworkAdapter& objAdapter : vecAdapters) {
+        EXPECT_NE(objAdapter.strName, "lo");
+        for (const InetAddr& objAddress : objAdapter.vecAddresses) {
+            EXPECT_THAT(objAddress.getIP(), testing::Not(testing::AnyOf("127.0.0.1", "::1", "")));
         }
     }
 }
 
 TEST(IPTool, WritesBinaryDigitsWithoutAnEnd) {
-    const struct {
-        int nValue;
-        int nDigits;
-        const char* pszBuffer;
-    } cases[] = {{5, 3, "101#"}, {1, 1, "1#"},
-                 {0, 0, "#"},    {-1, -1, "#"},
-                 {6, 3, "110#"}, {2147483647, 31, "1111111111111111111111111111111#"}};
-    for (const auto& [nValue, nDigits, pszBuffer] : cases) {
-        char szOut[40];
-        std::memset(szOut, '#', sizeof(szOut));
-        EXPECT_EQ(nDigits, IPToolAccess::dtob(nValue, szOut));
-        EXPECT_EQ(pszBuffer, std::string(szOut, std::strlen(pszBuffer)));
+    const std::tuple<int, int, std::string> arrCases[] = {
+        {6, 3, "110###"}, {1, 1, "1#####"}, {0, 0, "######"}, {-1, -1, "######"}};
+    for (const auto& [nValue, nDigits, strWritten] : arrCases) {
+        std::string strOut = "######";
+        EXPECT_EQ(IPToolAccess::dtob(nValue, strOut.data()), nDigits);
+        EXPECT_EQ(strOut, strWritten);
     }
 }
 
 TEST(IPTool, SomeQuestionsAreAnsweredWithoutAnAnswer) {
-    IPTool tool;
-    char szText[] = "kept";
+    IPTool objTool;
     int nMask = 24;
-    EXPECT_TRUE(tool.get3GIP(0, szText) && tool.getAdslIP(0, szText) && tool.getEthIP(0, szText));
-    EXPECT_TRUE(tool.getMacAddr(szText) && tool.getIpv6Mask(nMask));
-    EXPECT_STREQ("kept", szText);
-    EXPECT_EQ(24, nMask);
+    EXPECT_TRUE(objTool.get3GIP(0, nullptr) && objTool.getAdslIP(0, nullptr));
+    EXPECT_TRUE(objTool.getEthIP(0, nullptr) && objTool.getMacAddr(nullptr));
+    EXPECT_TRUE(objTool.getIpv6Mask(nMask));
+    EXPECT_EQ(nMask, 24);
 }
-
-}  // namespace

@@ -8,26 +8,10 @@
 #include <thread>
 
 #include "Product/Technic/KXMutex.h"
+#include "Product/Technic/platform/Clock.h"
+#include "support/ThrownText.h"
 
 namespace {
-
-std::string failureText(const KXMutex& objMutex, int nLine, const char* pFile) {
-    char szText[256];
-    std::snprintf(szText, sizeof szText,
-                  "Mutex(0x%" PRIxPTR ") not initialized(Key=0),lock at line %d of %s ",
-                  reinterpret_cast<std::uintptr_t>(&objMutex), nLine, pFile);
-    return szText;
-}
-
-template <class Action>
-std::string textOfFailure(const Action& objAction) {
-    try {
-        objAction();
-    } catch (const std::runtime_error& objError) {
-        return objError.what();
-    }
-    return "nothing was thrown";
-}
 
 // The compiler's lock analysis would refuse the misuse that is tested here.
 template <class... Place>
@@ -40,139 +24,78 @@ int rawUnlock(KXMutex& objMutex, Place... objPlace) KX_NO_THREAD_SAFETY_ANALYSIS
     return objMutex.unlock(objPlace...);
 }
 
-// Whether another thread gets the mutex; it is given back.
-void lockElsewhere(KXMutex& objMutex, int& nRounds) {
-    std::thread([&] {
-        rawLock(objMutex);
-        ++nRounds;
-        rawUnlock(objMutex);
-    }).join();
-}
+// A mutex whose key gets lost, and the text that its use ends with.
+class KXMutexTest : public testing::Test {
+protected:
+    template <class Action>
+    void expectFailure(int nLine, const char* pFile, const Action& objAction) {
+        char szText[256];
+        std::snprintf(szText, sizeof szText,
+                      "Mutex(0x%" PRIxPTR ") not initialized(Key=0),lock at line %d of %s ",
+                      reinterpret_cast<std::uintptr_t>(&m_objMutex), nLine, pFile);
+        EXPECT_EQ(thrownText<std::runtime_error>(objAction), szText);
+    }
+
+    KXMutex m_objMutex;
+};
 
 }  // namespace
 
-TEST(KXMutexHandle, InitOnLiveHandleReportsItAndChangesNothing) {
+TEST(KXMutexHandle, TellsByItsKeyWhetherItIsAlive) {
     KXMutexHandle objHandle;
-    ASSERT_TRUE(objHandle.isValid());
     EXPECT_EQ(objHandle.init(), -1);
     EXPECT_EQ(objHandle.getKey(), 0x55AA55AAu);
     EXPECT_EQ(objHandle.lock(), 0);
-    EXPECT_EQ(objHandle.unlock(), 0);
-}
-
-TEST(KXMutexHandle, DestroyedHandleRefusesAndCanBeMadeAgain) {
-    KXMutexHandle objHandle;
-    objHandle.destroy();
+    objHandle.destroy();  // while it is held
     EXPECT_EQ(objHandle.getKey(), 0u);
     EXPECT_EQ(objHandle.lock(), -2);
     EXPECT_EQ(objHandle.unlock(), -2);
     EXPECT_EQ(objHandle.init(), 0);
     EXPECT_EQ(objHandle.lock(), 0);
-    objHandle.destroy();  // while it is held
-    EXPECT_FALSE(objHandle.isValid());
+    EXPECT_EQ(objHandle.unlock(), 0);
 }
 
-TEST(KXMutex, ClearedKeyIsToldWithThePlaceOfTheCall) {
-    KXMutex objMutex;
-    objMutex.getHandle().destroy();
-    EXPECT_EQ(textOfFailure([&] { rawLock(objMutex, "Caller.cpp", 12); }),
-              failureText(objMutex, 12, "Caller.cpp"));
-    EXPECT_EQ(textOfFailure([&] { rawUnlock(objMutex, "some/dir/Caller.cpp", 13); }),
-              failureText(objMutex, 13, "Caller.cpp"));
-    EXPECT_EQ(textOfFailure([&] { rawLock(objMutex); }),
-              failureText(objMutex, 34, "Product/Technic/KXMutex"));
-    EXPECT_EQ(textOfFailure([&] { rawUnlock(objMutex); }),
-              failureText(objMutex, 35, "Product/Technic/KXMutex"));
+TEST_F(KXMutexTest, UseIsToldWithThePlaceOfTheCall) {
+    constexpr const char* Header = "Product/Technic/KXMutex";
+    expectFailure(71, Header, [&] {
+        const KXMutexGuard objGuard(m_objMutex);
+        m_objMutex.getHandle().destroy();
+    });
+    expectFailure(34, Header, [&] { rawLock(m_objMutex); });
+    expectFailure(35, Header, [&] { rawUnlock(m_objMutex); });
+    expectFailure(12, "Caller.cpp", [&] { rawLock(m_objMutex, "Caller.cpp", 12); });
+    expectFailure(13, "Caller.cpp", [&] { rawUnlock(m_objMutex, "some/dir/Caller.cpp", 13); });
+    const auto objOpen = [&] { const KXMutexGuard objGuard(m_objMutex); };
+    expectFailure(__LINE__ - 1, "KXMutexTest.cpp", objOpen);
+    const std::string strLong(1000, 'n');  // cut to the buffer of the text
+    expectFailure(1, strLong.c_str(), [&] { rawLock(m_objMutex, strLong.c_str(), 1); });
 }
 
-TEST(KXMutex, LongFileNameIsCutToTheTextsBuffer) {
-    KXMutex objMutex;
-    objMutex.getHandle().destroy();
-    const std::string strName(1000, 'n');
-    EXPECT_EQ(textOfFailure([&] { rawLock(objMutex, strName.c_str(), 1); }).size(), 255u);
-}
-
-TEST(KXMutexGuard, NamesItsOwnPlaceOnLockAndTheHeadersOnUnlock) {
-    KXMutex objMutex;
-    EXPECT_EQ(textOfFailure([&] {
-                  const KXMutexGuard objGuard(objMutex);
-                  objMutex.getHandle().destroy();
-              }),
-              failureText(objMutex, 71, "Product/Technic/KXMutex"));
-    // Outside of the macro, whose lines the compilers count differently.
-    const int nLine = __LINE__ + 1;
-    const auto open = [&] { const KXMutexGuard objGuard(objMutex); };
-    EXPECT_EQ(textOfFailure(open), failureText(objMutex, nLine, "KXMutexTest.cpp"));
-}
-
-TEST(KXMutexGuard, UnlocksWhenAnExceptionPassesThrough) {
-    KXMutex objMutex;
-    EXPECT_THROW(
-        {
-            const KXMutexGuard objGuard(objMutex);
-            throw std::logic_error("passing");
-        },
-        std::logic_error);
-    int nRounds = 0;
-    lockElsewhere(objMutex, nRounds);
-    EXPECT_EQ(nRounds, 1);
-}
-
-TEST(KXMutex, IsFreeAfterAsManyUnlocksAsLocks) {
+TEST(KXMutex, IsFreeAfterAsManyUnlocksOfItsOwnerAsLocks) {
     KXMutex objMutex;
     int nShared = 0;
     rawLock(objMutex);
     rawLock(objMutex);
-    std::thread objOther([&] {
+    std::jthread objOther([&] {
         const KXMutexGuard objGuard(objMutex);
         ++nShared;
     });
     rawUnlock(objMutex);
-    EXPECT_EQ(nShared, 0);  // the other thread still waits; a race here would be reported
+    std::jthread([&] { EXPECT_EQ(rawUnlock(objMutex), 0); }).join();
+    currentClock().sleepMs(20);  // were it free, the other thread would have it by now
+    EXPECT_EQ(nShared, 0);
     rawUnlock(objMutex);
     objOther.join();
     EXPECT_EQ(nShared, 1);
 }
 
-TEST(KXMutex, UnlockByAnotherThreadDoesNotFreeIt) {
-    KXMutex objMutex;
-    rawLock(objMutex);
-    std::thread([&] { EXPECT_EQ(rawUnlock(objMutex), 0); }).join();
-    int nShared = 0;
-    std::thread objOther([&] {
-        const KXMutexGuard objGuard(objMutex);
-        ++nShared;
-    });
-    EXPECT_EQ(nShared, 0);
-    rawUnlock(objMutex);
-    objOther.join();
-}
-
 TEST(KXMutex, GoesToTheNextThreadWhenItsOwnerEnded) {
     KXMutex objMutex;
-    std::thread([&] {
+    std::jthread([&] {
         rawLock(objMutex);
         rawLock(objMutex);
     }).join();
     EXPECT_EQ(rawLock(objMutex), 0);
     EXPECT_EQ(rawUnlock(objMutex), 0);
-    int nRounds = 0;
-    lockElsewhere(objMutex, nRounds);
-    EXPECT_EQ(nRounds, 1);
-}
-
-TEST(KXMutex, KeepsThreadsApart) {
-    KXMutex objMutex;
-    int nCount = 0;
-    const auto objWork = [&] {
-        for (int nRound = 0; nRound < 2000; ++nRound) {
-            const KXMutexGuard objGuard(objMutex);
-            ++nCount;
-        }
-    };
-    std::thread objFirst(objWork);
-    std::thread objSecond(objWork);
-    objFirst.join();
-    objSecond.join();
-    EXPECT_EQ(nCount, 4000);
+    std::jthread([&] { const KXMutexGuard objGuard(objMutex); }).join();
 }

@@ -2,12 +2,25 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "Product/Technic/LogFilter.h"
 #include "support/CapturedOutput.h"
 
 namespace {
+
+using Printed = std::pair<std::string, int>;
+
+// What a message prints, and the number that it returns.
+Printed print(int nLevel, const char* pFileName, const std::string& strText) {
+    Printed objOut;
+    objOut.first = captureOutput(
+        [&] { objOut.second = logMessage(nLevel, pFileName, "%s", strText.c_str()); });
+    return objOut;
+}
+
+std::string g_strTraced;
 
 // Puts the process-wide filter back as it was at the start.
 class LogFilterTest : public testing::Test {
@@ -19,74 +32,45 @@ protected:
     }
 };
 
-std::string g_strTraced;
-
 }  // namespace
 
-TEST_F(LogFilterTest, PrintsNothingAtTheInitialThreshold) {
-    EXPECT_EQ(captureOutput([] {
-                  EXPECT_EQ(logMessage(1, "A", "text"), 0);
-                  EXPECT_EQ(logMessage(3, "A", "text"), 0);
-              }),
-              "");
-    EXPECT_EQ(captureOutput([] { EXPECT_EQ(logMessage(0, "A", "%s-%d", "zero", 7), 6); }),
-              "zero-7");
-}
-
 TEST_F(LogFilterTest, PassesLevelsUpToTheThreshold) {
+    EXPECT_EQ(print(0, "A", "text"), Printed("text", 4));
+    EXPECT_EQ(print(1, "A", "text"), Printed("", 0));
     setLogFilter(1);
-    EXPECT_EQ(captureOutput([] {
-                  logMessage(1, "A", "one\n");
-                  logMessage(2, "A", "two\n");
-              }),
-              "one\n");
+    EXPECT_EQ(print(1, "A", "text"), Printed("text", 4));
+    EXPECT_EQ(print(2, "A", "text"), Printed("", 0));
     LogFilter::instance().setEnabled(false);
-    EXPECT_EQ(captureOutput([] { EXPECT_EQ(logMessage(1, "A", "one"), 0); }), "");
+    EXPECT_EQ(print(1, "A", "text"), Printed("", 0));
 }
 
-TEST_F(LogFilterTest, PrintsOnceForAListedFileOnly) {
-    ASSERT_TRUE(setLogFilter(3, {"First", "Second", "Second"}));
-    EXPECT_EQ(captureOutput([] {
-                  EXPECT_EQ(logMessage(3, "Second", "yes"), 3);
-                  EXPECT_EQ(logMessage(3, "second", "no"), 2);
-                  EXPECT_EQ(logMessage(3, nullptr, "no"), 2);
-              }),
-              "yes");
-}
-
-TEST_F(LogFilterTest, RefusesMoreThanFiftyFilesAndKeepsWhatWasSet) {
-    ASSERT_TRUE(setLogFilter(3, std::vector<std::string>(50, "A")));
-    EXPECT_FALSE(setLogFilter(0, std::vector<std::string>(51, "B")));
-    EXPECT_EQ(captureOutput([] { logMessage(3, "A", "still"); }), "still");
+TEST_F(LogFilterTest, PrintsOnceForOneOfAtMostFiftyListedFiles) {
+    EXPECT_TRUE(setLogFilter(3, std::vector<std::string>(50, "Listed")));
+    EXPECT_FALSE(setLogFilter(0, std::vector<std::string>(51, "Other")));
+    EXPECT_EQ(print(3, "Listed", "yes"), Printed("yes", 3));
+    EXPECT_EQ(print(3, "listed", "no"), Printed("", 2));
+    EXPECT_EQ(print(3, nullptr, "no"), Printed("", 2));
 }
 
 TEST_F(LogFilterTest, CutsLongTextAndReturnsItsFullLength) {
-    setLogFilter(3);
-    const std::string strLong(5000, 'x');
-    EXPECT_EQ(captureOutput([&] { EXPECT_EQ(logMessage(3, "A", "%s", strLong.c_str()), 5000); }),
-              std::string(2047, 'x'));
-    EXPECT_EQ(captureOutput([] { EXPECT_EQ(logMessage(3, "A", "%s", ""), 0); }), "");
+    EXPECT_EQ(print(0, "A", std::string(5000, 'x')), Printed(std::string(2047, 'x'), 5000));
 }
 
 TEST_F(LogFilterTest, DoublePercentInTheTextBecomesOneAndOthersStand) {
-    setLogFilter(3);
-    const struct {
-        const char* m_pText;
-        const char* m_pPrinted;
-    } arrCases[] = {
-        {"50%% done", "50% done"}, {"%s%n%d", "%s%n%d"}, {"%%%", "%%"}, {"%%%%", "%%"},
-        {"end %", "end %"},
-    };
-    for (const auto& objCase : arrCases) {
-        EXPECT_EQ(captureOutput([&] { logMessage(3, "A", "%s", objCase.m_pText); }),
-                  objCase.m_pPrinted);
-    }
+    EXPECT_EQ(print(0, "A", "50%% done").first, "50% done");
+    EXPECT_EQ(print(0, "A", "%s%n%d").first, "%s%n%d");
+    EXPECT_EQ(print(0, "A", "%%%").first, "%%");
+    EXPECT_EQ(print(0, "A", "%%%%").first, "%%");
+    EXPECT_EQ(print(0, "A", "end %").first, "end %");
 }
 
 TEST_F(LogFilterTest, TraceGoesToItsSinkWithThePlaceAndPrintsNothing) {
     g_strTraced.clear();
-    EXPECT_EQ(captureOutput([] { traceMessage("lost", "File", 1); }), "");
-    EXPECT_EQ(setTraceSink([](const std::string& strText) { g_strTraced += strText; }), nullptr);
-    EXPECT_EQ(captureOutput([] { traceMessage("text", "File", -12); }), "");
+    EXPECT_EQ(captureOutput([] {
+                  traceMessage("lost", "File", 1);
+                  setTraceSink([](const std::string& strText) { g_strTraced += strText; });
+                  traceMessage("text", "File", -12);
+              }),
+              "");
     EXPECT_EQ(g_strTraced, "text in:File line:-12\n");
 }

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <functional>
 #include <memory>
 #include <string>
 #include <thread>
@@ -15,6 +14,7 @@
 #include "Product/Technic/SafePointerRegistry.h"
 #include "support/CapturedOutput.h"
 #include "support/ChildProcess.h"
+#include "support/ThrownText.h"
 
 namespace {
 
@@ -52,22 +52,13 @@ struct RawHolder : SafePointer<Widget> {
     }
 };
 
-// The text that an action throws; what it printed must be that text, or nothing when not reported.
-std::string thrownBy(const std::function<void()>& objAction, bool bReported) {
-    std::string strText = "nothing was thrown";
-    const std::string strPrinted = captureOutput([&] {
-        try {
-            objAction();
-        } catch (const KXRuntimeError& objError) {
-            strText = objError.what();
-        }
-    });
-    EXPECT_EQ(strPrinted, bReported ? strText + "\n" : "");
-    return strText;
-}
-
-std::string reportOf(const std::string& strMessage) {
-    return std::string("SafePointer Report:") + typeid(Widget).name() + " " + strMessage;
+// Expects that an action prints the report of a misuse, and throws the same text.
+template <class Action>
+void expectReport(const std::string& strMessage, const Action& objAction) {
+    const std::string strReport =
+        std::string("SafePointer Report:") + typeid(Widget).name() + " " + strMessage;
+    EXPECT_EQ(captureOutput([&] { EXPECT_EQ(thrownText<KXRuntimeError>(objAction), strReport); }),
+              strReport + "\n");
 }
 
 class SafePointerTest : public testing::Test {
@@ -81,111 +72,70 @@ protected:
 
 TEST_F(SafePointerTest, LastHolderDeletesTheObjectOnce) {
     {
-        SafePointer<Widget> objFirst = makeWidget();
+        SafePointer<Widget> objHolder;
+        EXPECT_TRUE(objHolder.isNull());
+        objHolder = *&objHolder;  // to itself: nothing happens, not even to a null one
+        objHolder = makeWidget();
         {
-            const SafePointer<Widget> objSecond = objFirst;
-            EXPECT_EQ(objSecond.get(), objFirst.get());
+            const SafePointer<Widget> objCopy = objHolder;
+            EXPECT_EQ(objCopy.get(), objHolder.get());
         }
+        objHolder = *&objHolder;
         EXPECT_EQ(m_nAlive, 1);
-        objFirst = *&objFirst;  // to itself: nothing happens
-        EXPECT_EQ(m_nAlive, 1);
-        objFirst = makeWidget();
+        {
+            const SafePointer<Gadget> objDerived = wrapSafe(std::make_unique<Gadget>(m_nAlive));
+            objHolder = objDerived;
+        }
         EXPECT_EQ(m_nAlive, 1);
     }
     EXPECT_EQ(m_nAlive, 0);
-}
-
-TEST_F(SafePointerTest, ConvertsToItsBaseAndDeletesThroughIt) {
-    SafePointer<Widget> objBase;
-    {
-        const SafePointer<Gadget> objDerived = wrapSafe(std::make_unique<Gadget>(m_nAlive));
-        objBase = objDerived;
-    }
-    EXPECT_EQ(m_nAlive, 1);
-    objBase = wrapSafe<Widget>(std::make_unique<Gadget>(m_nAlive));
-    EXPECT_EQ(m_nAlive, 1);
-}
-
-TEST_F(SafePointerTest, NullHolderCanBeAskedAssignedAndDestroyed) {
-    SafePointer<Widget> objNull;
-    EXPECT_TRUE(objNull.isNull());
-    EXPECT_EQ(objNull.get(), nullptr);
-    objNull = *&objNull;
-    objNull = makeWidget();
-    EXPECT_FALSE(objNull.isNull());
 }
 
 TEST_F(SafePointerTest, MisuseOfNullIsReported) {
     const SafePointer<Widget> objNull;
     const SafePointer<Gadget> objNullGadget;
     SafePointer<Widget> objTarget = makeWidget();
-    Widget* const pBefore = objTarget.get();
-    const struct {
-        const char* m_pMessage;
-        std::function<void()> m_objMisuse;
-    } arrCases[] = {
-        {"Construct from NULL original pointer",
-         [] { SafePointer<Widget> objHolder(static_cast<Widget*>(nullptr)); }},
-        {"Construct from NULL <T>pointer", [&] { SafePointer<Widget> objCopy(objNull); }},
-        {"Construct from NULL <T>pointer", [&] { SafePointer<Widget> objCopy(objNullGadget); }},
-        {"Assigned NULL <T>pointer", [&] { objTarget = objNull; }},
-        {"Use NULL pointer ->", [&] { static_cast<void>(objNull->m_nAlive); }},
-        {"Use NULL pointer *", [&] { static_cast<void>(*objNull); }},
-    };
-    for (const auto& objCase : arrCases) {
-        EXPECT_EQ(thrownBy(objCase.m_objMisuse, true), reportOf(objCase.m_pMessage));
-    }
-    EXPECT_EQ(objTarget.get(), pBefore);
+    expectReport("Construct from NULL original pointer",
+                 [] { SafePointer<Widget> objHolder(static_cast<Widget*>(nullptr)); });
+    expectReport("Construct from NULL <T>pointer", [&] { SafePointer<Widget> objCopy(objNull); });
+    expectReport("Construct from NULL <T>pointer",
+                 [&] { SafePointer<Widget> objCopy(objNullGadget); });
+    expectReport("Assigned NULL <T>pointer", [&] { objTarget = objNull; });
+    expectReport("Use NULL pointer ->", [&] { static_cast<void>(objNull->m_nAlive); });
+    expectReport("Use NULL pointer *", [&] { static_cast<void>(*objNull); });
+    EXPECT_EQ(&objTarget->m_nAlive, &m_nAlive);
     EXPECT_EQ(m_nAlive, 1);
 }
 
 TEST_F(SafePointerTest, CopyOfADestructedHolderIsReported) {
     Widget objWidget(m_nAlive);
-    LooseSlot objDeadSlot(&objWidget);
-    objDeadSlot.getMutex().destroy();
-    LooseSlot objEmptySlot(&objWidget);
-    const struct {
-        SafePointerSlot* m_pSlot;
-        const char* m_pMessage;
-    } arrCases[] = {
-        {nullptr, "Already destructed 1"},
-        {&objDeadSlot, "Already destructed 2"},
-        {&objEmptySlot, "Already destructed 3"},
+    LooseSlot objDead(&objWidget);
+    objDead.getMutex().destroy();
+    LooseSlot objEmpty(&objWidget);
+    const auto objCopy = [&](SafePointerSlot* pSlot) {
+        return [&objWidget, pSlot] { RawHolder(&objWidget, pSlot).copyAndForget(); };
     };
-    for (const auto& objCase : arrCases) {
-        RawHolder objHolder(&objWidget, objCase.m_pSlot);
-        EXPECT_EQ(thrownBy([&] { objHolder.copyAndForget(); }, true), reportOf(objCase.m_pMessage));
-    }
+    expectReport("Already destructed 1", objCopy(nullptr));
+    expectReport("Already destructed 2", objCopy(&objDead));
+    expectReport("Already destructed 3", objCopy(&objEmpty));
     // The last of them unlocked its slot, or this would wait for ever.
-    std::thread([&] { EXPECT_EQ(objEmptySlot.lock(), 0); }).join();
+    std::jthread([&] { EXPECT_EQ(objEmpty.lock(), 0); }).join();
 }
 
-TEST_F(SafePointerTest, StaleHolderIsToldOnCopyAndAtItsEnd) {
+TEST_F(SafePointerTest, HolderOfAnotherObjectsSlotIsToldOnCopyAndAtItsEnd) {
     // The slot stays locked for good, so this happens in a process of its own.
-    outputOfChild([&] {
+    const std::string strOutput = outputOfChild([&] {
         SafePointer<Widget> objHolder = makeWidget();
-        Widget* const pGone = objHolder.get();
         SafePointerSlot* const pSlot = RawHolder::slotOf(objHolder);
-        objHolder = makeWidget();
-        ASSERT_EQ(m_nAlive, 1);
-
-        const auto objCopyStale = [&] {
-            RawHolder objStale(pGone, pSlot);
-            objStale.copyAndForget();
-        };
-        const auto objEndStale = [&] { RawHolder objStale(pGone, pSlot); };
-        EXPECT_EQ(thrownBy(objCopyStale, false), "not valid pointer in inc_reference ");
-        EXPECT_EQ(thrownBy(objEndStale, false), "not valid pointer in dec_reference");
-
-        const SafePointer<Widget> objReuser = wrapSafe(std::make_unique<Widget>(m_nAlive));
-        ASSERT_EQ(RawHolder::slotOf(objReuser), pSlot);
-        Widget objElsewhere(m_nAlive);
-        const auto objCopyReused = [&] {
-            RawHolder objStale(&objElsewhere, pSlot);
-            objStale.copyAndForget();
-        };
-        EXPECT_EQ(thrownBy(objCopyReused, false), "not valid pointer in inc_reference ");
+        Widget objStale(m_nAlive);
+        const auto objCopy = [&] { RawHolder(&objStale, pSlot).copyAndForget(); };
+        const auto objEnd = [&] { RawHolder(&objStale, pSlot); };
+        EXPECT_EQ(thrownText<KXRuntimeError>(objCopy), "not valid pointer in inc_reference ");
+        EXPECT_EQ(thrownText<KXRuntimeError>(objEnd), "not valid pointer in dec_reference");
+        objHolder = makeWidget();  // and now the slot has no object at all
+        EXPECT_EQ(thrownText<KXRuntimeError>(objCopy), "not valid pointer in inc_reference ");
     });
+    EXPECT_EQ(strOutput, "");
 }
 
 TEST_F(SafePointerTest, WrapSafeFreesTheObjectWhenTheTableIsFull) {
@@ -194,16 +144,13 @@ TEST_F(SafePointerTest, WrapSafeFreesTheObjectWhenTheTableIsFull) {
     };
     const auto objMakeToken = [&] { return wrapSafe(std::make_unique<Token>(m_nAlive)); };
     outputOfChild([&] {
-        std::vector<SafePointer<Token>> vecHolders;
-        vecHolders.reserve(20096);
-        while (vecHolders.size() < 20096) {
-            vecHolders.push_back(objMakeToken());
+        std::vector<SafePointer<Token>> vecHolders(20096);
+        for (SafePointer<Token>& objHolder : vecHolders) {
+            objHolder = objMakeToken();
         }
         const auto pobjRaw = std::make_unique<Token>(m_nAlive);
-        const std::string strText =
-            thrownBy([&] { SafePointer<Token> objHolder(pobjRaw.get()); }, false);
-        EXPECT_THAT(strText, testing::StartsWith("too much safe poniter(NameMapSize="));
-        EXPECT_THAT(strText,
+        const auto objWrapRaw = [&] { SafePointer<Token> objHolder(pobjRaw.get()); };
+        EXPECT_THAT(thrownText<KXRuntimeError>(objWrapRaw),
                     testing::HasSubstr("(" + std::string(typeid(Token).name()) + ",20096)"));
         EXPECT_EQ(m_nAlive, 20097);  // a raw pointer stays with the caller
         EXPECT_THROW(objMakeToken(), KXRuntimeError);
@@ -227,23 +174,17 @@ TEST_F(SafePointerTest, OldObjectMayHoldTheSourceOfAnAssignment) {
 }
 
 TEST_F(SafePointerTest, HoldersInManyThreadsKeepOneCount) {
-    {
-        const SafePointer<Widget> objShared = makeWidget();
-        std::vector<std::thread> vecThreads;
-        for (int nThread = 0; nThread < 4; ++nThread) {
-            vecThreads.emplace_back([&] {
-                const SafePointer<Widget> objOwn = objShared;
-                for (int nRound = 0; nRound < 300; ++nRound) {
-                    const SafePointer<Widget> objCopy = objOwn;
-                    const SafePointer<Widget> objNew = makeWidget();
-                    EXPECT_NE(objCopy.get(), objNew.get());
-                }
-            });
-        }
-        for (std::thread& objThread : vecThreads) {
-            objThread.join();
-        }
-        EXPECT_EQ(m_nAlive, 1);
+    const SafePointer<Widget> objShared = makeWidget();
+    std::vector<std::jthread> vecThreads;
+    for (int nThread = 0; nThread < 4; ++nThread) {
+        vecThreads.emplace_back([&] {
+            for (int nRound = 0; nRound < 300; ++nRound) {
+                const SafePointer<Widget> objCopy = objShared;
+                const SafePointer<Widget> objNew = makeWidget();
+                EXPECT_NE(objCopy.get(), objNew.get());
+            }
+        });
     }
-    EXPECT_EQ(m_nAlive, 0);
+    vecThreads.clear();
+    EXPECT_EQ(m_nAlive, 1);
 }
