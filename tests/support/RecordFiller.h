@@ -24,49 +24,43 @@ public:
     }
 
 private:
+    template <class T>
+    static void put(void* pMember, T value) {
+        *static_cast<T*>(pMember) = std::move(value);
+    }
+
     void fillField(const FieldDescriptor& field, void* pRecord) {
         void* pMember = &memberOf<char>(pRecord, field.nOffset);
         switch (field.nKind) {
             case FieldKind::Bool:
-                *static_cast<bool*>(pMember) = m_bFlag;
-                break;
+                return put(pMember, m_bFlag);
             case FieldKind::Int:
-                *static_cast<int*>(pMember) = m_nNext++;
-                break;
+                return put(pMember, m_nNext++);
             case FieldKind::UnsignedShort:
-                *static_cast<unsigned short*>(pMember) = static_cast<unsigned short>(m_nNext++);
-                break;
+                return put(pMember, static_cast<unsigned short>(m_nNext++));
             case FieldKind::Float:
-                *static_cast<float*>(pMember) = static_cast<float>(m_nNext++) + 0.5F;
-                break;
+                return put(pMember, static_cast<float>(m_nNext++) + 0.5F);
             case FieldKind::Double:
-                *static_cast<double*>(pMember) = m_nNext++ + 0.25;
-                break;
+                return put(pMember, m_nNext++ + 0.25);
             case FieldKind::String:
-                *static_cast<std::string*>(pMember) = text();
-                break;
+                return put(pMember, text());
             case FieldKind::Record:
             case FieldKind::Element:
-                fill(field.nested(), pMember);
-                break;
+                return fill(field.nested(), pMember);
             case FieldKind::RecordList:
             case FieldKind::ElementList:
             case FieldKind::JoinedRecords:
-                fillList(field.nested(), pMember);
-                break;
+                return fillList(field.nested(), pMember);
             case FieldKind::IntList:
             case FieldKind::JoinedInts:
-                *static_cast<std::vector<int>*>(pMember) = {m_nNext, -m_nNext};
+                put(pMember, std::vector<int>{m_nNext, -m_nNext});
                 ++m_nNext;
-                break;
+                return;
             case FieldKind::StringList:
-                *static_cast<std::vector<std::string>*>(pMember) = {text(), ""};
-                break;
+                return put(pMember, std::vector<std::string>{text(), ""});
             case FieldKind::Block:
-                *static_cast<OptionalBlock*>(pMember) =
-                    std::vector<std::uint8_t>{0, 255, static_cast<std::uint8_t>(m_nNext++)};
                 memberOf<int>(pRecord, field.nOtherOffset) = 3;
-                break;
+                return put(pMember, OptionalBlock({0, 255, static_cast<std::uint8_t>(m_nNext++)}));
         }
     }
 

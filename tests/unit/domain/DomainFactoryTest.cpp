@@ -1,114 +1,79 @@
 // The tables of the vocabulary: by name, by list name, by id.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <map>
 #include <set>
 #include <string>
 
 #include "Product/Technic/LogFilter.h"
 #include "domain/DomainFactory.h"
-#include "domain/RecordDescriptor.h"
 #include "support/CapturedOutput.h"
 #include "support/RecordFiller.h"
+#include "support/RecordLists.h"
 
 namespace {
 
-std::vector<const RecordDescriptor*> records() {
-    std::vector<const RecordDescriptor*> vecRecords = recordDescriptors();
-    std::erase_if(vecRecords, [](const RecordDescriptor* p) { return p->isElement; });
-    return vecRecords;
+std::string listName(const std::string& strName) {
+    static const std::map<std::string, std::string> Odd = {
+        {"PTZNorth", "PTZNorthV2List"},
+        {"PTZSpeedParam", "PTZSpeedParamV2List"},
+        {"PTZTraceCmdItem", "PTZTraceCmdItemV1List"},
+        {"ScanAbilityParamV2", "ScanAbilityParamList"},
+        {"AppTokenList", "AppTokenList"}};
+    const auto found = Odd.find(strName);
+    return found == Odd.end() ? strName + "List" : found->second;
 }
 
-std::vector<const RecordDescriptor*> rows() {
-    std::vector<const RecordDescriptor*> vecRows = records();
-    std::erase_if(vecRows, [](const RecordDescriptor* p) { return p->szName == nullptr; });
-    return vecRows;
-}
+constexpr std::uint32_t None = 0xFFFFFFFF;
 
-// What a name leads to, for the names that two types share.
-const std::map<std::string, std::uint32_t> Doubled = {
-    {"ImageFormat", 143},  {"RecordState", 282},  {"DeviceSummaryInfo", 409},
-    {"HostNetwork", 410},  {"RecordPolicy", 411}, {"RecordTimeSegment", 413},
-    {"ScheduleTime", 414}, {"AlarmOutId", 1106}};
-
-std::uint32_t winner(const RecordDescriptor& row) {
-    const auto found = Doubled.find(row.szName);
-    return found == Doubled.end() ? row.nDomainId : found->second;
-}
-
-std::uint32_t elementId(const BaseDomain* pRecord) {
+// The id of a list's elements, None for what is no list.
+std::uint32_t elementId(const std::unique_ptr<BaseDomain>& pRecord) {
     return pRecord != nullptr && pRecord->getDomainId() == ContainerDomainId
                ? effectiveDomainId(*pRecord)
-               : 0xFFFFFFFF;
+               : None;
 }
 
-TEST(DomainFactory, EveryRowIsFoundByIdAndByName) {
-    std::set<std::string> setNames;
+TEST(DomainFactory, EveryRowIsFoundByIdByNameAndByListName) {
+    std::map<std::string, std::uint32_t> mapFirst;  // of the types that share a name
+    std::set<std::string> setLists;
     int nRows = 0;
-    for (const RecordDescriptor* pRow : rows()) {
+    int nLists = 0;
+    int nOddNames = 0;
+    for (const RecordDescriptor* pRow : namedRecords()) {
         SCOPED_TRACE(pRow->szClass);
+        const std::string strRow = pRow->szName;
         std::string strName;
         EXPECT_TRUE(getDomainName(pRow->nDomainId, strName));
-        EXPECT_EQ(strName, pRow->szName);
-        setNames.insert(strName);
-        const auto pRecord = createSingleDomain(strName);
+        EXPECT_EQ(strName, strRow);
+        EXPECT_TRUE(getDomainNameOfRecord(*pRow->access.make(), strName));
+        EXPECT_EQ(strName, strRow);
+        EXPECT_TRUE(getDomainNameOfRecord(*pRow->access.makeContainer(), strName));
+        EXPECT_EQ(strName, strRow + "List");
+        nOddNames += strRow == pRow->szClass || "Et" + strRow == pRow->szClass ? 0 : 1;
+
+        const std::uint32_t nFirst = mapFirst.emplace(strRow, pRow->nDomainId).first->second;
+        const auto pRecord = createSingleDomain(strRow);
         ASSERT_NE(pRecord, nullptr);
-        EXPECT_EQ(pRecord->getDomainId(), winner(*pRow));
-        EXPECT_TRUE(getDomainNameOfRecord(*pRecord, strName));
-        EXPECT_EQ(strName, pRow->szName);
-        const auto pList = pRow->access.makeContainer();
-        EXPECT_EQ(elementId(pList.get()), pRow->nDomainId);
-        EXPECT_TRUE(getDomainNameOfRecord(*pList, strName));
-        EXPECT_EQ(strName, pRow->szName + std::string("List"));
-        // The name is that of the class, but for the prefix and the odd ones.
-        const std::string strClass = pRow->szClass;
-        const bool bPlain = strName == strClass + "List" || "Et" + strName == strClass + "List";
-        const bool bOdd = strClass == "BlindAreaInfo" || strClass == "ScanAbilityParam" ||
-                          strClass == "AbnormalSpeedAbility";
-        EXPECT_NE(bPlain, bOdd);
+        EXPECT_EQ(pRecord->getDomainId(), nFirst);
+        const std::uint32_t nListed = elementId(createListDomain(listName(strRow)));
+        EXPECT_EQ(nListed, pRow->szList != nullptr ? nFirst : None);
+        if (nListed != None) {
+            setLists.insert(listName(strRow));
+            ++nLists;
+        }
         ++nRows;
     }
     EXPECT_EQ(nRows, 649);
-    EXPECT_EQ(setNames.size(), 641U);
-}
-
-TEST(DomainFactory, ListNamesAreTheNamesWithListButForTheOddOnes) {
-    const std::map<std::string, std::string> Odd = {{"PTZNorth", "PTZNorthV2List"},
-                                                    {"PTZSpeedParam", "PTZSpeedParamV2List"},
-                                                    {"PTZTraceCmdItem", "PTZTraceCmdItemV1List"},
-                                                    {"ScanAbilityParamV2", "ScanAbilityParamList"},
-                                                    {"AppTokenList", "AppTokenList"}};
-    std::set<std::string> setNames;
-    int nLists = 0;
-    int nWithout = 0;
-    for (const RecordDescriptor* pRow : rows()) {
-        SCOPED_TRACE(pRow->szClass);
-        const auto odd = Odd.find(pRow->szName);
-        const std::string strList =
-            odd == Odd.end() ? pRow->szName + std::string("List") : odd->second;
-        const auto pList = createListDomain(strList);
-        if (pRow->szList == nullptr) {
-            EXPECT_EQ(pList, nullptr);
-            ++nWithout;
-            continue;
-        }
-        EXPECT_EQ(elementId(pList.get()), winner(*pRow));
-        setNames.insert(strList);
-        ++nLists;
-    }
+    EXPECT_EQ(mapFirst.size(), 641U);
+    EXPECT_EQ(nOddNames, 3);
     EXPECT_EQ(nLists, 575);
-    EXPECT_EQ(setNames.size(), 567U);
-    EXPECT_EQ(nWithout, 74);
-    for (const char* szWithout : {"TripWireParam", "DDNSParam", "CLBRParam", "EtPTZUserConfig",
-                                  "UpdateSoftware", "AbnormalSpeedAblity", "VideoRect"}) {
-        EXPECT_EQ(createListDomain(szWithout + std::string("List")), nullptr) << szWithout;
-    }
+    EXPECT_EQ(setLists.size(), 567U);
 }
 
 TEST(DomainFactory, WhatOccursOnlyNestedHasNoName) {
     int nNested = 0;
-    for (const RecordDescriptor* pRecord : records()) {
+    for (const RecordDescriptor* pRecord : allRecords()) {
         std::string strName = "kept";
         if (pRecord->szName == nullptr && pRecord->nDomainId != 0) {
             EXPECT_FALSE(getDomainName(pRecord->nDomainId, strName)) << pRecord->szClass;
@@ -119,41 +84,25 @@ TEST(DomainFactory, WhatOccursOnlyNestedHasNoName) {
         }
     }
     EXPECT_EQ(nNested, 66);
-    EXPECT_EQ(records().size(), 649U + 66U + 1U);
+    EXPECT_EQ(allRecords().size(), 649U + 66U + 1U);
     EXPECT_EQ(findRecordDescriptor("IntelligentEvent")->nDomainId, 0U);
     EXPECT_STREQ(findRecordDescriptor(0U)->szClass, "BaseDomain");
     EXPECT_EQ(findRecordDescriptor("Nobody"), nullptr);
 }
 
 TEST(DomainFactory, FirstRowsOfTheVocabulary) {
-    const std::pair<std::uint32_t, const char*> Rows[] = {{0, "BaseDomain"},
-                                                          {52, "BlindAreaInfoV2"},
-                                                          {302, "ScanAbilityParamV2"},
-                                                          {801, "Result"},
-                                                          {1107, "ImageFormat"},
-                                                          {1106, "AlarmOutId"},
-                                                          {5079, "AlarmOutId"},
-                                                          {2001, "AbnormalSpeedAblity"},
-                                                          {6407, "EtThermalOperation"},
-                                                          {4600, "EtPTZLastStateConfig"},
-                                                          {4601, "EtPTZUserConfig"},
-                                                          {1929, "PackFormat"}};
-    for (const auto& [nId, szName] : Rows) {
-        std::string strName;
-        EXPECT_TRUE(getDomainName(nId, strName));
-        EXPECT_EQ(strName, szName);
+    struct Row {
+        std::uint32_t nId;
+        const char* szName;
+    };
+    for (const Row& row :
+         {Row{0, "BaseDomain"}, Row{52, "BlindAreaInfoV2"}, Row{302, "ScanAbilityParamV2"},
+          Row{801, "Result"}, Row{1107, "ImageFormat"}, Row{1106, "AlarmOutId"},
+          Row{5079, "AlarmOutId"}, Row{2001, "AbnormalSpeedAblity"}, Row{1929, "PackFormat"},
+          Row{6407, "EtThermalOperation"}, Row{4600, "EtPTZLastStateConfig"},
+          Row{4601, "EtPTZUserConfig"}}) {
+        EXPECT_STREQ(findRecordDescriptor(row.nId)->szName, row.szName);
     }
-}
-
-TEST(DomainFactory, ANameWithListIsAListFirst) {
-    EXPECT_EQ(elementId(createDomain("NTPParamList").get()), 206U);
-    EXPECT_EQ(createDomain("NTPParam")->getDomainId(), 206U);
-    EXPECT_EQ(elementId(createDomain("HostNetworkList").get()), 410U);
-    EXPECT_EQ(elementId(createDomain("AlarmOutIdList").get()), 1106U);
-    EXPECT_EQ(elementId(createDomain("AppTokenList").get()), 1921U);
-    EXPECT_EQ(elementId(createDomain("BaseDomainList").get()), 0U);
-    EXPECT_EQ(createDomain("HoldTypeList")->getDomainId(), 1079U);
-    EXPECT_EQ(createDomain("StringList")->getDomainId(), 1029U);
 }
 
 class DomainFactoryLog : public testing::Test {
@@ -162,45 +111,65 @@ protected:
     void TearDown() override { setLogFilter(0); }
 };
 
-TEST_F(DomainFactoryLog, EachMissIsOneLine) {
-    const auto lines = [](const std::string& strName) {
-        return captureOutput([&] { createDomain(strName); });
+TEST_F(DomainFactoryLog, ANameWithListIsAListFirstAndEachMissIsOneLine) {
+    struct Case {
+        const char* szName;
+        std::uint32_t nId, nElementId;
+        int nMisses;
     };
-    const auto missed = [](const std::string& strName) {
-        return "DomainFactory not have Domain(" + strName + ")!! \n";
-    };
-    EXPECT_EQ(lines("NTPParam"), "");
-    EXPECT_EQ(lines("NTPParamList"), "");
-    EXPECT_EQ(lines("HoldTypeList"), missed("HoldTypeList"));
-    for (const char* szTwice : {"TripWireParamList", "EtHoldTypeList", "ListOfNothing"}) {
-        EXPECT_EQ(lines(szTwice), missed(szTwice) + missed(szTwice));
-        EXPECT_EQ(createDomain(szTwice), nullptr);
-    }
-    for (const char* szOnce : {"ntpparam", "", "NTPParam ", "EtResult", "%s%n"}) {
-        EXPECT_EQ(lines(szOnce), missed(szOnce));
-        EXPECT_EQ(createDomain(szOnce), nullptr);
+    for (const Case& one : {Case{"NTPParamList", ContainerDomainId, 206, 0},
+                            Case{"HostNetworkList", ContainerDomainId, 410, 0},
+                            Case{"AlarmOutIdList", ContainerDomainId, 1106, 0},
+                            Case{"AppTokenList", ContainerDomainId, 1921, 0},
+                            Case{"BaseDomainList", ContainerDomainId, 0, 0},
+                            Case{"NTPParam", 206, None, 0},
+                            Case{"HoldTypeList", 1079, None, 1},
+                            Case{"StringList", 1029, None, 1},
+                            Case{"TripWireParamList", None, None, 2},
+                            Case{"EtHoldTypeList", None, None, 2},
+                            Case{"DDNSParamList", None, None, 2},
+                            Case{"VideoRectList", None, None, 2},
+                            Case{"UpdateSoftwareList", None, None, 2},
+                            Case{"ImageFormat", 143, None, 0},
+                            Case{"DeviceSummaryInfo", 409, None, 0},
+                            Case{"ScheduleTime", 414, None, 0},
+                            Case{"ListOfNothing", None, None, 2},
+                            Case{"ntpparam", None, None, 1},
+                            Case{"", None, None, 1},
+                            Case{"NTPParam ", None, None, 1},
+                            Case{"EtResult", None, None, 1},
+                            Case{"%s%n", None, None, 1}}) {
+        SCOPED_TRACE(one.szName);
+        std::string strLines;
+        for (int i = 0; i < one.nMisses; ++i) {
+            strLines += std::string("DomainFactory not have Domain(") + one.szName + ")!! \n";
+        }
+        std::unique_ptr<BaseDomain> pRecord;
+        EXPECT_EQ(captureOutput([&] { pRecord = createDomain(one.szName); }), strLines);
+        EXPECT_EQ(pRecord != nullptr ? pRecord->getDomainId() : None, one.nId);
+        EXPECT_EQ(elementId(pRecord), one.nElementId);
     }
 }
 
 TEST_F(DomainFactoryLog, AnUnknownIdIsOneLine) {
-    for (const std::uint32_t nId : {99999U, 7U, 1801U, 4294967295U}) {
+    struct Case {
+        std::uint32_t nId;
+        const char* szShown;
+    };
+    for (const Case& one :
+         {Case{99999, "99999"}, Case{7, "7"}, Case{1801, "1801"}, Case{4294967295, "-1"}}) {
         std::string strName = "kept";
-        const std::string strPrinted =
-            captureOutput([&] { EXPECT_FALSE(getDomainName(nId, strName)); });
-        EXPECT_EQ(strPrinted.find("[DomainFactory getDomainName "), 0U) << strPrinted;
-        EXPECT_NE(strPrinted.find("] DomainFactory not have Domain(" +
-                                  std::to_string(static_cast<int>(nId)) + ") !! Failed\n"),
-                  std::string::npos)
-            << strPrinted;
+        EXPECT_THAT(captureOutput([&] { EXPECT_FALSE(getDomainName(one.nId, strName)); }),
+                    testing::MatchesRegex("\\[DomainFactory getDomainName [0-9]+\\] DomainFactory "
+                                          "not have Domain\\(" +
+                                          std::string(one.szShown) + "\\) !! Failed\n"));
         EXPECT_EQ(strName, "kept");
     }
 }
 
-// ---- reflection
-
 TEST(RecordDescriptor, EqualMeansEveryField) {
     int nRecords = 0;
-    for (const RecordDescriptor* pRecord : records()) {
+    for (const RecordDescriptor* pRecord : allRecords()) {
         SCOPED_TRACE(pRecord->szClass);
         const auto pLeft = pRecord->access.make();
         const auto pRight = pRecord->access.make();
@@ -209,13 +178,8 @@ TEST(RecordDescriptor, EqualMeansEveryField) {
         RecordFiller().fill(*pRecord, pLeft.get());
         const bool bHasFields = pRecord->nFieldCount > 0 || pRecord->base != nullptr;
         EXPECT_NE(equalRecords(*pRecord, pLeft.get(), pRight.get()), bHasFields);
-        // Each field by itself.
-        for (std::size_t i = 0; i < pRecord->nFieldCount; ++i) {
-            RecordDescriptor one = *pRecord;
-            one.base = nullptr;
-            one.pFields += i;
-            one.nFieldCount = 1;
-            EXPECT_FALSE(equalRecords(one, pLeft.get(), pRight.get())) << one.pFields->szTag;
+        for (const FieldDescriptor& field : *pRecord) {
+            EXPECT_FALSE(equalFields(field, pLeft.get(), pRight.get())) << field.szTag;
         }
         RecordFiller().fill(*pRecord, pRight.get());
         EXPECT_TRUE(equalRecords(*pRecord, pLeft.get(), pRight.get()));

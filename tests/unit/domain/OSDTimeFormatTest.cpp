@@ -4,12 +4,12 @@
 #include "domain/OSDTimeFormat.h"
 
 TEST(OSDTimeFormat, NumbersTheTextsInTheirOrder) {
-    EXPECT_STREQ(osdTimeFormatText(0), "ErrorFormat");
-    EXPECT_STREQ(osdTimeFormatText(1), "YYYY-MM-DD hh:mm:ss");
-    EXPECT_STREQ(osdTimeFormatText(2), "hh:mm:ss YYYY-MM-DD");
-    EXPECT_STREQ(osdTimeFormatText(3), "MM/DD/YYYY hh:mm:ss");
-    EXPECT_STREQ(osdTimeFormatText(4), "hh:mm:ss MM/DD/YYYY");
-    EXPECT_STREQ(osdTimeFormatText(5), "weekday MM/DD/YYYY hh:mm:ss");
-    EXPECT_STREQ(osdTimeFormatText(-1), "ErrorFormat");
-    EXPECT_STREQ(osdTimeFormatText(6), "ErrorFormat");
+    int nNumber = -1;
+    for (const char* szText : {"ErrorFormat", "ErrorFormat", "YYYY-MM-DD hh:mm:ss",
+                               "hh:mm:ss YYYY-MM-DD", "MM/DD/YYYY hh:mm:ss", "hh:mm:ss MM/DD/YYYY",
+                               "weekday MM/DD/YYYY hh:mm:ss", "ErrorFormat"}) {
+        EXPECT_STREQ(osdTimeFormatText(nNumber), szText) << nNumber;
+        ++nNumber;
+    }
+    EXPECT_EQ(nNumber, 7);
 }
