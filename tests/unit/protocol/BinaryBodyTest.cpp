@@ -1,45 +1,15 @@
 // The five binary forms of a body, byte by byte.
 #include <gtest/gtest.h>
 
-#include <functional>
-#include <typeinfo>
-
 #include "domain/ChannelId.h"
-#include "domain/DataBuffer.h"
-#include "domain/DomainVectorContainer.h"
 #include "domain/EtCOMWriteData.h"
 #include "domain/EtFileDataPack.h"
 #include "domain/EtPTZOperation.h"
-#include "domain/EtResult.h"
-#include "protocol/COMWriteDataCommandBodyParser.h"
-#include "protocol/FileReadDataCommandBodyParser.h"
 #include "protocol/ICommandBodyParser.h"
 #include "protocol/NetworkOrder.h"
-#include "protocol/PTZOperationBodyParser.h"
-#include "protocol/ParamImportReqBodyParser.h"
-#include "protocol/RemoteSnapshotRespBodyParser.h"
-#include "protocol/SDKNormalXmlBodyParser.h"
-#include "support/WireBytes.h"
+#include "support/WireCommands.h"
 
 namespace {
-
-DataBuffer dataOf(const std::string& strBytes) {
-    DataBuffer data;
-    data.setData(reinterpret_cast<const std::uint8_t*>(strBytes.data()),
-                 static_cast<std::int32_t>(strBytes.size()));
-    return data;
-}
-
-std::string bytesOf(const DataBuffer& data) {
-    return {reinterpret_cast<const char*>(data.getData()),
-            static_cast<std::size_t>(data.getSize())};
-}
-
-EtResult resultOf(int nCode) {
-    EtResult result;
-    result.setCode(nCode);
-    return result;
-}
 
 EtCOMWriteData comWrite(const std::string& strData) {
     EtCOMWriteData write;
@@ -70,259 +40,121 @@ struct Form {
     std::uint32_t nCommandID;
     Records records;  // unneeded ones among them, in an order that is not that of the bytes
     std::string strBytes;
-    std::size_t nLengthOffset;              // of the first length in the body
-    std::size_t nShorterForm = 0;           // a shorter body that is whole as well
-    std::vector<std::uint32_t> vecReadIds;  // of the records that come back
+    std::vector<std::uint32_t> vecReadIds;         // of the records that come back
+    std::size_t nLengthOffset = 0;                 // of the first length in the body
+    std::size_t nShorterForm = std::string::npos;  // a shorter body that is whole as well
 };
 
-const Form& comForm() {
-    static const Form form{33019,
-                           recordsOf(ChannelId(), comWrite("xyz")),
-                           fromHex("00 00 00 03 78 79 7A 00 00 00 02 80 00 00 03"),
-                           0,
-                           0,
-                           {1067}};
-    return form;
+std::vector<Form> forms() {
+    const Records com = recordsOf(ChannelId(), comWrite("xyz"));
+    const std::string strCom = fromHex("00 00 00 03 78 79 7A 00 00 00 02 80 00 00 03");
+    const Records ptz = recordsOf(resultOf(-2), ptzOperation("UP", "gate"));
+    const std::string strPTZ =
+        fromHex("FF FF FF FE 00 00 00 05 00 00 00 02 55 50 00 00 00 04 67 61 74 65 00 00 00 06");
+    const Records import = recordsOf(resultOf(1), dataOf("ab"));
+    const std::string strImport = fromHex("00 00 00 02 61 62");
+    const Records file = recordsOf(resultOf(0x01020201), filePack("data"));
+    const std::string strFile = fromHex("00 00 00 04 C1 01 02 02 01 64 61 74 61");
+    const Records image = recordsOf(resultOf(258), dataOf("IMG"));
+    const std::string strImage = fromHex("00 00 00 03 00 00 01 02 49 4D 47");
+    return {
+        {33019, com, strCom, {1067}},         {14006, ptz, strPTZ, {1009, 801}, 8, 22},
+        {33026, import, strImport, {416}},    {15020, file, strFile, {1125, 801}},
+        {47005, file, strFile, {1125, 801}},  {31026, image, strImage, {416, 801}},
+        {32743, image, strImage, {416, 801}}, {32821, image, strImage, {416, 801}},
+        {33028, image, strImage, {416, 801}},
+    };
 }
 
-const Form& ptzForm() {
-    static const Form form{14006,
-                           recordsOf(resultOf(-2), ptzOperation("UP", "gate")),
-                           fromHex("FF FF FF FE 00 00 00 05 00 00 00 02 55 50 "
-                                   "00 00 00 04 67 61 74 65 00 00 00 06"),
-                           8,
-                           22,
-                           {1009, 801}};
-    return form;
+// The bytes of a body, in a block of their size; empty when it is refused, without a block.
+std::string written(std::uint32_t nCommandID, const Records& records) {
+    CommandBuffer buffer;
+    const bool bWritten = createBodyParser(nCommandID)->createCommandBody(records, buffer);
+    EXPECT_EQ(bWritten, buffer.data() != nullptr);
+    EXPECT_EQ(buffer.getCapacity(), buffer.getLength());
+    return bytesOf(buffer);
 }
 
-const Form& importForm() {
-    static const Form form{
-        33026, recordsOf(resultOf(1), dataOf("ab")), fromHex("00 00 00 02 61 62"), 0, 0, {416}};
-    return form;
-}
-
-Form fileForm(std::uint32_t nCommandID) {
-    return {nCommandID,
-            recordsOf(resultOf(1), filePack("data")),
-            fromHex("00 00 00 04 C1 00 00 00 01 64 61 74 61"),
-            0,
-            0,
-            {1125, 801}};
-}
-
-Form snapshotForm(std::uint32_t nCommandID) {
-    return {nCommandID,
-            recordsOf(resultOf(258), dataOf("IMG")),
-            fromHex("00 00 00 03 00 00 01 02 49 4D 47"),
-            0,
-            0,
-            {416, 801}};
-}
-
-bool parse(std::uint32_t nCommandID, const std::string& strBytes, Records& records) {
-    return createBodyParser(nCommandID)->parseCommandBody(payloadOf(strBytes), records);
+Records parsed(std::uint32_t nCommandID, const std::string& strBytes) {
+    Records records;
+    EXPECT_TRUE(createBodyParser(nCommandID)->parseCommandBody(payloadOf(strBytes), records));
+    return records;
 }
 
 bool refuses(std::uint32_t nCommandID, const std::string& strBytes) {
     Records records;
-    return !parse(nCommandID, strBytes, records) && records.empty();
+    return !createBodyParser(nCommandID)->parseCommandBody(payloadOf(strBytes), records) &&
+           records.empty();
 }
 
-class BinaryBodyTest : public testing::TestWithParam<std::function<Form()>> {
-protected:
-    const Form m_objForm = GetParam()();
-};
-
-TEST_P(BinaryBodyTest, WritesTheBytesOfItsRecordsWhateverTheirOrder) {
-    CommandBuffer buffer;
-    const auto parser = createBodyParser(m_objForm.nCommandID);
-    ASSERT_TRUE(parser->createCommandBody(m_objForm.records, buffer));
-    EXPECT_EQ(::bytesOf(buffer), m_objForm.strBytes);
-    EXPECT_EQ(buffer.getCapacity(), m_objForm.strBytes.size());
-
-    const Records reversed(m_objForm.records.rbegin(), m_objForm.records.rend());
-    ASSERT_TRUE(parser->createCommandBody(reversed, buffer));
-    EXPECT_EQ(::bytesOf(buffer), m_objForm.strBytes);
-}
-
-TEST_P(BinaryBodyTest, ReadsItsRecordsInTheirFixedOrder) {
-    Records records;
-    ASSERT_TRUE(parse(m_objForm.nCommandID, m_objForm.strBytes, records));
-    std::vector<std::uint32_t> vecIds;
-    for (const auto& record : records) {
-        vecIds.push_back(record->getDomainId());
-    }
-    EXPECT_EQ(vecIds, m_objForm.vecReadIds);
-}
-
-TEST_P(BinaryBodyTest, IsNotWrittenWithoutARecordThatItNeeds) {
-    CommandBuffer buffer;
-    const auto parser = createBodyParser(m_objForm.nCommandID);
-    EXPECT_FALSE(parser->createCommandBody({}, buffer));
-    EXPECT_FALSE(parser->createCommandBody(recordsOf(resultOf(0)), buffer));
-    EXPECT_EQ(buffer.data(), nullptr);
-}
-
-TEST_P(BinaryBodyTest, IsRefusedWhenItEndsTooEarly) {
-    for (std::size_t nSize = 0; nSize < m_objForm.strBytes.size(); ++nSize) {
-        const std::string strCut = m_objForm.strBytes.substr(0, nSize);
-        EXPECT_EQ(refuses(m_objForm.nCommandID, strCut),
-                  nSize != m_objForm.nShorterForm || nSize == 0)
-            << nSize << " bytes";
+TEST(BinaryBodyTest, IsMadeOfItsRecordsInAnyOrderAndMakesThemInAFixedOne) {
+    for (const Form& form : forms()) {
+        SCOPED_TRACE(form.nCommandID);
+        const Records reversed(form.records.rbegin(), form.records.rend());
+        EXPECT_EQ(written(form.nCommandID, form.records), form.strBytes);
+        EXPECT_EQ(written(form.nCommandID, reversed), form.strBytes);
+        const Records records = parsed(form.nCommandID, form.strBytes);
+        EXPECT_EQ(idsOf(records), form.vecReadIds);
+        EXPECT_EQ(written(form.nCommandID, records), form.strBytes);
     }
 }
 
-TEST_P(BinaryBodyTest, IsRefusedWhenALengthPassesItsEnd) {
-    for (const char* szLength : {"00 00 00 40", "7F FF FF FF", "80 00 00 00", "FF FF FF FF",
-                                 "FF FF FF F4", "FF FF FF F8"}) {
-        std::string strBytes = m_objForm.strBytes;
-        strBytes.replace(m_objForm.nLengthOffset, 4, fromHex(szLength));
-        EXPECT_TRUE(refuses(m_objForm.nCommandID, strBytes)) << szLength;
+TEST(BinaryBodyTest, IsNotWrittenWithoutARecordThatItNeeds) {
+    for (const Form& form : forms()) {
+        EXPECT_EQ(written(form.nCommandID, {}), "") << form.nCommandID;
+        EXPECT_EQ(written(form.nCommandID, recordsOf(resultOf(0))), "") << form.nCommandID;
+    }
+    EXPECT_EQ(written(15020, recordsOf(filePack("a"))), "");
+    EXPECT_EQ(written(31026, recordsOf(dataOf("a"))), "");
+}
+
+TEST(BinaryBodyTest, IsRefusedWhenItEndsTooEarlyOrALengthPassesItsEnd) {
+    for (Form& form : forms()) {
+        SCOPED_TRACE(form.nCommandID);
+        for (std::size_t nSize = 0; nSize < form.strBytes.size(); ++nSize) {
+            EXPECT_EQ(refuses(form.nCommandID, form.strBytes.substr(0, nSize)),
+                      nSize != form.nShorterForm)
+                << nSize << " bytes";
+        }
+        for (const char* szLength : {"00 00 00 40", "7F FF FF FF", "80 00 00 00", "FF FF FF FF",
+                                     "FF FF FF F4", "FF FF FF F8"}) {
+            form.strBytes.replace(form.nLengthOffset, 4, fromHex(szLength));
+            EXPECT_TRUE(refuses(form.nCommandID, form.strBytes)) << szLength;
+        }
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Forms, BinaryBodyTest,
-                         testing::Values(
-                             comForm, ptzForm, importForm, [] { return fileForm(15020); },
-                             [] { return fileForm(47005); }, [] { return snapshotForm(31026); },
-                             [] { return snapshotForm(32743); }, [] { return snapshotForm(32821); },
-                             [] { return snapshotForm(33028); }),
-                         [](const auto& form) {
-                             return "Command" + std::to_string(form.param().nCommandID);
-                         });
-
-TEST(BodyFormTest, EachCommandIdHasItsForm) {
-    const std::pair<std::uint32_t, const std::type_info*> forms[] = {
-        {14006, &typeid(PTZOperationBodyParser)},
-        {15020, &typeid(FileReadDataCommandBodyParser)},
-        {47005, &typeid(FileReadDataCommandBodyParser)},
-        {33019, &typeid(COMWriteDataCommandBodyParser)},
-        {33026, &typeid(ParamImportReqBodyParser)},
-        {31026, &typeid(RemoteSnapshotRespBodyParser)},
-        {32743, &typeid(RemoteSnapshotRespBodyParser)},
-        {32821, &typeid(RemoteSnapshotRespBodyParser)},
-        {33028, &typeid(RemoteSnapshotRespBodyParser)},
-        {10000, &typeid(SDKNormalXmlBodyParser)},
-        {0, &typeid(SDKNormalXmlBodyParser)},
-    };
-    for (const auto& [nCommandID, pType] : forms) {
-        const auto parser = createBodyParser(nCommandID);
-        const ICommandBodyParser& objParser = *parser;
-        EXPECT_EQ(typeid(objParser), *pType) << nCommandID;
-    }
-}
-
-TEST(BinaryBodyFieldsTest, ASerialWriteComesBack) {
-    Records records;
-    ASSERT_TRUE(parse(33019, comForm().strBytes, records));
-    const auto& write = recordAt<EtCOMWriteData>(records, 0);
-    EXPECT_EQ(bytesOf(write.getComData()), "xyz");
-    EXPECT_EQ(write.getComId(), 2U);
-    EXPECT_EQ(write.getComType(), 0x80000003U);
-}
-
-TEST(BinaryBodyFieldsTest, APTZOperationComesBack) {
-    Records records;
-    ASSERT_TRUE(parse(14006, ptzForm().strBytes, records));
-    const auto& operation = recordAt<EtPTZOperation>(records, 0);
-    EXPECT_EQ(operation.getCameraId(), 5);
-    EXPECT_EQ(operation.getPTZOperation(), "UP");
-    EXPECT_EQ(operation.getName(), "gate");
-    EXPECT_EQ(operation.getPTZId(), 6);
-    EXPECT_EQ(recordAt<EtResult>(records, 1).getCode(), -2);
-}
-
-TEST(BinaryBodyFieldsTest, APTZAnswerOfAnOlderDeviceEndsAfterTheName) {
-    Records records;
-    ASSERT_TRUE(parse(14006, ptzForm().strBytes.substr(0, 22), records));
-    EXPECT_EQ(recordAt<EtPTZOperation>(records, 0).getPTZId(), 1);
-    EXPECT_EQ(recordAt<EtPTZOperation>(records, 0).getName(), "gate");
-}
-
-TEST(BinaryBodyFieldsTest, APTZOperationNeedsNoResultAndNoTexts) {
-    CommandBuffer buffer;
-    const std::string strEmpty =
-        fromHex("00 00 00 00 00 00 00 05 00 00 00 00 00 00 00 00 00 00 00 06");
-    ASSERT_TRUE(
-        createBodyParser(14006)->createCommandBody(recordsOf(ptzOperation("", "")), buffer));
-    EXPECT_EQ(::bytesOf(buffer), strEmpty);
-    Records records;
-    ASSERT_TRUE(parse(14006, strEmpty, records));
-    EXPECT_EQ(recordAt<EtPTZOperation>(records, 0).getPTZOperation(), "");
-}
-
-TEST(BinaryBodyFieldsTest, APTZTextEndsAtItsFirstZeroByte) {
-    Records records;
-    std::string strBytes = ptzForm().strBytes;
-    strBytes[12 + 1] = '\0';
-    strBytes[18 + 2] = '\0';
-    ASSERT_TRUE(parse(14006, strBytes, records));
-    EXPECT_EQ(recordAt<EtPTZOperation>(records, 0).getPTZOperation(), "U");
-    EXPECT_EQ(recordAt<EtPTZOperation>(records, 0).getName(), "ga");
-    EXPECT_EQ(recordAt<EtPTZOperation>(records, 0).getPTZId(), 6);
-}
-
-TEST(BinaryBodyFieldsTest, AFilePieceComesBackWithItsCodeAsTheBytesStand) {
-    Records records;
-    ASSERT_TRUE(parse(15020, fileForm(15020).strBytes, records));
-    EXPECT_EQ(bytesOf(recordAt<EtFileDataPack>(records, 0).getDataBuffer()), "data");
-    EXPECT_EQ(recordAt<EtFileDataPack>(records, 0).getPackFlag(), 0xC1);
-    const bool bLittleEndian = toNetworkOrder(std::uint32_t{1}) != 1;
-    EXPECT_EQ(recordAt<EtResult>(records, 1).getCode(), bLittleEndian ? 0x01000000 : 1);
-}
-
-TEST(BinaryBodyFieldsTest, AnEmptyFilePieceIsAPieceAndNothingElseMayBeEmpty) {
-    Records records;
-    ASSERT_TRUE(parse(47005, fromHex("00 00 00 00 02 00 00 00 00"), records));
-    EXPECT_EQ(recordAt<EtFileDataPack>(records, 0).getDataBuffer().getSize(), 0);
-    EXPECT_EQ(recordAt<EtFileDataPack>(records, 0).getPackFlag(), 2);
-
+TEST(BinaryBodyTest, MayHoldNoDataOnlyInAFilePiece) {
+    const std::string strEmptyPiece = fromHex("00 00 00 00 C1 00 00 00 00");
+    EXPECT_EQ(written(47005, parsed(47005, strEmptyPiece)), strEmptyPiece);
+    EXPECT_EQ(written(33028, recordsOf(DataBuffer(), EtResult())), std::string(8, '\0'));
     EXPECT_TRUE(refuses(31026, fromHex("00 00 00 00 00 00 00 07")));
     EXPECT_TRUE(refuses(33026, fromHex("00 00 00 00")));
     EXPECT_TRUE(refuses(33019, fromHex("00 00 00 00 00 00 00 01 00 00 00 02")));
 }
 
-TEST(BinaryBodyFieldsTest, AnImageComesBackWithItsCode) {
-    Records records;
-    ASSERT_TRUE(parse(32743, snapshotForm(32743).strBytes, records));
-    EXPECT_EQ(bytesOf(recordAt<DataBuffer>(records, 0)), "IMG");
-    EXPECT_EQ(recordAt<EtResult>(records, 1).getCode(), 258);
+TEST(BinaryBodyTest, OfAFilePieceHasACodeThatIsReadAsItsBytesStand) {
+    const std::string strBytes = written(15020, recordsOf(filePack("a"), resultOf(1)));
+    EXPECT_EQ(strBytes, fromHex("00 00 00 01 C1 00 00 00 01 61"));
+    const Records records = parsed(15020, strBytes);
+    EXPECT_EQ(recordAt<EtResult>(records, 1),
+              resultOf(static_cast<int>(toNetworkOrder(std::uint32_t{1}))));
 }
 
-TEST(BinaryBodyFieldsTest, EmptyDataIsWrittenAsALengthOfZero) {
-    CommandBuffer buffer;
-    const Records records = recordsOf(DataBuffer(), EtResult());
-    ASSERT_TRUE(createBodyParser(33028)->createCommandBody(records, buffer));
-    EXPECT_EQ(::bytesOf(buffer), std::string(8, '\0'));
-}
+TEST(BinaryBodyTest, OfAPTZOperationMayLackTextsAndItsLastNumber) {
+    const std::string strEmpty =
+        fromHex("00 00 00 00 00 00 00 05 00 00 00 00 00 00 00 00 00 00 00 06");
+    EXPECT_EQ(written(14006, recordsOf(ptzOperation("", ""))), strEmpty);
+    EXPECT_EQ(recordAt<EtPTZOperation>(parsed(14006, strEmpty), 0), ptzOperation("", ""));
 
-TEST(BinaryBodyFieldsTest, FilesAndImagesAreNotWrittenWithoutACode) {
-    CommandBuffer buffer;
-    EXPECT_FALSE(createBodyParser(15020)->createCommandBody(recordsOf(filePack("a")), buffer));
-    EXPECT_FALSE(createBodyParser(31026)->createCommandBody(recordsOf(dataOf("a")), buffer));
-}
+    EtPTZOperation ofOlderDevice = ptzOperation("", "");
+    ofOlderDevice.setPTZId(1);
+    EXPECT_EQ(recordAt<EtPTZOperation>(parsed(14006, strEmpty.substr(0, 16)), 0), ofOlderDevice);
 
-TEST(BinaryRecordTest, CopiesAreDeepAndKeepTheirId) {
-    const EtFileDataPack pack = filePack("data");
-    EtFileDataPack copy(pack);
-    copy.setDataBuffer(dataOf("changed"));
-    EXPECT_EQ(bytesOf(pack.getDataBuffer()), "data");
-    EXPECT_EQ(copy.getDomainId(), 1125U);
-    EXPECT_EQ(EtCOMWriteData(comWrite("x")).getDomainId(), 1067U);
-}
-
-TEST(FindDomainTest, GivesTheFirstRecordOfAnIdAndListsByTheirElement) {
-    const Records records = recordsOf(DomainVectorContainer<ChannelId>(), resultOf(1), resultOf(2),
-                                      DomainVectorContainer<EtResult>());
-    SafePointer<BaseDomain> found;
-    EXPECT_FALSE(findDomain(416, 0, records, found));
-    EXPECT_FALSE(findDomain(99999, 416, records, found));
-    EXPECT_TRUE(found.isNull());
-    ASSERT_TRUE(findDomain(801, 12345, records, found));
-    EXPECT_EQ(found.get(), records[1].get());
-    ASSERT_TRUE(findDomain(99999, 801, records, found));
-    EXPECT_EQ(found.get(), records[3].get());
+    const std::string strZeroBytesInTexts =
+        fromHex("00 00 00 00 00 00 00 05 00 00 00 02 55 00 00 00 00 04 67 61 00 65 00 00 00 06");
+    EXPECT_EQ(recordAt<EtPTZOperation>(parsed(14006, strZeroBytesInTexts), 0),
+              ptzOperation("U", "ga"));
 }
 
 }  // namespace

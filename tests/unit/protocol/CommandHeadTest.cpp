@@ -2,32 +2,21 @@
 #include <gtest/gtest.h>
 
 #include "Product/Technic/KXRuntimeError.h"
-#include "protocol/SDKCommandHeadInfo.h"
 #include "protocol/SDKCommandHeadParser.h"
-#include "support/WireBytes.h"
+#include "support/WireCommands.h"
 
 namespace {
 
 const std::string WorkedHead =
     fromHex("AF AF 00 01 00 07 00 00 00 00 46 52 00 01 23 45 00 00 00 72 00 00 07 23");
 
-SDKCommandHeadInfo workedHead() {
-    SDKCommandHeadInfo head;
-    head.setProtocolType(1);
-    head.setSequence(7);
-    head.setCommandID(18002);
-    head.setSessionId(0x00012345);
-    head.setPayloadLength(0x72);
-    return head;
-}
-
 bool decode(const std::string& strBytes, SDKCommandHeadInfo& head) {
-    return decodeCommandHead(reinterpret_cast<const std::uint8_t*>(strBytes.data()),
-                             static_cast<std::uint32_t>(strBytes.size()), head);
+    return decodeCommandHead(bytesIn(strBytes), static_cast<std::uint32_t>(strBytes.size()), head);
 }
 
-std::string encode(const SDKCommandHeadInfo& head) {
-    CommandBuffer buffer;
+// The bytes of a head, written over what the buffer held.
+std::string encode(const SDKCommandHeadInfo& head, const std::string& strBefore = "before") {
+    CommandBuffer buffer = bufferOf(strBefore);
     EXPECT_TRUE(encodeCommandHead(head, buffer));
     EXPECT_EQ(buffer.getCapacity(), 24U);
     return bytesOf(buffer);
@@ -41,48 +30,21 @@ std::string withByte(std::size_t nOffset, int nValue) {
     return strBytes;
 }
 
-// A safe pointer to a head of this kind.
-SafePointer<CommandHeadInfo> headOfKind(std::uint32_t nKind) {
-    auto pobjHead = std::make_unique<SDKCommandHeadInfo>(workedHead());
-    pobjHead->setHeadKind(nKind);
-    return wrapSafe<CommandHeadInfo>(std::move(pobjHead));
-}
-
-TEST(CommandHeadTest, TheWorkedHeadIsWrittenAndRead) {
-    EXPECT_EQ(encode(workedHead()), WorkedHead);
-
-    SDKCommandHeadInfo head;
-    ASSERT_TRUE(decode(WorkedHead, head));
-    EXPECT_EQ(head.getProtocolType(), 1);
-    EXPECT_EQ(head.getSequence(), 7);
-    EXPECT_FALSE(head.isFlagA());
-    EXPECT_FALSE(head.isFlagB());
-    EXPECT_EQ(head.getCommandID(), 18002U);
-    EXPECT_EQ(head.getSessionId(), 0x00012345U);
-    EXPECT_EQ(head.getPayloadLength(), 0x72U);
-}
-
-TEST(CommandHeadTest, EveryFieldOnTheWireComesBack) {
-    SDKCommandHeadInfo head;
-    head.setHeadKind(1);
+TEST(CommandHeadTest, IsWrittenAndReadByteByByte) {
+    SDKCommandHeadInfo head = headOf(0xF1E2D3C4, 0xBA98, 0xA5B6C7D8);
     head.setProtocolType(0xFEDC);
-    head.setSequence(0xBA98);
     head.setFlagB(true);
-    head.setCommandID(0xF1E2D3C4);
-    head.setSessionId(0xA5B6C7D8);
-    head.setPayloadLength(0xFFFFFFFF);
+    head.setPayloadLength(0xFFFFFFFE);
+    const std::string strBytes =
+        fromHex("AF AF FE DC BA 98 00 80 F1 E2 D3 C4 A5 B6 C7 D8 FF FF FF FE 00 00 89 23");
+    EXPECT_EQ(encode(head), strBytes);
+    EXPECT_EQ(encode(head, std::string(24, 'x')), strBytes);
+
     SDKCommandHeadInfo read;
     read.setHeadKind(9);
-    ASSERT_TRUE(decode(encode(head), read));
+    ASSERT_TRUE(decode(strBytes, read));
+    EXPECT_EQ(encode(read), strBytes);
     EXPECT_EQ(read.getHeadKind(), 9U) << "not on the wire";
-    EXPECT_EQ(encode(read), encode(head));
-    EXPECT_EQ(read.getProtocolType(), 0xFEDC);
-    EXPECT_EQ(read.getSequence(), 0xBA98);
-    EXPECT_FALSE(read.isFlagA());
-    EXPECT_TRUE(read.isFlagB());
-    EXPECT_EQ(read.getCommandID(), 0xF1E2D3C4U);
-    EXPECT_EQ(read.getSessionId(), 0xA5B6C7D8U);
-    EXPECT_EQ(read.getPayloadLength(), 0xFFFFFFFFU);
 }
 
 TEST(CommandHeadTest, AnySingleBitChangedIsRefusedAndWritesNothing) {
@@ -95,76 +57,54 @@ TEST(CommandHeadTest, AnySingleBitChangedIsRefusedAndWritesNothing) {
     }
 }
 
-TEST(CommandHeadTest, MagicAndTerminatorCountAlsoUnderARightChecksum) {
+TEST(CommandHeadTest, OnlyReservedBytesAndWhatFollowsDoNotCount) {
     SDKCommandHeadInfo head;
+    EXPECT_FALSE(decodeCommandHead(nullptr, 24, head));
+    EXPECT_FALSE(decode(WorkedHead.substr(0, 23), head));
     EXPECT_FALSE(decode(withByte(0, 0xAE), head));
     EXPECT_FALSE(decode(withByte(1, 0x00), head));
-    EXPECT_TRUE(decode(withByte(2, 0x77), head));
-}
-
-TEST(CommandHeadTest, OnlyTheFirst24BytesAreLookedAt) {
-    SDKCommandHeadInfo head;
-    EXPECT_FALSE(decode(WorkedHead.substr(0, 23), head));
-    EXPECT_FALSE(decodeCommandHead(nullptr, 24, head));
-    EXPECT_TRUE(decode(WorkedHead + "whatever follows", head));
+    ASSERT_TRUE(decode(withByte(21, 0x55) + "whatever follows", head));
+    EXPECT_EQ(encode(head), WorkedHead);
 }
 
 TEST(CommandHeadTest, OnlyTheHighBitOfAFlagByteCounts) {
     for (const std::size_t nOffset : {6U, 7U}) {
-        for (const auto& [nByte, bFlag] : {std::pair{0x7F, false}, {0x80, true}, {0xFF, true}}) {
+        for (const auto& [nByte, nWritten] : {std::pair{0x7F, 0}, {0x80, 0x80}, {0xFF, 0x80}}) {
             SDKCommandHeadInfo head;
             ASSERT_TRUE(decode(withByte(nOffset, nByte), head));
-            EXPECT_EQ(nOffset == 6 ? head.isFlagA() : head.isFlagB(), bFlag);
-            EXPECT_FALSE(nOffset == 6 ? head.isFlagB() : head.isFlagA());
-            EXPECT_EQ(encode(head), withByte(nOffset, bFlag ? 0x80 : 0));
+            EXPECT_EQ(encode(head), withByte(nOffset, nWritten));
+            EXPECT_EQ(head.isFlagA(), nOffset == 6 && nWritten != 0);
         }
     }
 }
 
-TEST(CommandHeadTest, ReservedBytesAreReadAndLost) {
-    SDKCommandHeadInfo head;
-    ASSERT_TRUE(decode(withByte(21, 0x55), head));
-    EXPECT_EQ(encode(head), WorkedHead);
-}
-
-TEST(CommandHeadTest, EncodingReplacesWhatTheBufferHeld) {
-    for (const std::string& strBefore : {std::string("short"), std::string(24, 'x')}) {
-        CommandBuffer buffer = bufferOf(strBefore);
-        ASSERT_TRUE(encodeCommandHead(workedHead(), buffer));
-        EXPECT_EQ(bytesOf(buffer), WorkedHead);
+TEST(CommandHeadParserTest, IsThereForOneTypeOfCommandAndWritesHeadsOfOneKind) {
+    for (const int nType : {-1, 0, 1, 2, 3}) {
+        EXPECT_EQ(createCommandHeadParser(nType).isNull(), nType != 1) << nType;
     }
-}
-
-TEST(CommandHeadParserTest, OnlyHeadsOfKindOneAreWritten) {
     const SDKCommandHeadParser parser;
     CommandBuffer buffer;
-    EXPECT_EQ(parser.getCommandHeadLength(), 24U);
-    EXPECT_FALSE(parser.createCommandHead(headOfKind(0), buffer));
-    EXPECT_FALSE(parser.createCommandHead(headOfKind(2), buffer));
-    EXPECT_TRUE(parser.createCommandHead(headOfKind(1), buffer));
+    for (const std::uint32_t nKind : {0U, 1U, 2U}) {
+        SDKCommandHeadInfo head;
+        ASSERT_TRUE(decode(WorkedHead, head));
+        head.setHeadKind(nKind);
+        const auto pHead = wrapSafe<CommandHeadInfo>(std::make_unique<SDKCommandHeadInfo>(head));
+        EXPECT_EQ(parser.createCommandHead(pHead, buffer), nKind == 1) << nKind;
+    }
     EXPECT_EQ(bytesOf(buffer), WorkedHead);
     EXPECT_THROW(parser.createCommandHead(SafePointer<CommandHeadInfo>(), buffer), KXRuntimeError);
 }
 
 TEST(CommandHeadParserTest, ARefusedHeadLeavesTheOldOne) {
     const SDKCommandHeadParser parser;
+    EXPECT_EQ(parser.getCommandHeadLength(), 24U);
     SafePointer<CommandHeadInfo> head;
     ASSERT_TRUE(parser.parseCommandHead(bufferOf(WorkedHead), head));
     const auto* pBefore = head.get();
-    EXPECT_EQ(static_cast<const SDKCommandHeadInfo*>(pBefore)->getSequence(), 7);
-
-    std::string strBad = WorkedHead;
-    strBad[22] = 0;
-    EXPECT_FALSE(parser.parseCommandHead(bufferOf(strBad), head));
+    EXPECT_EQ(encode(static_cast<const SDKCommandHeadInfo&>(*head)), WorkedHead);
+    EXPECT_FALSE(parser.parseCommandHead(bufferOf("no head, but long enough for one"), head));
     EXPECT_FALSE(parser.parseCommandHead(CommandBuffer(), head));
     EXPECT_EQ(head.get(), pBefore);
-}
-
-TEST(CommandHeadParserTest, OnlySDKCommandsHaveAHeadParser) {
-    EXPECT_FALSE(createCommandHeadParser(1).isNull());
-    for (const int nType : {0, 2, 3, -1}) {
-        EXPECT_TRUE(createCommandHeadParser(nType).isNull()) << nType;
-    }
 }
 
 }  // namespace

@@ -1,103 +1,71 @@
 // Whole commands with a body of records.
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <typeinfo>
+
 #include "Product/Technic/LogFilter.h"
-#include "domain/ChannelId.h"
-#include "domain/EtResult.h"
-#include "protocol/SDKCommandParam.h"
 #include "protocol/SDKCommandParser.h"
 #include "protocol/SDKNormalXmlBodyParser.h"
 #include "support/ChildProcess.h"
-#include "support/WireBytes.h"
+#include "support/WireCommands.h"
 
 namespace {
 
-SDKCommandHeadInfo headOf(std::uint32_t nCommandID) {
-    SDKCommandHeadInfo head;
-    head.setCommandID(nCommandID);
-    head.setSequence(11);
-    head.setSessionId(0xCAFE);
-    head.setFlagA(true);
-    return head;
-}
+const SDKCommandParser Parser;
 
-SafePointer<CommandParam> commandOf(const SDKCommandHeadInfo& head, Records records) {
-    auto pobjParam = std::make_unique<SDKCommandParam>();
-    pobjParam->setHead(head);
-    pobjParam->setDomains(std::move(records));
-    return wrapSafe<CommandParam>(std::move(pobjParam));
-}
-
-// A head that announces `nLength` bytes, and these bytes.
-std::string message(std::uint32_t nCommandID, std::uint32_t nLength,
-                    const std::string& strPayload) {
-    SDKCommandHeadInfo head = headOf(nCommandID);
+// A command whose head announces `nLength` bytes.
+std::string message(SDKCommandHeadInfo head, std::size_t nLength, const std::string& strPayload) {
     head.setProtocolType(1);
-    head.setPayloadLength(nLength);
+    head.setPayloadLength(static_cast<std::uint32_t>(nLength));
     CommandBuffer buffer;
     encodeCommandHead(head, buffer);
     return bytesOf(buffer) + strPayload;
 }
 
-std::string message(std::uint32_t nCommandID, const std::string& strPayload) {
-    return message(nCommandID, static_cast<std::uint32_t>(strPayload.size()), strPayload);
+std::string message(const std::string& strPayload, std::uint32_t nCommandID = 10000) {
+    return message(headOf(nCommandID, 11, 0xCAFE), strPayload.size(), strPayload);
 }
 
 bool decodes(const CommandBuffer& buffer) {
     SafePointer<CommandParam> param;
-    const bool bDecoded = SDKCommandParser().parseCommand(buffer, param);
+    const bool bDecoded = Parser.parseCommand(buffer, param);
     EXPECT_EQ(bDecoded, !param.isNull());
     return bDecoded;
 }
 
-const SDKCommandParam& sdkParam(const SafePointer<CommandParam>& param) {
-    return static_cast<const SDKCommandParam&>(*param);
+bool encodes(std::uint32_t nCommandID) {
+    CommandBuffer buffer;
+    return Parser.createCommand(sdkCommand(headOf(nCommandID), {}), buffer);
 }
 
-TEST(SDKCommandParserTest, ACommandComesBackWithHeadAndRecords) {
-    SDKCommandHeadInfo head = headOf(30507);
+TEST(SDKCommandParserTest, ACommandComesBackWithTypeAndLengthSetRight) {
+    SDKCommandHeadInfo head = headOf(30507, 11, 0xCAFE);
+    head.setFlagA(true);
+    const std::string strBody =
+        "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\r\n"
+        "<Parameters Version=\"1\">\n\t<Result Code=\"42\" />\n</Parameters>\n";
+    const std::string strCommand = message(head, strBody.size(), strBody);
     head.setProtocolType(3);
     head.setPayloadLength(12345);
-    EtResult result;
-    result.setCode(42);
-    CommandBuffer buffer;
-    ASSERT_TRUE(SDKCommandParser().createCommand(commandOf(head, recordsOf(result)), buffer));
-    EXPECT_EQ(buffer.getCapacity(), buffer.getLength()) << "one block, sized exactly";
+    EXPECT_EQ(encoded(Parser, sdkCommand(head, recordsOf(resultOf(42)))), strCommand);
 
-    SafePointer<CommandParam> param;
-    ASSERT_TRUE(SDKCommandParser().parseCommand(buffer, param));
-    ASSERT_EQ(param->getProtocolType(), 1U);
-    const SDKCommandHeadInfo& read = sdkParam(param).getHead();
-    EXPECT_EQ(read.getProtocolType(), 1) << "whatever the caller had set";
-    EXPECT_EQ(read.getPayloadLength(), buffer.getLength() - 24);
-    EXPECT_EQ(read.getCommandID(), 30507U);
-    EXPECT_EQ(read.getSequence(), 11);
-    EXPECT_EQ(read.getSessionId(), 0xCAFEU);
-    EXPECT_TRUE(read.isFlagA());
-    ASSERT_EQ(sdkParam(param).getDomains().size(), 1U);
-    EXPECT_EQ(recordAt<EtResult>(sdkParam(param).getDomains(), 0), result);
-}
-
-TEST(SDKCommandParserTest, RecordsOutliveTheirCommand) {
-    SafePointer<BaseDomain> kept;
-    {
-        SafePointer<CommandParam> param;
-        ASSERT_TRUE(SDKCommandParser().parseCommand(
-            bufferOf(message(10000, "<P><Result Code=\"6\"/></P>")), param));
-        kept = sdkParam(param).getDomains().at(0);
-    }
-    EXPECT_EQ(static_cast<const EtResult&>(*kept).getCode(), 6);
+    const auto param = decoded(Parser, bufferOf(strCommand));
+    EXPECT_EQ(param->getProtocolType(), 1U);
+    EXPECT_EQ(encoded(Parser, param), strCommand);
+    const auto& objHead = static_cast<const SDKCommandParam&>(*param).getHead();
+    EXPECT_EQ(objHead.getProtocolType(), 1);
+    EXPECT_EQ(objHead.getPayloadLength(), strBody.size());
 }
 
 TEST(SDKCommandParserTest, AMessageThatIsNoCommandLeavesTheOldOne) {
-    SafePointer<CommandParam> param = commandOf(headOf(1), {});
+    SafePointer<CommandParam> param = sdkCommand(headOf(1), {});
     const auto* pBefore = param.get();
-    std::string strBadHead = message(10000, "<P/>");
+    std::string strBadHead = message("<P/>");
     strBadHead[22] = static_cast<char>(strBadHead[22] ^ 1);
-    for (const std::string& strBytes :
-         {std::string("short"), strBadHead, message(10000, ""), message(10000, "<P>"),
-          message(31026, std::string(8, '\0'))}) {
-        EXPECT_FALSE(SDKCommandParser().parseCommand(bufferOf(strBytes), param));
+    for (const std::string& strBytes : {std::string("short"), strBadHead, message(""),
+                                        message("<P>"), message(std::string(8, '\0'), 31026)}) {
+        EXPECT_FALSE(Parser.parseCommand(bufferOf(strBytes), param));
     }
     EXPECT_EQ(param.get(), pBefore);
 }
@@ -105,56 +73,37 @@ TEST(SDKCommandParserTest, AMessageThatIsNoCommandLeavesTheOldOne) {
 TEST(SDKCommandParserTest, AHeadMayNotAnnounceMoreThanTheBlockHolds) {
     for (const std::uint32_t nLength :
          {5U, 0x7FFFFFFEU, 0x7FFFFFFFU, 0x80000000U, 0xFFFFFFE8U, 0xFFFFFFFFU}) {
-        EXPECT_FALSE(decodes(bufferOf(message(10000, nLength, "<P/>")))) << nLength;
+        EXPECT_FALSE(decodes(bufferOf(message(headOf(10000), nLength, "<P/>")))) << nLength;
     }
-    EXPECT_TRUE(decodes(bufferOf(message(10000, 4, "<P/>"))));
-    EXPECT_TRUE(decodes(bufferOf(message(10000, 9, "<P/>"), 5))) << "the block's zeros end it";
-    EXPECT_FALSE(decodes(bufferOf(message(10000, 10, "<P/>"), 5)));
+    EXPECT_TRUE(decodes(bufferOf(message(headOf(10000), 9, "<P/>"), 5))) << "zeros end the text";
+    EXPECT_FALSE(decodes(bufferOf(message(headOf(10000), 10, "<P/>"), 5)));
+    EXPECT_TRUE(decodes(bufferOf(message(headOf(10000), 4, "<P/><Behind")))) << "is not read";
 }
 
-TEST(SDKCommandParserTest, WhatStandsBehindThePayloadIsNotRead) {
-    EXPECT_TRUE(decodes(bufferOf(message(10000, 4, "<P/><Broken"))));
-}
-
-TEST(SDKCommandParserTest, RecordsThatABinaryFormLacksRefuseTheCommand) {
-    CommandBuffer buffer = bufferOf("untouched");
-    EXPECT_FALSE(SDKCommandParser().createCommand(commandOf(headOf(33026), {}), buffer));
-    EXPECT_EQ(bytesOf(buffer), "untouched");
-}
-
-TEST(SDKCommandParserLogTest, ReceivedCommandsAreTracedAtLevelThree) {
-    const std::string strOutput = outputOfChild([] {
-        setLogFilter(LogLevel::Trace);
-        EXPECT_TRUE(decodes(bufferOf(message(10000, "<P/>"))));
-    });
-    EXPECT_EQ(strOutput, std::string("recv:nPayloadLength =4\n\nrecv:nCommandID =10000\n <P/>\n"
-                                     "SDKCommandParser::parseCommand  CommandBodyParser name is ") +
-                             typeid(SDKNormalXmlBodyParser).name() + "\n");
-}
-
-TEST(SDKCommandParserLogTest, SentBodiesAreTracedAtLevelThree) {
-    const std::string strOutput = outputOfChild([] {
-        setLogFilter(LogLevel::Trace);
-        CommandBuffer buffer;
-        EXPECT_TRUE(SDKCommandParser().createCommand(commandOf(headOf(1), {}), buffer));
-    });
-    EXPECT_EQ(strOutput, "<Parameters Version=\"1\" />\n \n");
-}
-
-TEST(SDKCommandParserLogTest, FailuresAreToldAtLevelOne) {
-    const std::string strOutput = outputOfChild([] {
-        setLogFilter(LogLevel::Failure);
-        CommandBuffer buffer;
-        EXPECT_FALSE(SDKCommandParser().createCommand(commandOf(headOf(33026), {}), buffer));
-        EXPECT_FALSE(decodes(bufferOf(message(10000, "<P>"))));
-    });
-    EXPECT_EQ(strOutput,
+TEST(SDKCommandParserTest, TracesWhatItDoesAtLevelThreeAndFailuresAtLevelOne) {
+    const auto succeed = [] {
+        EXPECT_TRUE(decodes(bufferOf(message("<P/>"))));
+        EXPECT_TRUE(encodes(1));
+    };
+    const auto fail = [] {
+        EXPECT_FALSE(encodes(33026));
+        EXPECT_FALSE(decodes(bufferOf(message("<P>"))));
+    };
+    const auto atLevel = [](auto nLevel, const std::function<void()>& action) {
+        return outputOfChild([&] {
+            setLogFilter(nLevel);
+            action();
+        });
+    };
+    EXPECT_EQ(atLevel(LogLevel::Trace, succeed),
+              std::string("recv:nPayloadLength =4\n\nrecv:nCommandID =10000\n <P/>\n"
+                          "SDKCommandParser::parseCommand  CommandBodyParser name is ") +
+                  typeid(SDKNormalXmlBodyParser).name() + "\n<Parameters Version=\"1\" />\n \n");
+    EXPECT_EQ(atLevel(LogLevel::Failure, succeed), "");
+    EXPECT_EQ(atLevel(LogLevel::Failure, fail),
               "SDKCommandParser::createCommand  nCommandId = 33026 createCommandBody failed \n"
               "SDKCommandParser::parseCommand  nCommandId = 10000 parseCommandBody failed \n");
-}
-
-TEST(SDKCommandParserLogTest, NothingIsPrintedAtFirst) {
-    EXPECT_EQ(outputOfChild([] { EXPECT_FALSE(decodes(bufferOf(message(10000, "<P>")))); }), "");
+    EXPECT_EQ(outputOfChild(fail), "") << "nothing is printed at first";
 }
 
 }  // namespace
