@@ -145,11 +145,17 @@ void ScriptedPeer::serve() {
     }
 }
 
-ScriptedPeer::Script answerAll(std::uint32_t nCommandID, int nCode) {
-    return [=](PeerLink& objLink) {
+ScriptedPeer::Script answerEach(std::function<std::string(const PeerRequest&)> objAnswer) {
+    return [objAnswer = std::move(objAnswer)](PeerLink& objLink) {
         PeerRequest objRequest;
         while (objLink.read(objRequest)) {
-            objLink.send(peerAnswer(objRequest, nCommandID, peerResult(nCode)));
+            objLink.send(objAnswer(objRequest));
         }
     };
+}
+
+ScriptedPeer::Script answerAll(std::uint32_t nCommandID, int nCode) {
+    return answerEach([=](const PeerRequest& objRequest) {
+        return peerAnswer(objRequest, nCommandID, peerResult(nCode));
+    });
 }

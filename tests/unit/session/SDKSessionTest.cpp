@@ -3,22 +3,17 @@
 
 #include <atomic>
 #include <future>
-#include <ostream>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "Product/Technic/ErrorCode.h"
 #include "Product/Technic/KXRuntimeError.h"
-#include "domain/ChannelId.h"
-#include "domain/DomainVectorContainer.h"
 #include "domain/EtResult.h"
 #include "domain/EtSessionId.h"
-#include "session/SDKSession.h"
 #include "session/SequenceNumber.h"
 #include "session/SessionCommands.h"
-#include "support/ScriptedPeer.h"
-#include "support/WireBytes.h"
+#include "support/SampleRecords.h"
 #include "unit/session/ConnectedSession.h"
 
 namespace {
@@ -30,170 +25,108 @@ constexpr std::uint32_t NoSuchCommand = 65000;
 constexpr std::uint32_t OperatePTZ = 14006;
 
 int exchange(const SafePointer<SDKSession>& objSession, std::uint32_t nCommandId = ReadTime) {
-    Records objReply;
-    return objSession->sendRecv(nCommandId, recordsOf(ChannelId()), objReply);
+    return sendRecord(objSession, nCommandId, ChannelId());
 }
 
-std::string timeRead(const PeerRequest& objRequest, const std::string& strBody = peerResult(0)) {
-    return peerAnswer(objRequest, TimeRead, strBody);
-}
-
-// Answers to requests that were never made.
-std::string strays(PeerRequest objRequest, int nCount) {
-    std::string strBytes;
-    for (int nStray = 1; nStray <= nCount; ++nStray) {
-        objRequest.m_objHead.setSequence(
-            static_cast<std::uint16_t>(objRequest.m_objHead.getSequence() + 1));
-        strBytes += timeRead(objRequest);
-    }
-    return strBytes;
-}
-
-std::string answersOfOtherSession(PeerRequest objRequest, int nCount,
-                                  const std::string& strBody = peerResult(0)) {
-    objRequest.m_objHead.setSessionId(objRequest.m_objHead.getSessionId() + 1);
-    std::string strBytes;
-    for (int nAnswer = 0; nAnswer < nCount; ++nAnswer) {
-        strBytes += timeRead(objRequest, strBody);
-    }
-    return strBytes;
-}
-
-const std::string Undecodable = "<Parameters><Result";
-
-}  // namespace
-
-struct ReplyCase {
-    const char* m_pName;
-    std::string (*m_pBytes)(const PeerRequest&);
-    int m_nCode;
-    std::size_t m_nRecords;
-
-    friend std::ostream& operator<<(std::ostream& objOut, const ReplyCase& objCase) {
-        return objOut << objCase.m_pName;
-    }
+// A message of the device, by what makes it differ from the answer that is due.
+struct Message {
+    std::string strBody = peerResult(0);
+    std::uint16_t nSequencesAhead = 0;
+    std::uint32_t nSessionsAhead = 0;
+    std::uint32_t nCommandID = TimeRead;
+    std::uint16_t nProtocolType = 1;
 };
 
-class SDKSessionReply : public testing::TestWithParam<ReplyCase> {};
+std::string bytesOf(const Message& objMessage, const PeerRequest& objRequest) {
+    SDKCommandHeadInfo objHead = objRequest.m_objHead;
+    objHead.setCommandID(objMessage.nCommandID);
+    objHead.setSequence(
+        static_cast<std::uint16_t>(objHead.getSequence() + objMessage.nSequencesAhead));
+    objHead.setSessionId(objHead.getSessionId() + objMessage.nSessionsAhead);
+    return peerMessage(objHead, objMessage.strBody, objMessage.nProtocolType);
+}
 
-TEST_P(SDKSessionReply, ComesToItsCodeAndLeavesTheSessionUsable) {
-    ScriptedPeer objPeer([](PeerLink& objLink) {
-        PeerRequest objRequest;
-        objLink.read(objRequest);
-        objLink.send(GetParam().m_pBytes(objRequest));
-        objLink.read(objRequest);
-        objLink.send(timeRead(objRequest));
-    });
-    const auto objSession = connectTo(objPeer);
-    objSession->setSessionId(77);
-    Records objReply;
-    EXPECT_EQ(objSession->sendRecv(ReadTime, recordsOf(ChannelId()), objReply), GetParam().m_nCode);
-    EXPECT_EQ(objReply.size(), GetParam().m_nRecords);
-    if (GetParam().m_nCode != ErrorCode::HeadRefused) {
-        EXPECT_EQ(exchange(objSession), 0);
+// Waits for a request of session 0x90000001, and tells its sequence.
+std::uint16_t readSequence(PeerLink& objLink, PeerRequest& objRequest) {
+    EXPECT_TRUE(objLink.read(objRequest));
+    EXPECT_EQ(objRequest.m_objHead.getProtocolType(), 1);
+    EXPECT_EQ(objRequest.m_objHead.getCommandID(), ReadTime);
+    EXPECT_EQ(objRequest.m_objHead.getSessionId(), 0x90000001u);
+    return objRequest.m_objHead.getSequence();
+}
+
+TEST(SDKSession, TellsItsReplyFromWhatElseArrivesAndStaysUsable) {
+    const std::string strChannel = "<ChannelId Id=\"4\" />";
+    const std::string strBroken = "<Parameters><Result";
+    const Message objAnswer;
+    const Message objStray{.nSequencesAhead = 1};
+    const Message objForeign{.nSessionsAhead = 1};
+    const struct {
+        const char* szName;
+        std::vector<Message> vecMessages;
+        int nCode;
+        std::size_t nRecords;
+        int nNextCode = 0;
+    } arrCases[] = {
+        {"success", {{peerResult(0, strChannel)}}, 0, 2},
+        {"code of the device", {{peerResult(7, strChannel)}}, 7, 2},
+        {"no result", {{peerBody(strChannel)}}, -501, 1},
+        {"last of two results", {{peerResult(0, "<Result Code=\"3\" />")}}, 3, 2},
+        {"another type, which no request takes over", {{.nProtocolType = 3}}, 0, 1},
+        {"wrong command", {{.nCommandID = Acknowledged}}, -501, 0},
+        {"undecodable", {{strBroken}}, -233, 0},
+        {"undecodable of another session", {{strBroken, 0, 1}}, -233, 0},
+        {"behind three strays", {objStray, objStray, objStray, objAnswer}, 0, 1},
+        {"behind three of others", {objForeign, objForeign, objForeign, objAnswer}, 0, 1},
+        {"four strays", {objStray, objStray, objStray, objStray}, -501, 0},
+        {"four of others", {objForeign, objForeign, objForeign, objForeign}, -501, 0},
+        {"a fifth", {objStray, objStray, objStray, objStray, {strBroken}}, -501, 0, -233},
+    };
+    for (const auto& objCase : arrCases) {
+        SCOPED_TRACE(objCase.szName);
+        ScriptedPeer objPeer([&](PeerLink& objLink) {
+            PeerRequest objRequest;
+            const std::uint16_t nFirst = readSequence(objLink, objRequest);
+            for (const Message& objMessage : objCase.vecMessages) {
+                objLink.send(bytesOf(objMessage, objRequest));
+            }
+            EXPECT_EQ(readSequence(objLink, objRequest), static_cast<std::uint16_t>(nFirst + 1));
+            objLink.send(bytesOf(objAnswer, objRequest));
+        });
+        const auto objSession = connectTo(objPeer);
+        objSession->setSessionId(0x90000001);
+        Records objReply;
+        EXPECT_EQ(objSession->sendRecv(ReadTime, {}, objReply), objCase.nCode);
+        EXPECT_EQ(objReply.size(), objCase.nRecords);
+        EXPECT_EQ(objSession->getProtocolType(), objCase.vecMessages.back().nProtocolType);
+        EXPECT_EQ(exchange(objSession), objCase.nNextCode);
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Messages, SDKSessionReply,
-    testing::Values(
-        ReplyCase{"Success",
-                  [](const PeerRequest& r) {
-                      return timeRead(r, peerResult(0, "<ChannelId Id=\"4\" />"));
-                  },
-                  0, 2},
-        ReplyCase{"CodeOfTheDevice",
-                  [](const PeerRequest& r) {
-                      return timeRead(r, peerResult(7, "<ChannelId Id=\"4\" />"));
-                  },
-                  7, 2},
-        ReplyCase{
-            "NoResult",
-            [](const PeerRequest& r) { return timeRead(r, peerBody("<ChannelId Id=\"4\" />")); },
-            -501, 1},
-        ReplyCase{"LastOfTwoResults",
-                  [](const PeerRequest& r) {
-                      return timeRead(r, peerResult(0, "<Result Code=\"3\" />"));
-                  },
-                  3, 2},
-        ReplyCase{"WrongCommand",
-                  [](const PeerRequest& r) { return peerAnswer(r, Acknowledged, peerResult(0)); },
-                  -501, 0},
-        ReplyCase{"Undecodable", [](const PeerRequest& r) { return timeRead(r, Undecodable); },
-                  -233, 0},
-        ReplyCase{"UndecodableOfOtherSession",
-                  [](const PeerRequest& r) { return answersOfOtherSession(r, 1, Undecodable); },
-                  -233, 0},
-        ReplyCase{"BehindOneStray", [](const PeerRequest& r) { return strays(r, 1) + timeRead(r); },
-                  0, 1},
-        ReplyCase{"BehindThreeStrays",
-                  [](const PeerRequest& r) { return strays(r, 3) + timeRead(r); }, 0, 1},
-        ReplyCase{"BehindAnswersOfOtherSession",
-                  [](const PeerRequest& r) { return answersOfOtherSession(r, 3) + timeRead(r); }, 0,
-                  1},
-        ReplyCase{"FourStrays", [](const PeerRequest& r) { return strays(r, 4); }, -501, 0},
-        ReplyCase{"FourAnswersOfOtherSession",
-                  [](const PeerRequest& r) { return answersOfOtherSession(r, 4); }, -501, 0},
-        ReplyCase{"MoreRecordsThanThereArePointers",
-                  [](const PeerRequest& r) {
-                      std::string strElements;
-                      for (int nRecord = 0; nRecord < 20200; ++nRecord) {
-                          strElements += "<ChannelId />";
-                      }
-                      return timeRead(r, peerBody(strElements));
-                  },
-                  -233, 0},
-        ReplyCase{"NotAHead", [](const PeerRequest&) { return std::string(24, '#'); }, -402, 0}),
-    testing::PrintToStringParamName());
-
-TEST(SDKSession, ReadsNoFifthMessage) {
-    ScriptedPeer objPeer([](PeerLink& objLink) {
-        PeerRequest objRequest;
-        objLink.read(objRequest);
-        objLink.send(strays(objRequest, 4) + timeRead(objRequest, Undecodable));
-        objLink.read(objRequest);
-    });
-    const auto objSession = connectTo(objPeer);
-    EXPECT_EQ(exchange(objSession), ErrorCode::BadReply);
-    EXPECT_EQ(exchange(objSession), ErrorCode::DecodeFailed);
+TEST(SDKSession, ThrowsLateAnswersAwayAndTellsAnUnknownCommandOnlyAfterAnAnswer) {
+    for (const auto& [nCommandId, nCode] :
+         {std::pair{ReadTime, 6}, {NoSuchCommand, ErrorCode::UnknownCommand}}) {
+        std::string strLate;
+        ScriptedPeer objPeer(answerEach([&](const PeerRequest& objRequest) {
+            const std::string strAnswers = strLate + bytesOf({peerResult(6)}, objRequest);
+            const bool bFirst = std::exchange(strLate, bytesOf({}, objRequest)).empty();
+            return bFirst ? "" : strAnswers;
+        }));
+        const auto objSession = connectTo(objPeer);
+        objSession->setReplyTimeout(SilenceMs);
+        EXPECT_EQ(exchange(objSession, nCommandId), ErrorCode::ReceiveTimedOut);
+        objSession->setReplyTimeout(SDKSession::DefaultReplyTimeoutMs);
+        EXPECT_EQ(exchange(objSession, nCommandId), nCode);
+    }
 }
 
-TEST(SDKSession, LateAnswersAreThrownAwayByTheNextExchange) {
-    ScriptedPeer objPeer([](PeerLink& objLink) {
-        PeerRequest objLate;
-        PeerRequest objRequest;
-        objLink.read(objLate);
-        objLink.read(objRequest);
-        objLink.send(timeRead(objLate, peerResult(5)) + timeRead(objRequest, peerResult(6)));
-        objLink.read(objRequest);
-    });
-    const auto objSession = connectTo(objPeer);
-    objSession->setReplyTimeout(SilenceMs);
-    EXPECT_EQ(exchange(objSession), ErrorCode::ReceiveTimedOut);
-    objSession->setReplyTimeout(SDKSession::DefaultReplyTimeoutMs);
-    EXPECT_EQ(exchange(objSession), 6);
-}
-
-TEST(SDKSession, UnknownCommandIsSentAndToldOnlyAfterAnAnswer) {
-    ScriptedPeer objPeer([](PeerLink& objLink) {
-        PeerRequest objRequest;
-        objLink.read(objRequest);
-        objLink.read(objRequest);
-        objLink.send(peerAnswer(objRequest, NoSuchCommand + 1, peerResult(0)));
-        objLink.read(objRequest);
-    });
-    const auto objSession = connectTo(objPeer);
-    objSession->setReplyTimeout(SilenceMs);
-    EXPECT_EQ(exchange(objSession, NoSuchCommand), ErrorCode::ReceiveTimedOut);
-    objSession->setReplyTimeout(SDKSession::DefaultReplyTimeoutMs);
-    EXPECT_EQ(exchange(objSession, NoSuchCommand), ErrorCode::UnknownCommand);
-}
-
-TEST(SDKSession, WhatCannotBeEncodedIsNotSent) {
+TEST(SDKSession, SurvivesWhatCannotBeSent) {
     ScriptedPeer objPeer(answerAll(TimeRead));
     const auto objSession = connectTo(objPeer);
     Records objReply;
     EXPECT_EQ(objSession->sendRecv(OperatePTZ, {}, objReply), ErrorCode::EncodeFailed);
+    EXPECT_THROW(objSession->sendRecv(ReadTime, Records(1), objReply), KXRuntimeError);
+    EXPECT_THROW(objSession->setTransfer(SafePointer<ITransfer>()), KXRuntimeError);
     EXPECT_EQ(exchange(objSession), 0);
 }
 
@@ -216,10 +149,7 @@ private:
 
 TEST(SDKSession, NoRoomForSafePointersIsACodeOnEveryStepOfAnExchange) {
     ScriptedPeer objPeer(answerAll(TimeRead));
-    const struct {
-        std::size_t m_nLeft;
-        int m_nCode;
-    } arrCases[] = {
+    const std::pair<std::size_t, int> arrCases[] = {
         {0, ErrorCode::EncodeFailed},  // for the record of the request
         {1, ErrorCode::EncodeFailed},  // for the request
         {2, ErrorCode::DecodeFailed},  // for the record of the reply: the head took what was left
@@ -230,51 +160,15 @@ TEST(SDKSession, NoRoomForSafePointersIsACodeOnEveryStepOfAnExchange) {
         const auto objSession = connectTo(objPeer);
         {
             const FullRegistry objFull(nLeft);
-            EXPECT_EQ(sendRecord(objSession, ReadTime, ChannelId()), nCode) << nLeft;
+            EXPECT_EQ(exchange(objSession), nCode) << nLeft;
         }
         EXPECT_EQ(exchange(objSession), 0) << nLeft;
         objSession->close();
     }
 }
 
-TEST(SDKSession, EmptyRecordIsMisuse) {
-    ScriptedPeer objPeer(answerAll(TimeRead));
-    const auto objSession = connectTo(objPeer);
-    Records objReply;
-    EXPECT_THROW(objSession->sendRecv(ReadTime, Records(1), objReply), KXRuntimeError);
-    EXPECT_EQ(exchange(objSession), 0);
-}
-
-TEST(SDKSession, EveryRequestHasTheSessionAndASequenceOfItsOwn) {
-    std::vector<SDKCommandHeadInfo> vecHeads;
-    {
-        ScriptedPeer objPeer([&](PeerLink& objLink) {
-            PeerRequest objRequest;
-            while (objLink.read(objRequest)) {
-                vecHeads.push_back(objRequest.m_objHead);
-                SDKCommandHeadInfo objHead = objRequest.m_objHead;
-                objHead.setCommandID(TimeRead);
-                objLink.send(peerMessage(objHead, peerResult(0), 3));
-            }
-        });
-        const auto objSession = connectTo(objPeer);
-        objSession->setSessionId(0x90000001);
-        EXPECT_EQ(objSession->getProtocolType(), 1);
-        EXPECT_EQ(exchange(objSession), 0);
-        EXPECT_EQ(objSession->getProtocolType(), 3);  // and yet what leaves is a command of type 1
-        EXPECT_EQ(exchange(objSession), 0);
-    }
-    ASSERT_EQ(vecHeads.size(), 2u);
-    EXPECT_EQ(vecHeads[1].getSequence(), static_cast<std::uint16_t>(vecHeads[0].getSequence() + 1));
-    for (const SDKCommandHeadInfo& objHead : vecHeads) {
-        EXPECT_EQ(objHead.getProtocolType(), 1);
-        EXPECT_EQ(objHead.getCommandID(), ReadTime);
-        EXPECT_EQ(objHead.getSessionId(), 0x90000001u);
-        EXPECT_FALSE(objHead.isFlagA() || objHead.isFlagB());
-    }
-}
-
 TEST(SDKSession, EveryEndOfTheConnectionHasItsCode) {
+    EXPECT_EQ(exchange(SafePointer<SDKSession>()), ErrorCode::NoTransport);
     EXPECT_EQ(exchange(wrapSafe(std::make_unique<SDKSession>())), ErrorCode::NoTransport);
 
     ScriptedPeer objPeer([](PeerLink& objLink) {
@@ -289,57 +183,40 @@ TEST(SDKSession, EveryEndOfTheConnectionHasItsCode) {
     objSession->close();
 }
 
-TEST(SDKSession, EmptyTransferIsMisuse) {
-    SDKSession objSession;
-    EXPECT_THROW(objSession.setTransfer(SafePointer<ITransfer>()), KXRuntimeError);
-    Records objReply;
-    EXPECT_EQ(objSession.sendRecv(ReadTime, {}, objReply), ErrorCode::NoTransport);
-}
-
 TEST(SDKSession, CallersOfOneSessionTakeTurns) {
     std::atomic<int> nOverlaps{0};
     ScriptedPeer objPeer([&](PeerLink& objLink) {
-        PeerRequest objRequest;
-        while (objLink.read(objRequest)) {
+        answerEach([&](const PeerRequest& objRequest) {
             nOverlaps += objLink.hasMore() ? 1 : 0;
-            const std::size_t nBegin = objRequest.m_strBody.find("<ChannelId");
-            objLink.send(timeRead(
-                objRequest,
-                peerResult(0, objRequest.m_strBody.substr(
-                                  nBegin, objRequest.m_strBody.find("/>", nBegin) + 2 - nBegin))));
-        }
+            std::string strBody = objRequest.m_strBody;
+            strBody.insert(strBody.find("<ChannelId"), "<Result Code=\"0\" />");
+            return bytesOf({strBody}, objRequest);
+        })(objLink);
     });
     const auto objSession = connectTo(objPeer);
-    const auto objCalls = [&](int nFirst) {
-        for (int nId = nFirst; nId < nFirst + 50; ++nId) {
-            ChannelId objAsked;
-            ChannelId objAnswered;
-            objAsked.setId(nId);
-            ASSERT_EQ(sendRecord(objSession, ReadTime, objAsked, objAnswered), 0);
-            ASSERT_EQ(objAnswered.getId(), nId);
-        }
-    };
-    std::vector<std::thread> vecCallers;
+    std::vector<std::jthread> vecCallers;
     for (const int nFirst : {1000, 2000, 3000, 4000}) {
-        vecCallers.emplace_back(objCalls, nFirst);
+        vecCallers.emplace_back([&, nFirst] {
+            for (int nId = nFirst; nId < nFirst + 50; ++nId) {
+                ChannelId objAnswered;
+                const ChannelId objAsked = with(&ChannelId::setId, nId);
+                ASSERT_EQ(sendRecord(objSession, ReadTime, objAsked, objAnswered), 0);
+                ASSERT_EQ(objAnswered.getId(), nId);
+            }
+        });
     }
-    for (std::thread& objCaller : vecCallers) {
-        objCaller.join();
-    }
+    vecCallers.clear();
     EXPECT_EQ(nOverlaps, 0);
 }
 
 TEST(SDKSession, CloseWaitsForTheExchangeUnderWay) {
     std::promise<void> objArrived;
     std::promise<void> objClosing;
-    ScriptedPeer objPeer([&](PeerLink& objLink) {
-        PeerRequest objRequest;
-        objLink.read(objRequest);
+    ScriptedPeer objPeer(answerEach([&](const PeerRequest& objRequest) {
         objArrived.set_value();
         objClosing.get_future().wait();
-        objLink.send(timeRead(objRequest));
-        objLink.read(objRequest);
-    });
+        return bytesOf({}, objRequest);
+    }));
     const auto objSession = connectTo(objPeer);
     std::thread objCloser([&] {
         objArrived.get_future().wait();
@@ -351,35 +228,28 @@ TEST(SDKSession, CloseWaitsForTheExchangeUnderWay) {
     EXPECT_EQ(exchange(objSession), ErrorCode::NoTransport);
 }
 
-TEST(SessionCommands, FindRecordTakesTheFirstOfItsType) {
-    ChannelId objFour;
-    objFour.setId(4);
-    DomainVectorContainer<ChannelId> objList({objFour, objFour});
+TEST(SessionCommands, FindRecordTakesTheFirstOfItsTypeAndListsByTheirElement) {
+    const ChannelId objFour = with(&ChannelId::setId, 4);
+    const auto objList = listOf<ChannelId>({objFour, objFour});
     const Records objReply =
         recordsOf(EtResult(), DomainVectorContainer<EtResult>(), objList, objFour, ChannelId());
     ChannelId objFound;
     EXPECT_TRUE(findRecord(ChannelId::DomainId, 0, objReply, objFound));
-    EXPECT_EQ(objFound.getId(), 4);
+    EXPECT_EQ(objFound, objFour);
     DomainVectorContainer<ChannelId> objFoundList;
     EXPECT_TRUE(findRecord(ContainerDomainId, ChannelId::DomainId, objReply, objFoundList));
-    EXPECT_EQ(objFoundList.getElements().size(), 2u);
-    EtSessionId objMissing;
-    objMissing.setSessionId(9);
-    EXPECT_FALSE(findRecord(EtSessionId::DomainId, 0, objReply, objMissing));
-    EXPECT_EQ(objMissing.getSessionId(), 9);
-}
+    EXPECT_EQ(objFoundList.getElements(), objList.getElements());
 
-TEST(SessionCommands, NeedASession) {
-    ChannelId objRecord;
-    EXPECT_EQ(sendRecord(SafePointer<SDKSession>(), ReadTime, objRecord), ErrorCode::NoTransport);
-    EXPECT_EQ(sendRecord(SafePointer<SDKSession>(), ReadTime, objRecord, objRecord),
-              ErrorCode::NoTransport);
+    EtSessionId objMissing = with(&EtSessionId::setSessionId, 9);
+    EXPECT_FALSE(findRecord(EtSessionId::DomainId, 0, objReply, objMissing));
+    EXPECT_FALSE(findRecord(ContainerDomainId, EtSessionId::DomainId, objReply, objMissing));
+    EXPECT_EQ(objMissing.getSessionId(), 9);
 }
 
 TEST(SequenceNumber, ThreadsTogetherTakeEachNumberOnceARound) {
     std::vector<std::atomic<int>> vecTaken(65536);
     const std::uint16_t nBefore = nextSequence();
-    std::vector<std::thread> vecTakers;
+    std::vector<std::jthread> vecTakers;
     for (int nTaker = 0; nTaker < 4; ++nTaker) {
         vecTakers.emplace_back([&] {
             for (int nTake = 0; nTake < 16384; ++nTake) {
@@ -387,11 +257,11 @@ TEST(SequenceNumber, ThreadsTogetherTakeEachNumberOnceARound) {
             }
         });
     }
-    for (std::thread& objTaker : vecTakers) {
-        objTaker.join();
-    }
+    vecTakers.clear();
     for (const std::atomic<int>& nTaken : vecTaken) {
         ASSERT_EQ(nTaken, 1);
     }
     EXPECT_EQ(nextSequence(), static_cast<std::uint16_t>(nBefore + 1));
 }
+
+}  // namespace

@@ -2,139 +2,107 @@
 // heartbeat come into being with the first login, so each test has a process of its own.
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <future>
-#include <memory>
 #include <string>
 #include <vector>
 
 #include "Product/Technic/ErrorCode.h"
-#include "protocol/CredentialCipher.h"
 #include "session/DeviceSessionManager.h"
 #include "session/SDK_DeviceSessionCreator.h"
 #include "support/ChildProcess.h"
-#include "support/ScriptedPeer.h"
+#include "support/SampleRecords.h"
 #include "unit/session/ConnectedSession.h"
 
 namespace {
 
 constexpr std::uint32_t Login = 11001;
 constexpr std::uint32_t LoggedIn = 11002;
-constexpr std::uint32_t Logout = 11003;
 constexpr std::uint32_t Acknowledged = 10000;
 constexpr long Untouched = -99;
 constexpr int ReplyTimeoutMs = 5000;
 
-std::string enciphered(const std::string& strPlain) {
-    std::string strCipher;
-    EXPECT_TRUE(encryptText(strPlain, strCipher));
-    return strCipher;
+std::string loggedIn(const PeerRequest& objRequest) {
+    return peerAnswer(objRequest, LoggedIn, peerResult(0, "<SessionId SessionId=\"-5\" />"));
 }
 
-std::string sessionElement(int nSessionId) {
-    return "<SessionId SessionId=\"" + std::to_string(nSessionId) + "\" />";
-}
-
-// Lets everybody in, as session -5, and writes down what was asked.
-ScriptedPeer::Script welcoming(std::vector<PeerRequest>& vecRequests) {
-    return [&](PeerLink& objLink) {
-        PeerRequest objRequest;
-        while (objLink.read(objRequest)) {
-            vecRequests.push_back(objRequest);
-            const bool bLogin = objRequest.m_objHead.getCommandID() == Login;
-            objLink.send(peerAnswer(objRequest, bLogin ? LoggedIn : Acknowledged,
-                                    peerResult(0, sessionElement(-5))));
-        }
-    };
-}
-
-// One login with a device that answers it with `strBytes`, and sees the connection closed.
-void expectRefusal(int nCode, const std::function<std::string(const PeerRequest&)>& objAnswer,
-                   int nTimeoutMs = ReplyTimeoutMs) {
-    std::promise<bool> objClosed;
-    ScriptedPeer objPeer([&](PeerLink& objLink) {
-        PeerRequest objRequest;
-        objLink.read(objRequest);
-        objLink.send(objAnswer(objRequest));
-        objClosed.set_value(!objLink.read(objRequest));
+// Lets everybody in, as session -5, and writes down what was asked: command, session, record.
+ScriptedPeer::Script welcoming(std::vector<std::string>& vecAsked) {
+    return answerEach([&](const PeerRequest& objRequest) {
+        const SDKCommandHeadInfo& objHead = objRequest.m_objHead;
+        const std::string strUser =
+            objRequest.m_strBody.substr(objRequest.m_strBody.find("<UserParam"));
+        vecAsked.push_back(std::to_string(objHead.getCommandID()) + " " +
+                           std::to_string(objHead.getSessionId()) + " " +
+                           strUser.substr(0, strUser.find('\n')));
+        return objHead.getCommandID() == Login
+                   ? loggedIn(objRequest)
+                   : peerAnswer(objRequest, Acknowledged, peerResult(0));
     });
-    long nHandle = Untouched;
-    EXPECT_EQ(
-        SDK_DeviceSessionCreator().createSession(objPeer.getDeviceInfo(), nTimeoutMs, nHandle),
-        nCode);
-    EXPECT_TRUE(objClosed.get_future().get());
-    EXPECT_EQ(nHandle, Untouched);
 }
-
-}  // namespace
 
 TEST(SDK_DeviceSessionCreator, LogsInAndOutWithEncipheredCredentials) {
     outputOfChild([] {
-        std::vector<PeerRequest> vecRequests;
+        std::vector<std::string> vecAsked;
         {
-            ScriptedPeer objPeer(welcoming(vecRequests));
+            ScriptedPeer objPeer(welcoming(vecAsked));
             SDK_DeviceSessionCreator objCreator;
-            long nHandle = Untouched;
-            ASSERT_EQ(objCreator.createSession(objPeer.getDeviceInfo(), ReplyTimeoutMs, nHandle),
-                      0);
-            EXPECT_EQ(nHandle, 1);
-            SafePointer<SDKSession> objSession;
-            ASSERT_TRUE(DeviceSessionManager::instance().findSession(nHandle, objSession));
-            EXPECT_EQ(objSession->getSessionId(), 0xFFFFFFFBu);
-            EXPECT_EQ(objCreator.destroySession(nHandle), 0);
-            EXPECT_EQ(objSession->getSessionId(), 0u);
-            EXPECT_EQ(objCreator.destroySession(nHandle), ErrorCode::UnknownHandle);
+            for (const long nExpected : {1L, 2L}) {  // handles are never used again
+                long nHandle = Untouched;
+                ASSERT_EQ(
+                    objCreator.createSession(objPeer.getDeviceInfo(), ReplyTimeoutMs, nHandle), 0);
+                EXPECT_EQ(nHandle, nExpected);
+                SafePointer<SDKSession> objSession;
+                ASSERT_TRUE(DeviceSessionManager::instance().findSession(nHandle, objSession));
+                EXPECT_EQ(objSession->getSessionId(), 0xFFFFFFFBu);
+                EXPECT_EQ(objCreator.destroySession(nHandle), 0);
+                EXPECT_EQ(objSession->getSessionId(), 0u);
+                EXPECT_EQ(objCreator.login(objSession), ErrorCode::NoTransport) << "closed";
+                EXPECT_EQ(objCreator.destroySession(nHandle), ErrorCode::UnknownHandle);
+            }
         }
-        ASSERT_EQ(vecRequests.size(), 2u);
-        EXPECT_EQ(vecRequests[0].m_objHead.getCommandID(), Login);
-        EXPECT_EQ(vecRequests[0].m_objHead.getSessionId(), 0u);
-        EXPECT_EQ(vecRequests[1].m_objHead.getCommandID(), Logout);
-        EXPECT_EQ(vecRequests[1].m_objHead.getSessionId(), 0xFFFFFFFBu);
         const std::string strUser = "<UserParam UserName=\"" + enciphered("admin") +
                                     "\" Password=\"" + enciphered("secret") + "\" Desc=\"\" />";
-        for (const PeerRequest& objRequest : vecRequests) {
-            EXPECT_NE(objRequest.m_strBody.find(strUser), std::string::npos)
-                << objRequest.m_strBody;
-        }
-    });
-}
-
-TEST(SDK_DeviceSessionCreator, HandlesAreNeverUsedAgain) {
-    outputOfChild([] {
-        std::vector<PeerRequest> vecRequests;
-        ScriptedPeer objPeer(welcoming(vecRequests));
-        SDK_DeviceSessionCreator objCreator;
-        for (const long nExpected : {1L, 2L, 3L}) {
-            long nHandle = Untouched;
-            ASSERT_EQ(objCreator.createSession(objPeer.getDeviceInfo(), ReplyTimeoutMs, nHandle),
-                      0);
-            EXPECT_EQ(nHandle, nExpected);
-            EXPECT_EQ(objCreator.destroySession(nHandle), 0);
-        }
+        const std::string strIn = "11001 0 " + strUser;
+        const std::string strOut = "11003 4294967291 " + strUser;
+        EXPECT_EQ(vecAsked, (std::vector<std::string>{strIn, strOut, strIn, strOut}));
     });
 }
 
 TEST(SDK_DeviceSessionCreator, FailedLoginClosesTheConnectionAndLeavesTheHandle) {
-    outputOfChild([] {
-        expectRefusal(9, [](const PeerRequest& objRequest) {
-            return peerAnswer(objRequest, LoggedIn, peerResult(9, sessionElement(1)));
-        });
-        expectRefusal(ErrorCode::BadReply, [](const PeerRequest& objRequest) {
-            return peerAnswer(objRequest, LoggedIn, peerResult(0));
-        });
-        expectRefusal(ErrorCode::HeadRefused,
-                      [](const PeerRequest&) { return std::string(24, '\0'); });
+    const std::string strSession = "<SessionId SessionId=\"1\" />";
+    const struct {
+        int nCode;
+        std::string strBody;
+        std::uint32_t nSessionInHead;
+    } arrCases[] = {
+        {9, peerResult(9, strSession), 0},
+        {ErrorCode::BadReply, peerResult(0), 0},
         // The number travels in the body; a head that has it already answers another session.
-        const auto objWithNumber = [](PeerRequest objRequest) {
-            objRequest.m_objHead.setSessionId(1);
-            return peerAnswer(objRequest, LoggedIn, peerResult(0, sessionElement(1)));
-        };
-        expectRefusal(ErrorCode::ReceiveTimedOut, objWithNumber, SilenceMs);
-    });
-}
-
-TEST(SDK_DeviceSessionCreator, ConnectFailureIsPassedOn) {
-    outputOfChild([] {
-        DeviceInfoEx objGone = ScriptedPeer([](PeerLink&) {}).getDeviceInfo();
+        {ErrorCode::ReceiveTimedOut, peerResult(0, strSession), 1},
+    };
+    outputOfChild([&] {
+        for (const auto& objCase : arrCases) {
+            SCOPED_TRACE(objCase.nCode);
+            std::promise<void> objClosed;
+            ScriptedPeer objPeer([&](PeerLink& objLink) {
+                answerEach([&](PeerRequest objRequest) {
+                    objRequest.m_objHead.setSessionId(objCase.nSessionInHead);
+                    return peerAnswer(objRequest, LoggedIn, objCase.strBody);
+                })(objLink);
+                objClosed.set_value();
+            });
+            const int nTimeoutMs =
+                objCase.nCode == ErrorCode::ReceiveTimedOut ? SilenceMs : ReplyTimeoutMs;
+            long nHandle = Untouched;
+            EXPECT_EQ(SDK_DeviceSessionCreator().createSession(objPeer.getDeviceInfo(), nTimeoutMs,
+                                                               nHandle),
+                      objCase.nCode);
+            EXPECT_EQ(objClosed.get_future().wait_for(std::chrono::seconds(30)),
+                      std::future_status::ready);
+            EXPECT_EQ(nHandle, Untouched);
+        }
+        const DeviceInfoEx objGone = ScriptedPeer([](PeerLink&) {}).getDeviceInfo();
         long nHandle = Untouched;
         EXPECT_EQ(SDK_DeviceSessionCreator().createSession(objGone, ReplyTimeoutMs, nHandle),
                   ErrorCode::ConnectFailed);
@@ -147,42 +115,33 @@ TEST(SDK_DeviceSessionCreator, LogoutOfADeadConnectionSucceeds) {
         ScriptedPeer objPeer([](PeerLink& objLink) {
             PeerRequest objRequest;
             objLink.read(objRequest);
-            objLink.send(peerAnswer(objRequest, LoggedIn, peerResult(0, sessionElement(8))));
+            objLink.send(loggedIn(objRequest));
             objLink.read(objRequest);
             objLink.close();
         });
         SDK_DeviceSessionCreator objCreator;
         long nHandle = Untouched;
         ASSERT_EQ(objCreator.createSession(objPeer.getDeviceInfo(), ReplyTimeoutMs, nHandle), 0);
-        SafePointer<SDKSession> objSession;
-        ASSERT_TRUE(DeviceSessionManager::instance().findSession(nHandle, objSession));
         EXPECT_EQ(objCreator.destroySession(nHandle), 0);
         EXPECT_EQ(objCreator.destroySession(nHandle), ErrorCode::UnknownHandle);
-        DomainList objReply;
-        EXPECT_EQ(objSession->sendRecv(Logout, {}, objReply), ErrorCode::NoTransport);
     });
 }
 
-TEST(SDK_DeviceSessionCreator, EmptyCredentialsStayEmpty) {
-    outputOfChild([] {
-        std::vector<PeerRequest> vecRequests;
-        {
-            ScriptedPeer objPeer(welcoming(vecRequests));
-            DeviceInfoEx objInfo = objPeer.getDeviceInfo();
-            objInfo.setUserID("");
-            objInfo.setPassword("");
-            auto objSession = connectTo(objPeer);
-            objSession->setDeviceInfo(objInfo);
-            EXPECT_EQ(SDK_DeviceSessionCreator().login(objSession), 0);
-        }
-        ASSERT_EQ(vecRequests.size(), 1u);
-        EXPECT_NE(vecRequests[0].m_strBody.find("UserName=\"\" Password=\"\""), std::string::npos)
-            << vecRequests[0].m_strBody;
-    });
-}
+TEST(SDK_DeviceSessionCreator, EmptyCredentialsStayEmptyAndNoSessionIsACode) {
+    std::vector<std::string> vecAsked;
+    {
+        ScriptedPeer objPeer(welcoming(vecAsked));
+        auto objSession = connectTo(objPeer);
+        objSession->setDeviceInfo(DeviceInfoEx());
+        EXPECT_EQ(SDK_DeviceSessionCreator().login(objSession), 0);
+    }
+    EXPECT_EQ(
+        vecAsked,
+        (std::vector<std::string>{"11001 0 <UserParam UserName=\"\" Password=\"\" Desc=\"\" />"}));
 
-TEST(SDK_DeviceSessionCreator, CommandsNeedASession) {
     SafePointer<SDKSession> objNone;
     EXPECT_EQ(SDK_DeviceSessionCreator().login(objNone), ErrorCode::NoTransport);
     EXPECT_EQ(SDK_DeviceSessionCreator().logout(objNone), ErrorCode::NoTransport);
 }
+
+}  // namespace
