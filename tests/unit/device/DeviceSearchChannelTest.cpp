@@ -1,13 +1,9 @@
 // The network setting over multicast, inside a network namespace that has nothing but the loopback:
 // no datagram can leave the machine. Skipped where namespaces are not permitted.
-#include <arpa/inet.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <netinet/in.h>
-#include <sys/socket.h>
-#include <unistd.h>
+#include <sched.h>
 
-#include <array>
 #include <atomic>
 #include <functional>
 #include <mutex>
@@ -18,8 +14,12 @@
 #include "Product/Technic/AdapterList.h"
 #include "Product/Technic/ErrorCode.h"
 #include "device/DeviceSearchChannel.h"
-#include "protocol/CredentialCipher.h"
+#include "domain/DeviceId.h"
+#include "domain/EtAdapterType.h"
+#include "domain/EtIPProtoVer.h"
+#include "session/UDPTransfer.h"
 #include "support/LoopbackNamespace.h"
+#include "support/SampleRecords.h"
 #include "unit/device/LoggedInDevice.h"
 
 namespace {
@@ -27,33 +27,38 @@ namespace {
 using testing::AnyOf;
 using testing::ElementsAre;
 
-constexpr std::uint16_t GroupPort = 31001;
-constexpr std::uint16_t LocalPort = 31002;
-constexpr std::uint32_t Request = 32506;
-constexpr std::uint32_t Reply = 32505;
+InetAddr addressOf(const std::string& strIP, int nIPProtoVer = 1, std::uint16_t nPort = 0) {
+    InetAddr address;
+    address.setIP(strIP);
+    address.setPORT(nPort);
+    address.setIPProtoVer(nIPProtoVer);
+    return address;
+}
 
 struct Datagram {
-    std::string strSender;
-    std::uint16_t nPort = 0;
+    InetAddr from;
     PeerRequest request;
 };
 
-// Listens on the group of one IP version and answers each datagram with the given ones.
+using Answer = std::function<std::string(const Datagram&)>;
+using Answers = std::vector<Answer>;
+using AnswersBySender = std::function<Answers(const std::string& strSender)>;
+
+// Listens on the group of one IP version and gives these answers to each datagram.
 class GroupMember {
 public:
-    using Answer = std::function<std::vector<std::string>(const Datagram&)>;
-
-    GroupMember(int nIPProtoVer, Answer answer) : m_answer(std::move(answer)) {
-        m_nSocket = socket(nIPProtoVer == 2 ? AF_INET6 : AF_INET, SOCK_DGRAM, 0);
-        const timeval pause{0, 50000};
-        setsockopt(m_nSocket, SOL_SOCKET, SO_RCVTIMEO, &pause, sizeof pause);
-        nIPProtoVer == 2 ? joinIPv6() : joinIPv4();
+    explicit GroupMember(AnswersBySender answers, int nIPProtoVer = 1)
+        : m_answers(std::move(answers)), m_objTransfer(nIPProtoVer) {
+        const char* szGroup = nIPProtoVer == 2 ? "ff12::1" : "234.5.6.7";
+        EXPECT_EQ(m_objTransfer.create(), ErrorCode::Success);
+        EXPECT_TRUE(m_objTransfer.openGroup(addressOf(szGroup, nIPProtoVer, 31001)));
         m_thread = std::thread(&GroupMember::serve, this);
     }
+    explicit GroupMember(const Answers& answers, int nIPProtoVer = 1)
+        : GroupMember([=](const std::string&) { return answers; }, nIPProtoVer) {}
     ~GroupMember() {
         m_bEnding = true;
         m_thread.join();
-        close(m_nSocket);
     }
     GroupMember(const GroupMember&) = delete;
     GroupMember& operator=(const GroupMember&) = delete;
@@ -64,127 +69,81 @@ public:
     }
 
 private:
-    void joinIPv4() const {
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_port = htons(GroupPort);
-        ip_mreq group{};
-        inet_pton(AF_INET, "234.5.6.7", &group.imr_multiaddr);
-        inet_pton(AF_INET, "127.0.0.1", &group.imr_interface);
-        EXPECT_EQ(bind(m_nSocket, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
-        EXPECT_EQ(setsockopt(m_nSocket, IPPROTO_IP, IP_ADD_MEMBERSHIP, &group, sizeof group), 0);
-    }
-
-    void joinIPv6() const {
-        sockaddr_in6 address{};
-        address.sin6_family = AF_INET6;
-        address.sin6_port = htons(GroupPort);
-        ipv6_mreq group{};
-        inet_pton(AF_INET6, "ff12::1", &group.ipv6mr_multiaddr);
-        group.ipv6mr_interface = if_nametoindex("lo");
-        EXPECT_EQ(bind(m_nSocket, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
-        EXPECT_EQ(setsockopt(m_nSocket, IPPROTO_IPV6, IPV6_JOIN_GROUP, &group, sizeof group), 0);
-    }
-
     void serve() {
+        CommandBuffer buffer;
+        Datagram datagram;
         while (!m_bEnding) {
-            sockaddr_storage sender{};
-            socklen_t nSenderLength = sizeof sender;
-            std::array<char, 4096> arrBytes{};
-            auto* pSender = reinterpret_cast<sockaddr*>(&sender);
-            const ssize_t nLength =
-                recvfrom(m_nSocket, arrBytes.data(), arrBytes.size(), 0, pSender, &nSenderLength);
-            if (nLength <= 0) {
+            if (m_objTransfer.recvCommand(buffer, 50, datagram.from) != ErrorCode::Success) {
                 continue;
             }
-            const Datagram datagram =
-                parse({arrBytes.data(), static_cast<std::size_t>(nLength)}, sender);
+            EXPECT_TRUE(
+                decodeCommandHead(buffer.data(), buffer.getLength(), datagram.request.m_objHead));
+            datagram.request.m_strBody = bytesOf(buffer).substr(SDKCommandHeadInfo::WireLength);
             {
                 const std::lock_guard guard(m_mutex);
                 m_vecDatagrams.push_back(datagram);
             }
-            for (const std::string& strAnswer : m_answer(datagram)) {
-                sendto(m_nSocket, strAnswer.data(), strAnswer.size(), 0, pSender, nSenderLength);
+            for (const Answer& answer : m_answers(datagram.from.getIP())) {
+                m_objTransfer.sendCommand(bufferOf(answer(datagram)), datagram.from, 1000);
             }
         }
     }
 
-    static Datagram parse(const std::string& strBytes, const sockaddr_storage& sender) {
-        Datagram datagram;
-        std::array<char, INET_ADDRSTRLEN> arrText{};
-        const auto& sender4 = reinterpret_cast<const sockaddr_in&>(sender);
-        inet_ntop(AF_INET, &sender4.sin_addr, arrText.data(), arrText.size());
-        datagram.strSender = arrText.data();
-        datagram.nPort = ntohs(sender4.sin_port);
-        EXPECT_TRUE(decodeCommandHead(reinterpret_cast<const std::uint8_t*>(strBytes.data()),
-                                      static_cast<std::uint32_t>(strBytes.size()),
-                                      datagram.request.m_objHead));
-        datagram.request.m_strBody = strBytes.substr(SDKCommandHeadInfo::WireLength);
-        return datagram;
-    }
-
-    const Answer m_answer;
-    int m_nSocket = -1;
+    const AnswersBySender m_answers;
+    UDPTransfer m_objTransfer;
     std::atomic<bool> m_bEnding{false};
     std::mutex m_mutex;
     std::vector<Datagram> m_vecDatagrams;
     std::thread m_thread;
 };
 
-std::string goodAnswer(const Datagram& datagram) {
-    return peerAnswer(datagram.request, Reply, peerResult(0));
+// The good answer, with something about its head changed.
+Answer changed(std::function<void(SDKCommandHeadInfo&)> change) {
+    return [=](const Datagram& datagram) {
+        SDKCommandHeadInfo head = datagram.request.m_objHead;
+        head.setCommandID(32505);
+        change(head);
+        return peerMessage(head, peerResult(0));
+    };
 }
 
-// A well-formed message that differs in one thing from the good answer.
-std::string strayAnswer(const Datagram& datagram,
-                        const std::function<void(SDKCommandHeadInfo&)>& change) {
-    SDKCommandHeadInfo head = datagram.request.m_objHead;
-    head.setCommandID(Reply);
-    change(head);
-    return peerMessage(head, peerResult(0));
-}
+const Answer Good = changed([](auto&) {});
+const Answer Late = changed(
+    [](auto& head) { head.setSequence(static_cast<std::uint16_t>(head.getSequence() + 1)); });
+const Answer OtherSession = changed([](auto& head) { head.setSessionId(5); });
+const Answer OtherCommand = changed([](auto& head) { head.setCommandID(10000); });
+const Answer Broken = [](const Datagram&) { return "no command"; };
+const Answers FourLate(4, Late);
 
-std::string lateAnswer(const Datagram& datagram) {
-    return strayAnswer(datagram, [](SDKCommandHeadInfo& head) {
-        head.setSequence(static_cast<std::uint16_t>(head.getSequence() + 1));
-    });
-}
-
-InetAddr localAddress(const std::string& strIP, int nIPProtoVer = 1) {
-    InetAddr address;
-    address.setIP(strIP);
-    address.setIPProtoVer(nIPProtoVer);
-    return address;
-}
-
-NetworkAdapter adapter(std::vector<InetAddr> vecAddresses) {
-    return {"test", std::move(vecAddresses)};
-}
-
-void useAdapters(const std::vector<NetworkAdapter>& vecAdapters) {
-    setAdapterLister([=](std::vector<NetworkAdapter>& vecListed) {
-        vecListed = vecAdapters;
-        return true;
-    });
-}
-
-HostNetwork newNetwork() {
+HostNetwork network() {
     HostNetwork network;
     network.setLocalIp("192.0.2.9");
     network.setIPProtoVer(1);
     return network;
 }
 
-User account() {
+User user(const std::string& strName, const std::string& strPassword) {
     User user;
-    user.setUserName("admin");
-    user.setPassword("secret");
-    user.setIP("198.51.100.1");
+    user.setUserName(strName);
+    user.setPassword(strPassword);
     return user;
 }
 
-int exchange(const InetAddr& local) {
-    return DeviceSearchChannel().setHostNetwork(local, "IPC-1", newNetwork(), account());
+int setFrom(const InetAddr& local) {
+    User account = user("admin", "secret");
+    account.setIP("198.51.100.1");  // stays here
+    return DeviceSearchChannel().setHostNetwork(local, "IPC-1", network(), account);
+}
+
+// Over adapters with these addresses each.
+int setOverAdapters(const std::vector<std::vector<InetAddr>>& vecAdapters) {
+    setAdapterLister([=](std::vector<NetworkAdapter>& vecListed) {
+        for (const auto& vecAddresses : vecAdapters) {
+            vecListed.push_back({"test", vecAddresses});
+        }
+        return true;
+    });
+    return setHostNetworkByMulticast("IPC-1", network(), user("admin", "secret"));
 }
 
 // The whole of each test goes through here.
@@ -194,94 +153,64 @@ void isolated(const std::function<void()>& body) {
     }
 }
 
-int setOverAllAdapters() {
-    return setHostNetworkByMulticast("IPC-1", newNetwork(), account());
-}
-
 }  // namespace
 
 TEST(DeviceSearchChannel, SendsOneCommandWithTheFiveRecords) {
     isolated([] {
-        GroupMember device(
-            1, [](const Datagram& datagram) { return std::vector{goodAnswer(datagram)}; });
-        EXPECT_EQ(exchange(localAddress("127.0.0.1")), ErrorCode::Success);
+        GroupMember device({Good});
+        EXPECT_EQ(setFrom(addressOf("127.0.0.1")), ErrorCode::Success);
         const auto vecDatagrams = device.takeDatagrams();
         ASSERT_EQ(vecDatagrams.size(), 1U);
-        EXPECT_EQ(vecDatagrams[0].nPort, LocalPort);
+        EXPECT_EQ(vecDatagrams[0].from.getPORT(), 31002);
         const SDKCommandHeadInfo& head = vecDatagrams[0].request.m_objHead;
         EXPECT_EQ(head.getProtocolType(), 1);
-        EXPECT_EQ(head.getCommandID(), Request);
+        EXPECT_EQ(head.getCommandID(), 32506U);
         EXPECT_EQ(head.getSessionId(), 0U);
         EXPECT_FALSE(head.isFlagA() || head.isFlagB());
-        const std::string& strBody = vecDatagrams[0].request.m_strBody;
-        EXPECT_EQ(describeBody(strBody), "User DeviceId=IPC-1 AdapterType IPProtoVer HostNetwork");
-        const XmlDocument document = XmlDocument::parse(strBody.c_str());
-        const XmlCursor user = document.root().firstChild("User");
-        std::string strCipher;
-        ASSERT_TRUE(encryptText("secret", strCipher));
-        EXPECT_EQ(user.attribute("Password"), strCipher);
-        EXPECT_STREQ(user.attribute("IP"), "");
-        EXPECT_STREQ(document.root().firstChild("HostNetwork").attribute("LocalIp"), "192.0.2.9");
+        const User credentials = user(enciphered("admin"), enciphered("secret"));
+        EXPECT_EQ(vecDatagrams[0].request.m_strBody,
+                  bodyOf(recordsOf(credentials, with(&DeviceId::setId, "IPC-1"), EtAdapterType(),
+                                   with(&EtIPProtoVer::setIPProtoVer, 1), network())));
     });
 }
 
 TEST(DeviceSearchChannel, TellsItsAnswerFromStrays) {
     isolated([] {
-        const auto late = lateAnswer;
-        const auto otherSession = [](const Datagram& datagram) {
-            return strayAnswer(datagram, [](SDKCommandHeadInfo& head) { head.setSessionId(5); });
+        const std::vector<std::pair<Answers, int>> Cases{
+            {{Late, OtherSession, OtherCommand, Good}, ErrorCode::Success},
+            {{Late, Late, Late, Late, Good}, ErrorCode::BadReply},
+            {Answers(4, OtherSession), ErrorCode::BadReply},
+            {Answers(4, OtherCommand), ErrorCode::BadReply},
+            {{Late, Broken, Good}, ErrorCode::DecodeFailed},
         };
-        const auto otherCommand = [](const Datagram& datagram) {
-            return strayAnswer(datagram,
-                               [](SDKCommandHeadInfo& head) { head.setCommandID(10000); });
-        };
-        const auto broken = [](const Datagram&) { return std::string("no command"); };
-        using Each = std::function<std::string(const Datagram&)>;
-        const std::vector<std::pair<std::vector<Each>, int>> Cases{
-            {{late, otherSession, otherCommand, goodAnswer}, ErrorCode::Success},
-            {{late, late, late, late, goodAnswer}, ErrorCode::BadReply},
-            {{late, broken, goodAnswer}, ErrorCode::DecodeFailed},
-        };
-        for (const auto& [vecAnswers, nCode] : Cases) {
-            GroupMember device(1, [&answers = vecAnswers](const Datagram& datagram) {
-                std::vector<std::string> vecSent;
-                for (const Each& answer : answers) {
-                    vecSent.push_back(answer(datagram));
-                }
-                return vecSent;
-            });
-            EXPECT_EQ(exchange(localAddress("127.0.0.1")), nCode);
+        for (const auto& [answers, nCode] : Cases) {
+            const GroupMember device(answers);
+            EXPECT_EQ(setFrom(addressOf("127.0.0.1")), nCode);
         }
     });
 }
 
-TEST(DeviceSearchChannel, ReachesTheIPv6Group) {
+TEST(DeviceSearchChannel, ReachesTheIPv6GroupFromAnAddressThatCanBeBound) {
     isolated([] {
-        GroupMember device(
-            2, [](const Datagram& datagram) { return std::vector{goodAnswer(datagram)}; });
-        EXPECT_EQ(exchange(localAddress("::1", 2)), ErrorCode::Success);
+        GroupMember device({Good}, 2);
+        EXPECT_EQ(setFrom(addressOf("::1", 2)), ErrorCode::Success);
+        EXPECT_EQ(setFrom(addressOf("2001:db8::1", 2)), ErrorCode::BindFailed);
+        EXPECT_EQ(setFrom(addressOf("127.0.0.1", 3)), ErrorCode::NoTransferFactory);
         EXPECT_EQ(device.takeDatagrams().size(), 1U);
-    });
-}
-
-TEST(DeviceSearchChannel, GivesACodeForWhatCannotBeOpened) {
-    isolated([] {
-        EXPECT_EQ(exchange(localAddress("127.0.0.1", 3)), ErrorCode::NoTransferFactory);
-        EXPECT_EQ(exchange(localAddress("2001:db8::1", 2)), ErrorCode::BindFailed);
     });
 }
 
 TEST(SetHostNetworkByMulticast, TriesEveryAdapterFromItsFirstIPv4Address) {
     isolated([] {
-        GroupMember device(
-            1, [](const Datagram& datagram) { return std::vector{goodAnswer(datagram)}; });
-        useAdapters({adapter({}), adapter({localAddress("127.0.0.2"), localAddress("127.0.0.9")}),
-                     adapter({localAddress("::1", 2)}),
-                     adapter({localAddress("0.0.0.0"), localAddress("127.0.0.3")})});
-        EXPECT_EQ(setOverAllAdapters(), ErrorCode::Success);
+        GroupMember device({Good});
+        EXPECT_EQ(setOverAdapters({{},
+                                   {addressOf("127.0.0.2"), addressOf("127.0.0.9")},
+                                   {addressOf("::1", 2)},
+                                   {addressOf("0.0.0.0"), addressOf("127.0.0.3")}}),
+                  ErrorCode::Success);
         std::vector<std::string> vecSenders;
         for (const Datagram& datagram : device.takeDatagrams()) {
-            vecSenders.push_back(datagram.strSender);
+            vecSenders.push_back(datagram.from.getIP());
         }
         // The first adapter has no address: the system picks one, or none.
         EXPECT_THAT(vecSenders, ElementsAre(AnyOf("0.0.0.0", "127.0.0.1"), "127.0.0.2", "127.0.0.2",
@@ -289,37 +218,32 @@ TEST(SetHostNetworkByMulticast, TriesEveryAdapterFromItsFirstIPv4Address) {
     });
 }
 
-TEST(SetHostNetworkByMulticast, TakesSilenceForSuccess) {
-    isolated([] {
-        GroupMember device(1, [](const Datagram& datagram) -> std::vector<std::string> {
-            if (datagram.strSender == "127.0.0.2") {
-                return {};
-            }
-            return {"no command"};
+TEST(SetHostNetworkByMulticast, TakesSilenceForSuccessAndElseTheLastCode) {
+    const struct {
+        Answers first, second;
+        int nCode;
+    } Cases[]{
+        {{}, {Broken}, ErrorCode::Success},
+        {{Broken}, FourLate, ErrorCode::BadReply},
+        {FourLate, {Broken}, ErrorCode::DecodeFailed},
+    };
+    for (const auto& one : Cases) {
+        isolated([&] {
+            GroupMember device([&](const std::string& strSender) {
+                return strSender == "127.0.0.2" ? one.first : one.second;
+            });
+            EXPECT_EQ(setOverAdapters({{addressOf("127.0.0.2")}, {addressOf("127.0.0.3")}}),
+                      one.nCode);
+            EXPECT_EQ(device.takeDatagrams().size(), 2U);
         });
-        useAdapters({adapter({localAddress("127.0.0.2")}), adapter({localAddress("127.0.0.3")})});
-        EXPECT_EQ(setOverAllAdapters(), ErrorCode::Success);
-        EXPECT_EQ(device.takeDatagrams().size(), 2U);
-    });
-}
-
-TEST(SetHostNetworkByMulticast, GivesTheCodeOfTheLastAdapterWhenAllFail) {
-    isolated([] {
-        GroupMember device(1, [](const Datagram& datagram) {
-            return datagram.strSender == "127.0.0.2"
-                       ? std::vector<std::string>{"no command"}
-                       : std::vector<std::string>(4, lateAnswer(datagram));
-        });
-        useAdapters({adapter({localAddress("127.0.0.2")}), adapter({localAddress("127.0.0.3")})});
-        EXPECT_EQ(setOverAllAdapters(), ErrorCode::BadReply);
-    });
+    }
 }
 
 TEST(SetHostNetworkByMulticast, FailsWithoutAdapterAndWithoutRoute) {
     isolated([] {
-        EXPECT_EQ(setOverAllAdapters(), ErrorCode::Failed);  // the loopback does not count
-        ASSERT_EQ(unshare(CLONE_NEWNET), 0);                 // even that one is down here
-        useAdapters({adapter({localAddress("127.0.0.1")}), adapter({})});
-        EXPECT_EQ(setOverAllAdapters(), ErrorCode::SendFailed);
+        // The loopback does not count.
+        EXPECT_EQ(setHostNetworkByMulticast("IPC-1", network(), User()), ErrorCode::Failed);
+        ASSERT_EQ(unshare(CLONE_NEWNET), 0);  // even that one is down here
+        EXPECT_EQ(setOverAdapters({{addressOf("127.0.0.1")}, {}}), ErrorCode::SendFailed);
     });
 }

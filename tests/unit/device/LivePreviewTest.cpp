@@ -23,6 +23,10 @@ using Calls = std::vector<std::string>;
 constexpr long Window = 77;
 constexpr int Refused = 9;
 
+// Handed through and never looked into.
+const int g_nOpaque = 0;
+const auto& g_device = reinterpret_cast<const NS_TARN_STRUCT::tagDeviceInfoEx&>(g_nOpaque);
+
 Calls g_vecCalls;
 std::set<std::string> g_setFailing;  // the functions that give `Refused`
 std::thread::id g_caller;
@@ -55,41 +59,11 @@ protected:
         g_setFailing.clear();
     }
 
-    void provideNet() { provide(m_objNet, "/whole/libTarnNetSDK.so"); }
-    void providePlayer(const char* szDirectory = "/whole") {
-        provide(m_objPlayer, std::string(szDirectory) + "/libTarnPlayerSDK.so");
-    }
     void provideBoth() {
-        provideNet();
-        providePlayer();
+        provide(m_objNet, "/whole/libTarnNetSDK.so");
+        provide(m_objPlayer, "/whole/libTarnPlayerSDK.so");
     }
 
-    int startPlay() { return m_pImpl->startPlay(Window, device()); }
-    static const NS_TARN_STRUCT::tagDeviceInfoEx& device() {
-        static const int nOpaque = 0;
-        return reinterpret_cast<const NS_TARN_STRUCT::tagDeviceInfoEx&>(nOpaque);
-    }
-
-    // What a start calls, in order.
-    Calls startCalls() const {
-        return {withPointer("SDK_Login %p 5000", &device()),
-                "Player_Initial 77",
-                "Player_OpenStream 0 0",
-                "Player_SetAutoResizeFlag 31 1",
-                "Player_Play 31 77",
-                "SDK_VideoController_Open 21 1 1 1",
-                "SDK_VideoController_SetAVDataCallback 41",
-                "SDK_VideoController_StartVideo 41",
-                "SDK_VideoController_Ctrl 41 1",
-                "Player_SetDrawCallBack 31 0",
-                "Player_SetDecodeCallBack 31 0"};
-    }
-
-    DynamicLibrary m_objNet;
-    DynamicLibrary m_objPlayer;
-    std::unique_ptr<FleetKitImpl> m_pImpl = std::make_unique<FleetKitImpl>();
-
-private:
     static void provide(DynamicLibrary& library, const std::string& strPath) {
         ASSERT_TRUE(library.open(PREVIEW_DIRECTORY + strPath));
         const auto recordCallsWith =
@@ -97,6 +71,12 @@ private:
         ASSERT_NE(recordCallsWith, nullptr);
         recordCallsWith(recordCall);
     }
+
+    int startPlay() { return m_pImpl->startPlay(Window, g_device); }
+
+    DynamicLibrary m_objNet;
+    DynamicLibrary m_objPlayer;
+    std::unique_ptr<FleetKitImpl> m_pImpl = std::make_unique<FleetKitImpl>();
 };
 
 const Calls StopVideo{"SDK_VideoController_StopVideo 41", "SDK_VideoController_Close 41",
@@ -107,47 +87,58 @@ Calls operator+(Calls left, const Calls& right) {
     return left;
 }
 
+// What a start calls, and what it gives and calls once more when this fails.
+struct Step {
+    std::string strCall;
+    int nCode;
+    Calls undo;
+};
+
+std::vector<Step> stepsOfAStart() {
+    constexpr int Failed = ErrorCode::PreviewFailed;
+    const Calls StopPlayer{"Player_Stop 31", "Player_CloseStream 31"};
+    const Calls Message{"SDK_FormatMessage 9 512"};
+    const Calls UnInit{"SDK_UnInit"};
+    return {
+        {withPointer("SDK_Login %p 5000", &g_device), Refused, {}},
+        {"Player_Initial 77", Refused, UnInit},
+        {"Player_OpenStream 0 0", Refused, UnInit},
+        {"Player_SetAutoResizeFlag 31 1", Refused, UnInit + StopPlayer},
+        {"Player_Play 31 77", Refused, UnInit + StopPlayer},
+        {"SDK_VideoController_Open 21 1 1 1", Failed, Message + UnInit + StopPlayer},
+        {"SDK_VideoController_SetAVDataCallback 41", Failed, Message + StopVideo + StopPlayer},
+        {"SDK_VideoController_StartVideo 41", Failed, Message + StopVideo + StopPlayer},
+        {"SDK_VideoController_Ctrl 41 1", Failed, Message + StopVideo + StopPlayer},
+        {"Player_SetDrawCallBack 31 0", Refused, StopVideo + StopPlayer},
+        {"Player_SetDecodeCallBack 31 0", Refused, StopVideo + StopPlayer},
+    };
+}
+
 }  // namespace
 
 TEST_F(LivePreview, CallsBothLibrariesInOrderAndStopsTheVideoAtUnload) {
     provideBoth();
     EXPECT_EQ(startPlay(), ErrorCode::Success);
-    EXPECT_THAT(takeCalls(), ElementsAreArray(startCalls()));
+    Calls calls;
+    for (const Step& step : stepsOfAStart()) {
+        calls.push_back(step.strCall);
+    }
+    EXPECT_THAT(takeCalls(), ElementsAreArray(calls));
     m_pImpl.reset();
     EXPECT_THAT(takeCalls(), ElementsAreArray(StopVideo));
 }
 
 TEST_F(LivePreview, UndoesAFailedStartAsFarAsItGot) {
     provideBoth();
-    const Calls StopPlayer{"Player_Stop 31", "Player_CloseStream 31"};
-    const Calls Message{"SDK_FormatMessage 9 512"};
-    const Calls UnInit{"SDK_UnInit"};
-    const struct {
-        int nCode;
-        Calls undo;
-    } Steps[]{
-        {Refused, {}},                                                 // SDK_Login
-        {Refused, UnInit},                                             // Player_Initial
-        {Refused, UnInit},                                             // Player_OpenStream
-        {Refused, UnInit + StopPlayer},                                // SetAutoResizeFlag
-        {Refused, UnInit + StopPlayer},                                // Player_Play
-        {ErrorCode::PreviewFailed, Message + UnInit + StopPlayer},     // Open
-        {ErrorCode::PreviewFailed, Message + StopVideo + StopPlayer},  // SetAVDataCallback
-        {ErrorCode::PreviewFailed, Message + StopVideo + StopPlayer},  // StartVideo
-        {ErrorCode::PreviewFailed, Message + StopVideo + StopPlayer},  // Ctrl
-        {Refused, StopVideo + StopPlayer},                             // SetDrawCallBack
-        {Refused, StopVideo + StopPlayer},                             // SetDecodeCallBack
-    };
-    const Calls calls = startCalls();
-    ASSERT_EQ(std::size(Steps), calls.size());
-    for (std::size_t i = 0; i < calls.size(); ++i) {
+    Calls begun;
+    for (const Step& step : stepsOfAStart()) {
+        SCOPED_TRACE(step.strCall);
         m_pImpl = std::make_unique<FleetKitImpl>();
         takeCalls();
-        g_setFailing = {functionOf(calls[i])};
-        SCOPED_TRACE(calls[i]);
-        EXPECT_EQ(startPlay(), Steps[i].nCode);
-        const Calls begun(calls.begin(), calls.begin() + static_cast<std::ptrdiff_t>(i) + 1);
-        EXPECT_THAT(takeCalls(), ElementsAreArray(begun + Steps[i].undo));
+        begun.push_back(step.strCall);
+        g_setFailing = {functionOf(step.strCall)};
+        EXPECT_EQ(startPlay(), step.nCode);
+        EXPECT_THAT(takeCalls(), ElementsAreArray(begun + step.undo));
     }
 }
 
@@ -176,9 +167,9 @@ TEST_F(LivePreview, HandsFramesToThePlayerWithoutACopy) {
 
 TEST_F(LivePreview, StartsNothingWithoutItsLibraries) {
     EXPECT_EQ(startPlay(), ErrorCode::PreviewFailed);
-    provideNet();
+    provide(m_objNet, "/whole/libTarnNetSDK.so");
     EXPECT_EQ(startPlay(), ErrorCode::PreviewFailed);
-    providePlayer("/incomplete");
+    provide(m_objPlayer, "/incomplete/libTarnPlayerSDK.so");
     EXPECT_EQ(startPlay(), ErrorCode::PreviewFailed);
     m_pImpl.reset();
     EXPECT_THAT(takeCalls(), IsEmpty());

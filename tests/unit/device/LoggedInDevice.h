@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <mutex>
 #include <string>
 #include <utility>
@@ -11,45 +10,18 @@
 
 #include "device/FleetKit.h"
 #include "domain/EtResult.h"
-#include "domainxml/XmlCursor.h"
 #include "protocol/CommandCatalogue.h"
-#include "protocol/ICommandBodyParser.h"
-#include "session/SessionCommands.h"
+#include "support/SampleRecords.h"
 #include "support/ScriptedPeer.h"
-#include "support/WireBytes.h"
 
 // A body with this result code and these records behind it.
 inline std::string bodyOf(int nCode, Records records) {
-    EtResult result;
-    result.setCode(nCode);
-    records.insert(records.begin(), copyOf(result));
-    CommandBuffer buffer;
-    EXPECT_TRUE(createBodyParser(10000)->createCommandBody(records, buffer));
-    return bytesOf(buffer);
+    records.insert(records.begin(), recordsOf(with(&EtResult::setCode, nCode)).front());
+    return bodyOf(records);
 }
 
-// The records of a body by their tags, in order, with the number or flag that some of them are
-// about, and the length of a list: "ChannelId=-1 AVStreamParamList[2]".
-inline std::string describeBody(const std::string& strBody) {
-    const XmlDocument document = XmlDocument::parse(strBody.c_str());
-    std::string strText;
-    for (const XmlCursor& record : document.root().children()) {
-        const std::string strTag = record.name();
-        strText += (strText.empty() ? "" : " ") + strTag;
-        for (const char* szAttribute : {"Id", "Value", "Bool"}) {
-            if (const char* szValue = record.attribute(szAttribute)) {
-                strText += std::string("=") + szValue;
-            }
-        }
-        if (strTag.size() > 4 && strTag.compare(strTag.size() - 4, 4, "List") == 0) {
-            strText += "[" + std::to_string(record.children().size()) + "]";
-        }
-    }
-    return strText;
-}
-
-// Answers every request with the body of the moment, under the id that the catalogue expects.
-// Logins, logouts and keep-alives are let through and not written down.
+// Answers every request with the body of the moment, under the id that the catalogue expects; with
+// an empty one it hangs up. Logins, logouts and keep-alives are let through and not written down.
 class LoggedInDevice {
 public:
     LoggedInDevice() {
@@ -63,9 +35,6 @@ public:
         const std::lock_guard guard(m_objMutex);
         m_strBody = strBody;
     }
-
-    // From the next request on the device hangs up.
-    void hangUp() { answerWith(""); }
 
     std::vector<PeerRequest> takeRequests() {
         const std::lock_guard guard(m_objMutex);
@@ -90,13 +59,9 @@ private:
     }
 
     std::string bodyFor(const PeerRequest& request) {
-        switch (request.m_objHead.getCommandID()) {
-            case LoginCommand:
-            case LogoutCommand:
-            case KeepAliveCommand:
-                return peerResult(0, "<SessionId SessionId=\"77\" />");
-            default:
-                break;
+        const std::uint32_t nCommand = request.m_objHead.getCommandID();
+        if (nCommand == LoginCommand || nCommand == LogoutCommand || nCommand == KeepAliveCommand) {
+            return peerResult(0, "<SessionId SessionId=\"77\" />");
         }
         const std::lock_guard guard(m_objMutex);
         m_vecRequests.push_back(request);
