@@ -59,6 +59,21 @@ TEST(DomainContainer, CopyingLeavesTheIdsOfTheTarget) {
     EXPECT_EQ(DomainVectorContainer<NTPParam>(list).getElements().size(), 2U);
 }
 
+TEST(DomainContainer, AListHoldsCopiesOfWhatItIsGiven) {
+    NTPParam record;
+    record.setNTPPort(123);
+    DomainVectorContainer<NTPParam> list;
+    list.append(record);
+    record.setNTPPort(1);
+    EXPECT_EQ(list.getElements().at(0).getNTPPort(), 123);
+    list.setElements({record, record});
+    ASSERT_EQ(list.getElements().size(), 2U);
+    EXPECT_EQ(list.getElements()[0].getNTPPort(), 1);
+    DomainVectorContainer<BaseDomain> plain;
+    plain.append(record);
+    EXPECT_EQ(plain.getElements().at(0).getDomainId(), 0U) << "holds only ids";
+}
+
 // ---- raw bytes
 
 std::string bytesOf(const DataBuffer& buffer) {
