@@ -1,6 +1,6 @@
-// The library against the virtual device over the loopback: what functions do to the state of the
-// device, and every misbehaviour with the code that the caller gets. Logins start the heartbeat, so
-// each test has a process of its own.
+// The library against the virtual device over the loopback: every function once with success, what
+// some do to the state of the device, and every misbehaviour with the code that the caller gets.
+// Logins start the heartbeat, so each test has a process of its own.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -18,6 +18,7 @@
 #include "integration/LoginData.h"
 #include "session/SDK_DeviceSessionCreator.h"
 #include "support/ChildProcess.h"
+#include "support/DeclaredFunctions.h"
 #include "support/SampleRecords.h"
 #include "virtual-device/DeviceResult.h"
 #include "virtual-device/VirtualDevice.h"
@@ -57,6 +58,178 @@ void onSite(const std::function<void(Site&)>& body) {
         Site site;
         body(site);
     });
+}
+
+// One function, by its name in `declaredFunctions`.
+struct Call {
+    std::string strFunction;
+    std::function<int(Site&)> make;
+};
+
+template <class Record>
+Call reading(const char* szFunction, int (*get)(const long&, Record&)) {
+    return {szFunction, [=](Site& site) {
+                Record record;
+                const int nCode = get(site.hCamera, record);
+                EXPECT_FALSE(record == Record());
+                return nCode;
+            }};
+}
+
+template <class Record>
+Call setting(const char* szFunction, int (*set)(const long&, const Record&),
+             Record DeviceState::*pField) {
+    return {szFunction, [=](Site& site) {
+                const int nCode = set(site.hCamera, sample<Record>());
+                EXPECT_TRUE(site.camera.getState().*pField == sample<Record>());
+                return nCode;
+            }};
+}
+
+// Of a camera whatever channel the caller names, of a recorder by channel.
+template <class Ability>
+Call ability(const char* szFunction, int (*get)(const long&, const int&, const int&, Ability&)) {
+    return {szFunction, [=](Site& site) {
+                Ability ofRecorder;
+                EXPECT_EQ(get(site.hRecorder, RecorderType, 99, ofRecorder),
+                          DeviceResult::NoSuchChannel);
+                EXPECT_EQ(get(site.hRecorder, RecorderType, 2, ofRecorder), ErrorCode::Success);
+                EXPECT_FALSE(ofRecorder == Ability());
+                Ability ofCamera;
+                const int nCode = get(site.hCamera, CameraType, 99, ofCamera);
+                EXPECT_FALSE(ofCamera == Ability());
+                return nCode;
+            }};
+}
+
+// The recorder takes back what it gave.
+template <class Structure>
+void addList(std::vector<Call>& calls, const char* szGet, int (*get)(const long&, Structure&),
+             const char* szSet, int (*set)(const long&, const Structure&), int nCount) {
+    const auto pStructure = std::make_shared<Structure>();
+    calls.push_back({szGet, [=](Site& site) {
+                         const int nCode = get(site.hRecorder, *pStructure);
+                         EXPECT_EQ(pStructure->Count, nCount);
+                         return nCode;
+                     }});
+    calls.push_back({szSet, [=](Site& site) { return set(site.hRecorder, *pStructure); }});
+}
+
+// In the order of the calls: the last ones end the connection.
+std::vector<Call> calls() {
+    DeviceTime leapDay;
+    leapDay.setYear(2028);
+    leapDay.setMonth(2);
+    leapDay.setDay(29);
+    const auto pStreams = std::make_shared<tagAllAVStreamParam>();
+    const auto pStream = std::make_shared<AVStreamParam>();
+    std::vector<Call> vecCalls{
+        reading("getHardwareCapability", FleetKit::getHardwareCapability),
+        reading("getSoftwareCapability", FleetKit::getSoftwareCapability),
+        reading("getLanguageAbility", FleetKit::getLanguageAbility),
+        reading("getNetworkAbility", FleetKit::getNetworkAbility),
+        reading("getDeviceSummaryInfo", FleetKit::getDeviceSummaryInfo),
+        reading("getDiskAbility", FleetKit::getDiskAbility),
+        reading("getExternUARTAbility", FleetKit::getExternUARTAbility),
+        reading("getDevicePort", FleetKit::getDevicePort),
+        reading("getDeviceTime", FleetKit::getDeviceTime),
+        reading("getTimeZoneParam", FleetKit::getTimeZoneParam),
+        reading("getNTPParam", FleetKit::getNTPParam),
+        reading("getProtocolSecurityParam", FleetKit::getProtocolSecurityParam),
+        setting("setTimeZoneParam", FleetKit::setTimeZoneParam, &DeviceState::objTimeZone),
+        setting("setNTPParam", FleetKit::setNTPParam, &DeviceState::objNTP),
+        setting("setDevicePort", FleetKit::setDevicePort, &DeviceState::objPorts),
+        setting("setProtocolSecurityParam", FleetKit::setProtocolSecurityParam,
+                &DeviceState::objSecurity),
+        ability("getVideoAbility", FleetKit::getVideoAbility),
+        ability("getOSDAbility", FleetKit::getOSDAbility),
+        ability("getAudioAbility", FleetKit::getAudioAbility),
+        ability("getPTZAbility", FleetKit::getPTZAbility),
+        ability("getMotionDetectionAbility", FleetKit::getMotionDetectionAbility),
+        ability("getBlindAbility", FleetKit::getBlindAbility),
+        {"getSensorAbility",
+         [sensor = SensorAbility()](Site& site) mutable {
+             return FleetKit::getSensorAbility(site.hCamera, CameraType, 99, sensor);
+         }},
+        {"getTimeZoneAbility",
+         [names = TimeZoneAbility()](Site& site) mutable {
+             return FleetKit::getTimeZoneAbility(site.hCamera, 0, names);
+         }},
+        {"getTimeZoneDefaultParam",
+         [zone = TimeZoneParam()](Site& site) mutable {
+             return FleetKit::getTimeZoneDefaultParam(site.hCamera, 2, zone);
+         }},
+        {"setDeviceReSetTime",
+         [=](Site& site) {
+             const int nCode = FleetKit::setDeviceReSetTime(site.hCamera, 0, leapDay);
+             DeviceTime now;
+             EXPECT_EQ(FleetKit::getDeviceTime(site.hCamera, now), ErrorCode::Success);
+             EXPECT_EQ(now.getYear(), 2028);
+             EXPECT_EQ(now.getDay(), 29);
+             return nCode;
+         }},
+        {"setDeviceHostNetwork",
+         [](Site& site) {
+             const int nCode = FleetKit::setDeviceHostNetwork(
+                 site.hCamera, 0, with(&HostNetwork::setLocalIp, "192.0.2.7"));
+             EXPECT_EQ(site.camera.getState().vecHostNetworks.front().getLocalIp(), "192.0.2.7");
+             return nCode;
+         }},
+        {"exeCommand",
+         [result = std::string()](Site& site) mutable {
+             return FleetKit::exeCommand(site.hCamera, "uptime", result);
+         }},
+        {"getAVStreamParam",
+         [=](Site& site) { return FleetKit::getAVStreamParam(site.hRecorder, 2, *pStreams); }},
+        {"setAVStreamParam",
+         [=](Site& site) { return FleetKit::setAVStreamParam(site.hRecorder, 2, *pStreams); }},
+        {"getAVStreamParam#2",
+         [=](Site& site) { return FleetKit::getAVStreamParam(site.hRecorder, 2, 1, *pStream); }},
+        {"setAVStreamParam#2",
+         [=](Site& site) { return FleetKit::setAVStreamParam(site.hRecorder, 2, 1, *pStream); }},
+        {"setOSDUserParam",
+         [](Site& site) { return FleetKit::setOSDUserParam(site.hRecorder, 2, OSDUserParam()); }},
+        {"getOSDUserParam",
+         [text = OSDUserParam()](Site& site) mutable {
+             return FleetKit::getOSDUserParam(site.hRecorder, 2, text);
+         }},
+        {"getAllChannelInfo",
+         [](Site& site) {
+             const auto pChannels = std::make_unique<tagAllChannelInfo>();
+             const int nCode =
+                 FleetKit::getAllChannelInfo(site.hRecorder, RecorderType, *pChannels);
+             EXPECT_EQ(pChannels->Count, Channels);
+             return nCode;
+         }},
+        {"getChannelInfo",
+         [channel = ChannelInfo()](Site& site) mutable {
+             return FleetKit::getChannelInfo(site.hRecorder, RecorderType, 2, channel);
+         }},
+    };
+    addList(vecCalls, "getAllAVStreamParam", FleetKit::getAllAVStreamParam, "setAllAVStreamParam",
+            FleetKit::setAllAVStreamParam, Channels * Streams);
+    addList(vecCalls, "getAllOSDUserParam", FleetKit::getAllOSDUserParam, "setAllOSDUserParam",
+            FleetKit::setAllOSDUserParam, Channels);
+    const std::vector<Call> vecLast{
+        {"setDevicePasswd",
+         [](Site& site) { return FleetKit::setDevicePasswd(site.hCamera, "admin", "admin"); }},
+        {"setDeviceReset", [](Site& site) { return FleetKit::setDeviceReset(site.hCamera, {}); }},
+        {"setDeviceRestart", [](Site& site) { return FleetKit::setDeviceRestart(site.hCamera); }},
+        {"Init", [](Site&) { return FleetKit::Init(); }},
+        {"Login",
+         [](Site& site) {
+             long handle = 0;
+             const int nCode = FleetKit::Login(loginData(site.recorder.getPort()), handle);
+             EXPECT_GT(handle, site.hRecorder);
+             EXPECT_EQ(site.recorder.sessionCount(), 2U);
+             return nCode;
+         }},
+        {"Logout", [](Site& site) { return FleetKit::Logout(site.hRecorder); }},
+        {"stopPlay", [](Site&) { return FleetKit::stopPlay(); }},
+        {"UnInit", [](Site&) { return FleetKit::UnInit(); }},
+    };
+    vecCalls.insert(vecCalls.end(), vecLast.begin(), vecLast.end());
+    return vecCalls;
 }
 
 // One misbehaviour in the answer to a request for the time.
@@ -124,6 +297,23 @@ void expectCodes(const Trouble& trouble) {
 }
 
 }  // namespace
+
+TEST(FacadeAgainstDevice, EveryFunctionSucceeds) {
+    onSite([](Site& site) {
+        // Multicast needs a network of its own, the preview the libraries of the maker.
+        std::set<std::string> setSucceeded{"setDeviceHostNetwork#2", "startPlay"};
+        for (const Call& call : calls()) {
+            SCOPED_TRACE(call.strFunction);
+            const int nCode = call.make(site);
+            EXPECT_EQ(nCode, ErrorCode::Success);
+            if (nCode == ErrorCode::Success) {
+                EXPECT_TRUE(setSucceeded.insert(call.strFunction).second);
+            }
+        }
+        EXPECT_EQ(setSucceeded, declaredFunctions());
+        EXPECT_EQ(setSucceeded.size(), 50U);
+    });
+}
 
 TEST(FacadeAgainstDevice, ARecorderKeepsItsChannelsApart) {
     onSite([](Site& site) {
