@@ -133,7 +133,7 @@ TEST(GoldenText, WhatIsOnlyWritten) {
     EXPECT_THAT(written(ability), HasSubstr("<DetailGet enable=\"false\" unit=\"x\" />"));
 }
 
-TEST(GoldenText, WhatIsReadAndWhatIsWrittenThen) {
+TEST(GoldenText, WhatIsReadIntoAFilledRecordAndWhatIsWrittenThen) {
     const Shape Cases[] = {
         {"EtHoldTypeList", "<R Type='9'/>", "<Type Type=\"9\" />"},
         {"CameraTamperAbility", "<R enable='1' LibId='1'><MinTime enable='yes' min='1'/></R>",
@@ -146,9 +146,21 @@ TEST(GoldenText, WhatIsReadAndWhatIsWrittenThen) {
          "List=\"(1, 2);(3, 4)\""},
         {"TemperatureAreaAndAlarmParam",
          "<R><TemperatureMeasureArea PointCoordinateList='(1, 2);(3);nonsense;;(5, 6)'/></R>",
-         "List=\"(1, 2);(5, 6)\""}};
+         "List=\"(1, 2);(5, 6)\""},
+        {"NTPParam", "<R NTPEnableFlag='maybe'/>", "NTPEnableFlag=\"false\""},
+        {"NTPParam", "<R NTPPort='65537'/>", "NTPPort=\"1\""},
+        {"NTPParam", "<R NTPPort='-1'/>", "NTPPort=\"65535\""},
+        {"CpuStatistic", "<R CpuPercent='x'/>", "CpuPercent=\"0.000000\""},
+        {"LoginSession", "<R Time='x'/>", "Time=\"0.000000\""},
+        {"ConverseAbility", "<R LibId='1' enable='1'><ConverseAngle min='x' max='.5'/></R>",
+         "<ConverseAngle enable=\"false\" min=\"0.000000\" max=\"0.500000\""},
+        {"Privilege", "<R HasDeviceFlag='maybe'/>", "HasDeviceFlag=\"true\""},
+        {"RecordPlaybackParam",
+         "<R CommandType='1' DisplayId='1' WindowId='1' ChannelId='1' AudioFlag='x' Rate='x'/>",
+         "AudioFlag=\"true\" BeginTime=\"1006\" EndTime=\"1007\" locateTime=\"1008\" "
+         "Rate=\"1009.500000\""}};
     for (const auto& [szClass, szRead, szWritten] : Cases) {
-        MappedRecord record(*findRecordDescriptor(szClass));
+        MappedRecord record = MappedRecord::filled(*findRecordDescriptor(szClass));
         record.read(szRead);
         EXPECT_THAT(record.text(), HasSubstr(szWritten)) << szRead;
     }
