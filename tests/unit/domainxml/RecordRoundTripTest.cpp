@@ -92,6 +92,7 @@ TEST(RecordRoundTrip, AFilledRecordComesBackButForWhatIsOneSided) {
 }
 
 TEST(RecordRoundTrip, OrderAndStrangersDoNotMatter) {
+    EXPECT_EQ(allRecords().size(), 716U);
     for (const RecordDescriptor* pDescriptor : allRecords()) {
         SCOPED_TRACE(pDescriptor->szClass);
         TiXmlDocument plain;
@@ -205,6 +206,7 @@ TEST(MapperFactory, EntriesAreReadWhateverTheirTag) {
 
 TEST(MapperFactory, ARecordOfAnotherTypeIsRefusedAndUntouched) {
     const auto vecRecords = namedRecords();
+    EXPECT_EQ(vecRecords.size(), 649U);
     for (std::size_t i = 0; i < vecRecords.size(); ++i) {
         SCOPED_TRACE(vecRecords[i]->szClass);
         const RecordDescriptor& other = *vecRecords[(i + 1) % vecRecords.size()];
