@@ -41,11 +41,11 @@ TEST(CommandCatalogueTest, OnlyTwoRequestsStandMoreThanOnceAndAlwaysAlike) {
 
 TEST(CommandCatalogueTest, TellsTheReplyOfEachRequest) {
     const std::map<std::uint32_t, std::uint32_t> mapResponses = {
-        {11001, 11002}, {11003, 10000}, {30507, 30508}, {14006, 14006},
-        {32811, 32811},                  // answered by their own id
+        {11001, 11002}, {11003, 10000}, {11007, 10000}, {30507, 30508}, {32714, 10000},
+        {14006, 14006}, {32811, 32811},  // answered by their own id
         {43860, 41025}, {43859, 43860},  // a request that is also a reply
         {34901, 34902}, {34903, 34902},  // two requests, one reply
-        {35033, 35035}, {35034, 35035}, {31025, 31026}, {31041, 31026},
+        {35033, 35035}, {35034, 35035}, {31025, 31026}, {31041, 31026}, {32765, 32766},
     };
     for (const auto& [nRequest, nResponse] : mapResponses) {
         ASSERT_NE(findCommand(nRequest), nullptr) << nRequest;

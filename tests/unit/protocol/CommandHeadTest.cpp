@@ -47,6 +47,16 @@ TEST(CommandHeadTest, IsWrittenAndReadByteByByte) {
     EXPECT_EQ(read.getHeadKind(), 9U) << "not on the wire";
 }
 
+TEST(CommandHeadTest, ItsBytesAreTheNumbersItTells) {
+    SDKCommandHeadInfo head;
+    ASSERT_TRUE(decode(WorkedHead, head));
+    EXPECT_EQ(head.getCommandID(), 18002U);
+    EXPECT_EQ(head.getProtocolType(), 1);
+    EXPECT_EQ(head.getSequence(), 7);
+    EXPECT_EQ(head.getSessionId(), 0x12345U);
+    EXPECT_EQ(head.getPayloadLength(), 0x72U);
+}
+
 TEST(CommandHeadTest, AnySingleBitChangedIsRefusedAndWritesNothing) {
     for (std::size_t nBit = 0; nBit < WorkedHead.size() * 8; ++nBit) {
         std::string strBytes = WorkedHead;
