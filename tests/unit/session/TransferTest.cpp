@@ -1,6 +1,7 @@
 // Whole commands over streams and datagrams, against a peer that sends what the test says.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/socket.h>
 
 #include <string>
 #include <vector>
@@ -279,6 +280,11 @@ TEST_F(UDPTransferTest, JoinsGroupsAndSucceedsWithoutEffectWhereDatagramsHaveNot
     InetAddr group;
     group.setIP("234.5.6.7");
     EXPECT_TRUE(m_objReceiver.setBroadcast(true));
+    int nBroadcast = 0;
+    socklen_t nSize = sizeof nBroadcast;
+    ::getsockopt(m_objReceiver.getSocket()->getHandle(), SOL_SOCKET, SO_BROADCAST, &nBroadcast,
+                 &nSize);
+    EXPECT_EQ(1, nBroadcast);
     EXPECT_TRUE(m_objReceiver.joinGroup(group));
     EXPECT_FALSE(m_objReceiver.openGroup(group)) << "bound already";
 

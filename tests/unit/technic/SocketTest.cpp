@@ -359,7 +359,10 @@ TEST(Socket, AGroupIsJoinedOnTheInterfaceOfTheLocalAddress) {
     BoundSocket objSocket(1, Socket::Datagram);
     InetAddr objGroup;
     objGroup.setIP("234.5.6.7");
-    EXPECT_TRUE(objSocket.setBroadcast(true));
+    for (const bool bBroadcast : {true, false}) {
+        EXPECT_TRUE(objSocket.setBroadcast(bBroadcast));
+        EXPECT_EQ(option(objSocket, SOL_SOCKET, SO_BROADCAST) != 0, bBroadcast);
+    }
     EXPECT_TRUE(objSocket.joinGroup(objGroup));
     for (const char* pNoGroup : {"234.5.6.7", "127.0.0.1", "", "somewhere"}) {
         objGroup.setIP(pNoGroup);
