@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <functional>
 #include <memory>
 #include <set>
 #include <string>
@@ -30,6 +31,7 @@ const auto& g_device = reinterpret_cast<const NS_TARN_STRUCT::tagDeviceInfoEx&>(
 Calls g_vecCalls;
 std::set<std::string> g_setFailing;  // the functions that give `Refused`
 std::thread::id g_caller;
+std::function<void()> g_onCall;  // where there is one
 
 std::string functionOf(const std::string& strCall) {
     return strCall.substr(0, strCall.find(' '));
@@ -39,6 +41,9 @@ int recordCall(const char* szCall) {
     const std::string strCall = szCall;
     g_vecCalls.push_back(strCall);
     g_caller = std::this_thread::get_id();
+    if (g_onCall) {
+        g_onCall();
+    }
     return g_setFailing.count(functionOf(strCall)) > 0 ? Refused : 0;
 }
 
@@ -125,6 +130,17 @@ TEST_F(LivePreview, CallsBothLibrariesInOrderAndStopsTheVideoAtUnload) {
     }
     EXPECT_THAT(takeCalls(), ElementsAreArray(calls));
     m_pImpl.reset();
+    EXPECT_THAT(takeCalls(), ElementsAreArray(StopVideo));
+}
+
+TEST_F(LivePreview, StopsTheVideoAtUnloadWhenLoginsHaveEnded) {
+    provideBoth();
+    ASSERT_EQ(startPlay(), ErrorCode::Success);
+    takeCalls();
+    g_onCall = [this] { EXPECT_EQ(m_pImpl->logout(1000), ErrorCode::Failed); };
+    EXPECT_EQ(m_pImpl->logout(1000), ErrorCode::UnknownHandle);
+    m_pImpl->unload();
+    g_onCall = nullptr;
     EXPECT_THAT(takeCalls(), ElementsAreArray(StopVideo));
 }
 
