@@ -241,6 +241,21 @@ void expectCodes(LoggedInDevice& device, const Operation& operation) {
     }
 }
 
+// Asks for a list that is longer than the structure, which has a guard behind it.
+template <class Structure, class Record, class Get, class... Args>
+void expectBounded(LoggedInDevice& device, int nMost, const Record& record, Get get, Args... args) {
+    struct Room {
+        Structure objStructure;
+        char Guard[2 * sizeof(tagOSDUserParam)];
+    };
+    const auto pRoom = std::make_unique<Room>();
+    const std::vector vecTooMany(static_cast<std::size_t>(nMost) + 2, record);
+    device.answerWith(bodyOf(0, recordsOf(listOf(vecTooMany))));
+    EXPECT_EQ(get(device.handle(), args..., pRoom->objStructure), ErrorCode::Success);
+    EXPECT_EQ(pRoom->objStructure.Count, nMost);
+    EXPECT_THAT(pRoom->Guard, testing::Each('\0'));
+}
+
 }  // namespace
 
 TEST(FleetKit, SendsTheRecordsOfEachOperationAndTakesItsAnswer) {
@@ -317,33 +332,72 @@ TEST(FleetKit, HasNoFunctionThatTheseTestsDoNotCall) {
 }
 
 TEST(FleetKit, DecidesByTheDeviceTypeBeforeAnythingIsSent) {
-    outputOfChild([] {
+    const auto asking = [](auto get, auto target) {
+        return [=](Handle handle, int nType) mutable { return get(handle, nType, 2, target); };
+    };
+    const struct {
+        std::function<int(Handle, int)> call;
+        bool bOfCameras = true;
+        bool bOfRecorders = true;
+    } Functions[]{
+        {asking(FleetKit::getVideoAbility, VideoAbility())},
+        {asking(FleetKit::getOSDAbility, OSDAbility())},
+        {asking(FleetKit::getAudioAbility, AudioExAbility())},
+        {asking(FleetKit::getPTZAbility, PTZAbilityParam())},
+        {asking(FleetKit::getMotionDetectionAbility, MotionDetectionAbility())},
+        {asking(FleetKit::getBlindAbility, BlindAbility())},
+        {asking(FleetKit::getSensorAbility, SensorAbility()), true, false},
+        {asking(FleetKit::getChannelInfo, ChannelInfo()), false, true},
+    };
+    outputOfChild([&] {
         LoggedInDevice device;
         const std::set<int> setCameras{1, 4, 8, 9, 13, 14, 15};
         const std::set<int> setRecorders{5, 10, 103};
         device.answerWith(
-            bodyOf(0, recordsOf(VideoAbility(), SensorAbility(), twoOf<ChannelInfo>())));
-        const auto codeOf = [](bool bServed) {
-            return bServed ? ErrorCode::Success : ErrorCode::Failed;
-        };
+            bodyOf(0, recordsOf(VideoAbility(), OSDAbility(), AudioExAbility(), PTZAbilityParam(),
+                                MotionDetectionAbility(), BlindAbility(), SensorAbility(),
+                                twoOf<ChannelInfo>())));
         for (int nType = -1; nType <= 110; ++nType) {
             SCOPED_TRACE(nType);
             const bool bCamera = setCameras.count(nType) > 0;
             const bool bRecorder = setRecorders.count(nType) > 0;
-            VideoAbility video;
-            SensorAbility sensor;
-            ChannelInfo channel;
-            Handle handle = device.handle();
-            EXPECT_EQ(FleetKit::getVideoAbility(handle, nType, 2, video),
-                      codeOf(bCamera || bRecorder));
-            EXPECT_EQ(FleetKit::getSensorAbility(handle, nType, 2, sensor), codeOf(bCamera));
-            EXPECT_EQ(FleetKit::getChannelInfo(handle, nType, 2, channel), codeOf(bRecorder));
-            const auto vecRequests = device.takeRequests();
-            ASSERT_EQ(vecRequests.size(), bCamera || bRecorder ? 2U : 0U);
-            for (const PeerRequest& request : vecRequests) {
-                EXPECT_EQ(request.m_strBody, bodyOf(onChannel(bCamera ? All : 2)));
+            for (const auto& function : Functions) {
+                SCOPED_TRACE(&function - Functions);
+                const bool bServed =
+                    (bCamera && function.bOfCameras) || (bRecorder && function.bOfRecorders);
+                EXPECT_EQ(function.call(device.handle(), nType),
+                          bServed ? ErrorCode::Success : ErrorCode::Failed);
+                // A camera is asked without the channel of the caller.
+                const auto vecRequests = device.takeRequests();
+                ASSERT_EQ(vecRequests.size(), bServed ? 1U : 0U);
+                if (bServed) {
+                    EXPECT_EQ(vecRequests[0].m_strBody, bodyOf(onChannel(bCamera ? All : 2)));
+                }
             }
         }
+    });
+}
+
+TEST(FleetKit, MovesNoMoreElementsThanAStructureHolds) {
+    outputOfChild([] {
+        LoggedInDevice device;
+        expectBounded<tagAllAVStreamParam>(device, MaxAVStreams, sample<AVStreamParam>(),
+                                           FleetKit::getAllAVStreamParam);
+        expectBounded<tagOSDUserParamList>(device, MaxOSDUserParams, sample<OSDUserParam>(),
+                                           FleetKit::getAllOSDUserParam);
+        expectBounded<tagAllChannelInfo>(device, MaxChannels, sample<ChannelInfo>(),
+                                         FleetKit::getAllChannelInfo, Recorder);
+
+        const auto pStreams = std::make_unique<tagAllAVStreamParam>();
+        pStreams->Count = MaxAVStreams + 1;
+        device.takeRequests();
+        device.answerWith(bodyOf(0, {}));
+        EXPECT_EQ(FleetKit::setAllAVStreamParam(device.handle(), *pStreams), ErrorCode::Success);
+        pStreams->Count = MaxAVStreams;
+        EXPECT_EQ(FleetKit::setAllAVStreamParam(device.handle(), *pStreams), ErrorCode::Success);
+        const auto vecRequests = device.takeRequests();
+        ASSERT_EQ(vecRequests.size(), 2U);
+        EXPECT_EQ(vecRequests[0].m_strBody, vecRequests[1].m_strBody);
     });
 }
 
