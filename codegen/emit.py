@@ -232,8 +232,8 @@ def family_source(schema, family, records, domains):
     out = [generated_by(family + ".schema"), "#include <cstddef>\n#include <utility>\n\n",
            "".join(f'#include "{name}"\n' for name in headers),
            '#include "domain/RecordDescriptor.h"\n\n',
-           "// Records derive from one base without virtual inheritance, so both compilers know the\n"
-           "// place of each member.\n"
+           "// Records derive from one base without virtual inheritance, so both compilers know\n"
+           "// the place of each member.\n"
            '#pragma GCC diagnostic ignored "-Winvalid-offsetof"\n\n']
     for record in records:
         if not record.is_element and "by-hand" not in record.flags:
@@ -285,7 +285,8 @@ def command_table(schema):
                    for c in schema.commands)
     return (generated_by("commands.schema") + '#include "protocol/CommandTable.h"\n\n'
             f"const CommandDescriptor commandTable[] = {{\n{rows}}};\n"
-            "const std::size_t commandTableSize = sizeof(commandTable) / sizeof(commandTable[0]);\n")
+            "const std::size_t commandTableSize = "
+            "sizeof(commandTable) / sizeof(commandTable[0]);\n")
 
 
 def mapper_header(schema, family, records):

@@ -1,6 +1,8 @@
 """Turns the schema of the wire vocabulary into C++, and into the pages of the reference.
 
     fleetkit_codegen.py --schema DIR [--out DIR] [--reference DIR] [--examples FILE]
+
+Without a place to write to, it only checks the schema.
 """
 
 import argparse

@@ -6,7 +6,6 @@ import shutil
 from html import escape
 from pathlib import Path
 
-from example import example_of
 from schema import ACKNOWLEDGEMENT, capital
 from vocabulary import ACKNOWLEDGING_RECORD, MARK, Vocabulary
 
@@ -14,7 +13,7 @@ HERE = Path(__file__).resolve().parent
 # Facts of a command, a column each.
 COMMAND_COLUMNS = {"command": "Request", "reply": "Reply", "group": "Group",
                    "operation": "Operation", "carries": "Request carries",
-                   "answers": "Reply carries", "sameGroup": "Same group", "usedBy": "Used by"}
+                   "answers": "Reply carries", "sameGroup": "Same group"}
 
 
 def title_of_fact(key):
@@ -46,7 +45,7 @@ class Reference:
     def field_row(self, field):
         words = "".join(f"<code>{escape(line)}</code>" for line in field["printed"])
         extra = "".join(f'<span class="note">{escape(note)}</span>' for note in field["notes"])
-        mark = ' class="inherited"' if field["inheritedFrom"] else ""
+        mark = ' class="inherited"' if "inheritedFrom" in field else ""
         return (f"<tr{mark}><td><code>{field['name']}</code>{extra}</td>"
                 f"<td>{self.markup(field['type'])}</td><td>{escape(field['default'])}</td>"
                 f"<td>{escape(field['absent'])}</td><td class=\"words\">{words}</td></tr>\n")
@@ -98,18 +97,18 @@ class Reference:
             seen.add(command.request)
             facts = self.vocabulary.command_facts(command)
             cells = "".join(f"<td>{self.markup(facts[key])}</td>" for key in COMMAND_COLUMNS)
-            yield f"<tr{anchor}>{cells}</tr>\n"
+            yield f"<tr{anchor}>{cells}<td>{escape(command.comment)}</td></tr>\n"
 
     def commands_page(self):
-        titles = "".join(f"<th>{title}</th>" for title in COMMAND_COLUMNS.values())
+        titles = "".join(f"<th>{title}</th>" for title in (*COMMAND_COLUMNS.values(), "Notes"))
         return page("Commands", f"""<h1>Commands</h1>
 <p class="lead">The {len(self.schema.commands)} commands of the catalogue, in its order: a look-up
 takes the first line that matches.</p>
 <p>A command answers with the id under Reply. {ACKNOWLEDGEMENT} is the plain acknowledgement, which
-carries a {self.link(ACKNOWLEDGING_RECORD)} and nothing else. Commands of one group work on one parameter.
-"other" is a third operation on it, such as reading its default. The records are told where they are
-known; a reply holds a {self.link(ACKNOWLEDGING_RECORD)} in front of them. The last column names the
-functions of the library that send the command.</p>
+carries a {self.link(ACKNOWLEDGING_RECORD)} and nothing else. Commands of one group work on one
+parameter. "other" is a third operation on it, such as reading its default. The records are told
+where they are known; a reply holds a {self.link(ACKNOWLEDGING_RECORD)} in front of them. The notes
+name the functions of the library that send the command, or a form of its own.</p>
 <div class="scroll"><table><thead><tr>{titles}</tr></thead>
 <tbody>
 {"".join(self.command_rows())}</tbody></table></div>
@@ -219,10 +218,10 @@ list empty, one at the top of a body makes the whole body unreadable.</li>
 the end of a line. <code>{{tag}}</code> stands for the element, <code>{{parent}}</code> for the one
 around it, <code>{{value}}</code> for the value that is kept, <code>{{file}}</code> and
 <code>{{line}}</code> for a place in the library's source. Of a list that is there but has a refused
-entry, only the second line is printed.</li>
+entry, only the second line is printed. When a nested record or a list cannot be written, it is
+left out, and <code>createDomainXmlNode NAME failed \\n</code> is printed.</li>
 <li>An <b>element</b> is a part of one record that has no id of its own.</li>
-<li><b>Begins as</b> names a record whose fields stand first, on the same element; they are
-shaded.</li>
+<li><b>Base</b> names a record whose fields stand first, on the same element; they are shaded.</li>
 <li>In an <b>example</b> each field is filled with a value of its type, or with its default.</li>
 </ul>
 </div>
@@ -240,7 +239,7 @@ def write_reference(schema, out):
 
 def write_examples(schema, path):
     """An example of each record that may stand in a body: its class name, then the element."""
-    classes = {domain.class_name: domain.name for domain in schema.domains}
-    text = "".join(f"{name}\n{example_of(schema, schema.records[name], tag)}\n"
-                   for name, tag in classes.items())
+    vocabulary = Vocabulary(schema)
+    text = "".join(f"{name}\n{vocabulary.example(schema.records[name])}\n"
+                   for name in vocabulary.domains)
     Path(path).write_text(text, encoding="utf-8")

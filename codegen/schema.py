@@ -42,7 +42,8 @@ class Field:
     unwritten: str = ""
     read_into: str = ""
     unread: str = ""
-    flags: set = field(default_factory=set)  # write-only, read-only, omit-empty, read-as-float, bare
+    # write-only, read-only, omit-empty, read-as-float, bare
+    flags: set = field(default_factory=set)
     comment: str = ""
 
 

@@ -1,7 +1,7 @@
 """What the reference tells of each record and each command, as plain data.
 
 The pages and the terminal are both made of it. In the texts of facts and types a name in brackets
-is a record or a command, and what stands in backquotes is spelled as on the wire.
+is a record or a command, and what stands in backquotes is spelled exactly so.
 """
 
 import json
@@ -39,7 +39,7 @@ def absence_of(schema, field):
         return "becomes empty"
     if field.kind == "element":
         has_words = field.absent or schema.records[field.type].absent
-        return "its fields take their fallbacks" if has_words else "its fields count as absent"
+        return "its fields count as absent" + (", without lines of their own" if has_words else "")
     if field.presence in ("kept", "logged") or field.kind in ("record", "block"):
         return "stays as it was"
     if field.presence == "falls":
@@ -70,7 +70,7 @@ def notes_of(field):
     if "write-only" in field.flags:
         result.append("Written, never read.")
     if "read-only" in field.flags:
-        result.append("Read once more, for the field of this name; not written again.")
+        result.append("The second one: read once more, for the field of this name; not written.")
     if field.read_into:
         result.append(f"What is read goes to {field.read_into}.")
     if "read-as-float" in field.flags:
@@ -105,6 +105,10 @@ def type_of(schema, field):
     return TYPE_NAMES.get(field.kind, field.kind)
 
 
+def carried_names(carried):
+    return [("list of " if one.is_list else "") + f"[{one.type}]" for one in carried]
+
+
 class Vocabulary:
     """Who points to whom, and what is told of each."""
 
@@ -112,10 +116,11 @@ class Vocabulary:
         self.schema = schema
         self.domains = {domain.class_name: domain for domain in schema.domains}
         self.exported = schema.exported_closure()
-        self.first_of_name, self.groups = {}, {}
+        self.first_of_name, self.first_of_list, self.groups = {}, {}, {}
         self.nested_in, self.derived, self.carried_by, self.answers = {}, {}, {}, {}
         for domain in schema.domains:
             self.first_of_name.setdefault(domain.name, domain.class_name)
+            self.first_of_list.setdefault(domain.list_name, domain.class_name)
         for record in schema.records.values():
             if record.base:
                 self.derived.setdefault(record.base, []).append(f"[{record.name}]")
@@ -140,15 +145,18 @@ class Vocabulary:
             facts["element"] = self.element_fact(domain)
             if domain:
                 facts["list"] = self.list_fact(domain)
-            facts["listEntry"] = f"`{entry_tag(record)}`"
-            facts["header"] = (f"`<fleetkit/{record.header}>`" if name in self.exported
-                               else "not public")
+            if record.has_id:
+                facts["listEntry"] = f"`{entry_tag(record)}`"
+            is_public = name in self.exported or "by-hand" in record.flags
+            facts["header"] = f"`<fleetkit/{record.header}>`" if is_public else "not public"
         if record.base:
-            facts["beginsAs"] = f"[{record.base}]"
-        for key, others in (("begins", self.derived), ("nestedIn", self.nested_in),
+            facts["base"] = f"[{record.base}]"
+        for key, others in (("baseOf", self.derived), ("nestedIn", self.nested_in),
                             ("carriedBy", self.carried_by), ("answers", self.answers)):
             if name in others:
                 facts[key] = others[name]
+        if name == ACKNOWLEDGING_RECORD:
+            facts["answers"] = "every command whose reply is known"
         if "logs" in record.flags:
             facts["lines"] = "through the log, at level 1"
         if "odd" in record.flags:
@@ -158,31 +166,37 @@ class Vocabulary:
     def element_fact(self, domain):
         if not domain:
             return "only inside other records, by the field's name"
+        written = f"`{domain.name}`"
+        if domain.name in self.first_of_list:
+            winner = self.first_of_list[domain.name]
+            return f"{written}; what is received by this name is a list of [{winner}]"
         winner = self.first_of_name[domain.name]
-        if winner == domain.class_name:
-            return f"`{domain.name}`"
-        return f"`{domain.name}`; what is received by this name is a [{winner}]"
+        if winner != domain.class_name:
+            return f"{written}; what is received by this name is a [{winner}]"
+        return written
 
-    @staticmethod
-    def list_fact(domain):
+    def list_fact(self, domain):
         written = f"`{domain.name}List`"
         if not domain.list_name:
             return f"{written} when written; a received one is not recognised"
-        if domain.list_name == domain.name + "List":
-            return written
-        return f"{written} when written, `{domain.list_name}` when received"
+        winner = self.first_of_list[domain.list_name]
+        if winner != domain.class_name:
+            return f"{written}; what is received by this name is a list of [{winner}]"
+        if domain.list_name != domain.name + "List":
+            return f"{written} when written, `{domain.list_name}` when received"
+        return written
 
     def fields(self, record):
         """The fields in wire order; those of the base stand first and name it."""
         base = self.schema.records.get(record.base)
-        inherited = [self.field(base, field, base.name) for field in base.fields] if base else []
-        return inherited + [self.field(record, field, "") for field in record.fields]
+        inherited = [{"inheritedFrom": base.name, **field}
+                     for field in self.fields(base)] if base else []
+        return inherited + [self.field(record, field) for field in record.fields]
 
-    def field(self, owner, field, inherited_from):
+    def field(self, owner, field):
         return {"name": field.name, "type": type_of(self.schema, field), "default": field.default,
                 "absent": absence_of(self.schema, field),
-                "printed": printed_of(self.schema, owner, field), "notes": notes_of(field),
-                "inheritedFrom": inherited_from}
+                "printed": printed_of(self.schema, owner, field), "notes": notes_of(field)}
 
     def example(self, record):
         domain = self.domains.get(record.name)
@@ -190,18 +204,16 @@ class Vocabulary:
 
     def command_facts(self, command):
         """As facts(); the same names in each command."""
-        answers = [("list of " if one.is_list else "") + f"[{one.type}]" for one in command.answers]
+        answers = carried_names(command.answers)
         if command.response == ACKNOWLEDGEMENT or answers:
             answers.insert(0, f"[{ACKNOWLEDGING_RECORD}]")
         return {
             "command": command.request, "reply": command.response,
             "group": command.group, "operation": OPERATION_NAMES[command.operation],
-            "carries": [("list of " if one.is_list else "") + f"[{one.type}]"
-                        for one in command.carries],
+            "carries": carried_names(command.carries),
             "answers": answers,
             "sameGroup": [other for other in self.groups[command.group]
                           if other != f"[{command.request}]"],
-            "usedBy": command.comment,
         }
 
 
@@ -216,18 +228,19 @@ def record_entry(vocabulary, record):
     """The names that find the record, and all that is told of it."""
     domain = vocabulary.domains.get(record.name)
     names = [record.name] + ([domain.name, domain.list_name] if domain else [])
-    names += [str(record.id)] if record.id else []
+    names += [str(record.id)] if record.has_id and not record.is_element else []
     fields = [present({**field, "type": plain(field["type"])})
               for field in vocabulary.fields(record)]
     facts = {key: plain(value) for key, value in vocabulary.facts(record).items()}
     return names, present({"record": record.name, "family": record.family,
-                           "about": capital(record.comment), **facts, "absent": record.absent,
+                           "about": capital(record.comment), **facts, "whenAbsent": record.absent,
                            "fields": fields, "example": vocabulary.example(record)})
 
 
 def command_entry(vocabulary, command):
     facts = vocabulary.command_facts(command)
-    return [str(command.request)], present({key: plain(value) for key, value in facts.items()})
+    return [str(command.request)], present({**{key: plain(value) for key, value in facts.items()},
+                                            "notes": command.comment})
 
 
 def entry_row(names, told):
@@ -240,6 +253,7 @@ def entries_source(schema):
     vocabulary = Vocabulary(schema)
     rows = [entry_row(*record_entry(vocabulary, record)) for record in schema.records.values()]
     rows += [entry_row(*command_entry(vocabulary, command)) for command in schema.commands]
+    rows = list(dict.fromkeys(rows))  # two commands stand in the catalogue twice
     return ('#include "VocabularyEntry.h"\n\n'
             f"const VocabularyEntry vocabularyEntries[] = {{\n{''.join(rows)}}};\n"
             "const std::size_t vocabularySize = "

@@ -115,9 +115,13 @@ void addVerbs(CLI::App& app, CommandLine& line) {
 
     CLI::App* pVocabulary =
         addVerb(app, line, Verb::Vocabulary, "vocabulary",
-                "Print what the protocol knows: a record by name or id, a command by id,\n"
-                "or the names of all records");
-    pVocabulary->add_option("name", line.strName, "Name or id")->type_name("NAME");
+                "Print what the reference tells: a record by name, element or id, a command by\n"
+                "id, or the names of all records");
+    pVocabulary
+        ->add_option("name", line.strName,
+                     "Name or id. In printed lines \\n is the end of a line, {tag} the element,\n"
+                     "{parent} the one around it, {value} the value that is kept")
+        ->type_name("NAME");
 
     CLI::App* pHelp = addVerb(app, line, Verb::Help, "help", "Print help on a topic");
     pHelp->add_option("topic", line.strName, "The topic")->type_name("TOPIC");

@@ -67,17 +67,13 @@ std::string formatFacts(const Json& entry) {
 std::string formatFields(const Json& fields) {
     Rows vecRows = {{"FIELD", "TYPE", "DEFAULT", "WHEN ABSENT", "PRINTED THEN"}};
     for (const Json& field : fields) {
-        std::vector<std::string> vecRow;
+        std::vector<std::string> vecCells;
         for (const char* szCell : {"name", "type", "default", "absent"}) {
-            vecRow.push_back(field.value(szCell, ""));
+            vecCells.push_back(field.value(szCell, ""));
         }
-        for (const Json& line : field.value("printed", Json::array())) {
-            vecRow.resize(4);
-            vecRow.push_back(line.get<std::string>());
-            vecRows.push_back(std::exchange(vecRow, {}));
-        }
-        if (!vecRow.empty()) {
-            vecRows.push_back(vecRow);
+        for (const Json& line : field.value("printed", Json::array({""}))) {
+            vecCells.push_back(line.get<std::string>());
+            vecRows.push_back(std::exchange(vecCells, std::vector<std::string>(4)));
         }
     }
     return formatTable(vecRows, 2);
@@ -144,9 +140,10 @@ int runVocabulary(const CommandLine& line, Output& output) {
     bool bFound = false;
     for (const VocabularyEntry& entry : entries()) {
         if (isNamed(entry, line.strName)) {
+            output.text(nFormat == Format::JsonLines
+                            ? std::string(entry.szJson) + '\n'
+                            : (bFound ? "\n" : "") + formatEntry(Json::parse(entry.szJson)));
             bFound = true;
-            output.text(nFormat == Format::JsonLines ? std::string(entry.szJson) + '\n'
-                                                     : formatEntry(Json::parse(entry.szJson)));
         }
     }
     if (!bFound) {

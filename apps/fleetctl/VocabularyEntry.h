@@ -1,5 +1,5 @@
-// What the vocabulary tells of each record and each command: a table that is generated beside the
-// pages of the reference, and says the same.
+// What the vocabulary tells of each record and each command. The table is generated from the facts
+// that the pages of the reference are made of.
 #pragma once
 
 #include <cstddef>

@@ -1,6 +1,6 @@
 // Between the plain structures of fixed layout and the records, for callers that know one form
-// only. Callable from any thread; the arguments belong to the caller throughout. Only a lack of
-// memory can fail, by std::bad_alloc.
+// only. Callable from any thread; the arguments belong to the caller throughout. A lack of memory
+// throws std::bad_alloc, and what was converted by then stays.
 #pragma once
 
 #include <vector>
@@ -12,7 +12,7 @@
 #include "domain/OSDUserParam.h"
 
 // Reading a structure appends a record for each element. No count and no text in it is trusted: the
-// capacities bound what is read. A count below 1 and a null pointer produce nothing.
+// capacities bound what is read. A count below 1 and a null pointer append nothing.
 FLEETKIT_EXPORT void toRecords(const NS_TARN_STRUCT::tagAllAVStreamParam* pStreams,
                                std::vector<AVStreamParam>* pRecords);
 FLEETKIT_EXPORT void toRecords(const NS_TARN_STRUCT::tagAllChannelInfo* pChannels,

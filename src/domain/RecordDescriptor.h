@@ -2,7 +2,7 @@
 //
 // One RecordDescriptor stands for each record class and for each inline element that a record's own
 // form writes. Whatever must know all records reads these tables: the XML engine, JSON in and out,
-// comparison, the reference. The tables are constant, and callable from any thread.
+// comparison. The tables are constant, and callable from any thread.
 #pragma once
 
 #include <cstddef>
@@ -70,8 +70,8 @@ struct TypeAccess {
     DomainContainer* (*createContainer)() = nullptr;
     void* (*containerList)(DomainContainer& container) = nullptr;
 
-    // What the table creates is owned from here on; a smart pointer for each type would double the
-    // time that the tables take to compile.
+    // For records. The tables give plain pointers, which their caller owns, because a smart pointer
+    // for each type would double the time that they take to compile.
     std::unique_ptr<BaseDomain> make() const { return std::unique_ptr<BaseDomain>(create()); }
     std::unique_ptr<DomainContainer> makeContainer() const {
         return std::unique_ptr<DomainContainer>(createContainer());

@@ -132,7 +132,7 @@ class Generate(SchemaCase):
             "record": "DoorKeeper", "family": "door", "id": 7002, "element": "DoorKeeper",
             "list": "DoorKeeperList when written; a received one is not recognised",
             "listEntry": "DoorKeeper", "header": "<fleetkit/domain/DoorKeeper.h>",
-            "begins": ["DoorEvent"], "nestedIn": ["DoorParam.Keepers"],
+            "baseOf": ["DoorEvent"], "nestedIn": ["DoorParam.Keepers"],
             "fields": [{"name": "Id", "type": "int", "absent": "stays as it was", "printed":
                         [r"DoorKeeperXml::parseDomainXmlNode get Id failed \n"]}],
             "example": '<DoorKeeper Id="1" />\n'})

@@ -105,8 +105,8 @@ class MadeReference(ReferenceCase):
         self.assertEqual(keeper["List"],
                          "DoorKeeperList when written; a received one is not recognised")
         self.assertEqual(keeper["Nested in"], "DoorParam .Keepers")
-        self.assertEqual(keeper["Begins"], "DoorEvent")
-        self.assertEqual(facts_of(page, "DoorEvent")["Begins as"], "DoorKeeper")
+        self.assertEqual(keeper["Base of"], "DoorEvent")
+        self.assertEqual(facts_of(page, "DoorEvent")["Base"], "DoorKeeper")
         self.assertEqual(facts_of(page, "DoorEvent")["Element"], "Event")
 
     def test_inherited_fields_stand_first(self):
