@@ -5,7 +5,6 @@
 #include <iomanip>
 #include <iostream>
 #include <limits>
-#include <map>
 
 namespace {
 
@@ -36,10 +35,15 @@ std::string checkIPv6(const std::string& strText) {
     return strText.find(':') == std::string::npos ? "no address: " + strText : std::string();
 }
 
-// The names have become numbers by now.
-std::string checkKind(const std::string& strText) {
-    const bool bIsKind = strText == "0" || strText == "1";
-    return bIsKind ? std::string() : "neither ipc nor nvr: " + strText;
+// Replaces the name of a kind by its number, which is what the parser reads into an enumeration.
+std::string takeKind(std::string& strText) {
+    const std::string strName = CLI::detail::to_lower(strText);
+    if (strName != "ipc" && strName != "nvr") {
+        return "neither ipc nor nvr: " + strText;
+    }
+    strText =
+        std::to_string(static_cast<int>(strName == "nvr" ? DeviceKind::NVR : DeviceKind::IPC));
+    return {};
 }
 
 // A check that speaks up only when it fails: the help names the kind of value instead.
@@ -49,8 +53,6 @@ CLI::Validator quiet(CLI::Validator objCheck) {
 }
 
 void addDeviceOptions(CLI::App& app, DeviceOptions& device) {
-    const std::map<std::string, DeviceKind> mapKinds{{"ipc", DeviceKind::IPC},
-                                                     {"nvr", DeviceKind::NVR}};
     app.add_option("--bind", device.strBindAddress, "Address to listen on")
         ->check(quiet(CLI::ValidIPV4 | CLI::Validator(checkIPv6, "IPv6")))
         ->type_name("ADDRESS")
@@ -67,8 +69,7 @@ void addDeviceOptions(CLI::App& app, DeviceOptions& device) {
         ->type_name("TEXT")
         ->capture_default_str();
     app.add_option("--kind", device.nKind, "Camera (ipc) or recorder (nvr)")
-        ->transform(quiet(CLI::Transformer(mapKinds, CLI::ignore_case)))
-        ->check(CLI::Validator(checkKind, ""))
+        ->transform(CLI::Validator(takeKind, ""))
         ->type_name("KIND")
         ->default_str("ipc");
     app.add_option("--channels", device.nChannels, "Channels; 1 for a camera, 4 for a recorder")

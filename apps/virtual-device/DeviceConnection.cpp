@@ -49,7 +49,7 @@ void DeviceConnection::close() {
     m_objSocket.close(nIgnored);
     m_objDelay.cancel();
     m_nSession = 0;
-    // The owner may be kept alive by what it gave.
+    // What the owner gave may be all that keeps it alive.
     const Owner objOwner = std::exchange(m_objOwner, {});
     objOwner.onClosed(shared_from_this());
 }

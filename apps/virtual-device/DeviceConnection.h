@@ -23,7 +23,8 @@ public:
     static constexpr std::uint32_t MaxPayload = 4U << 20;
 
     // What the owner does: lets go of the connection that closed; ends all connections, as the
-    // device restarts. Called on the thread of the socket.
+    // device restarts. Both have to be there; they are called on the thread of the socket, onClosed
+    // once.
     struct Owner {
         std::function<void(const std::shared_ptr<DeviceConnection>&)> onClosed;
         std::function<void()> onRestart;

@@ -74,8 +74,8 @@ void DeviceServer::accept() {
             acceptLater();
             return;
         }
-        serve(std::move(objSocket));
         accept();
+        serve(std::move(objSocket));
     });
 }
 

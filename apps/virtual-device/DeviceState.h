@@ -65,4 +65,5 @@ struct DeviceState {
 };
 
 // The state of a device that was never set. Of the options, the port is the one that it listens on.
+// Throws std::logic_error when a text of factory/ is not what it should be.
 DeviceState factoryState(const DeviceOptions& options);

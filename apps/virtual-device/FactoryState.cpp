@@ -1,7 +1,8 @@
 // What a virtual device is before anybody sets it: the records of factory/*.xml, as they look on
 // the wire, with the few values that depend on the options in braces.
+#include <map>
 #include <stdexcept>
-#include <utility>
+#include <string>
 
 #include "protocol/SDKNormalXmlBodyParser.h"
 #include "virtual-device/DeviceState.h"
@@ -25,7 +26,7 @@ constexpr StreamSize StreamSizes[] = {
     {"further", 352, 288, 256},
 };
 
-using Values = std::vector<std::pair<std::string, std::string>>;
+using Values = std::map<std::string, std::string>;
 
 std::string escaped(const std::string& strValue) {
     std::string strText;
@@ -47,19 +48,22 @@ std::string escaped(const std::string& strValue) {
     return strText;
 }
 
-std::string filled(std::string strText, const Values& vecValues) {
-    for (const auto& [strName, strValue] : vecValues) {
-        const std::string strBraced = "{" + strName + "}";
-        for (std::size_t nAt = strText.find(strBraced); nAt != std::string::npos;
-             nAt = strText.find(strBraced, nAt + strValue.size())) {
-            strText.replace(nAt, strBraced.size(), strValue);
-        }
+// Names in braces become their values; braces in a value stay.
+std::string filled(const std::string& strText, const Values& mapValues) {
+    std::string strFilled;
+    std::size_t nDone = 0;
+    for (std::size_t nOpen = strText.find('{'); nOpen != std::string::npos;
+         nOpen = strText.find('{', nDone)) {
+        const std::size_t nClose = strText.find('}', nOpen);
+        strFilled.append(strText, nDone, nOpen - nDone);
+        strFilled += mapValues.at(strText.substr(nOpen + 1, nClose - nOpen - 1));
+        nDone = nClose + 1;
     }
-    return strText;
+    return strFilled.append(strText, nDone);
 }
 
-Records recordsOf(const char* szName, const Values& vecValues) {
-    const std::string strDocument = filled(factoryText(szName), vecValues);
+Records recordsOf(const char* szName, const Values& mapValues) {
+    const std::string strDocument = filled(factoryText(szName), mapValues);
     CommandBuffer objBody;
     Records vecRecords;
     const bool bRead = objBody.allocate(strDocument.size() + 1) &&
@@ -154,9 +158,9 @@ BaseStream addStream(int nChannel, int nStream, DeviceState& state) {
 
 // Adds a channel; gives what it can do with its video.
 VideoAbilityParam addChannel(const DeviceOptions& options, int nChannel, DeviceState& state) {
-    Values vecValues = deviceValues(options);
-    vecValues.emplace_back("channel", std::to_string(nChannel));
-    const Records vecRecords = recordsOf("channel", vecValues);
+    Values mapValues = deviceValues(options);
+    mapValues.emplace("channel", std::to_string(nChannel));
+    const Records vecRecords = recordsOf("channel", mapValues);
     state.vecChannels.push_back(single<ChannelInfo>(vecRecords));
     state.vecOSD.push_back(single<OSDUserParam>(vecRecords));
     std::vector<BaseStream> vecStreams;

@@ -3,5 +3,5 @@
 
 #include <string>
 
-// The text of factory/NAME.xml.
+// The text of factory/NAME.xml. Throws std::out_of_range when there is none.
 std::string factoryText(const std::string& strName);
