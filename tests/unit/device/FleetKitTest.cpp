@@ -6,8 +6,10 @@
 #include <QString>
 #include <functional>
 #include <memory>
+#include <new>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "Product/Technic/AdapterList.h"
@@ -41,6 +43,8 @@ constexpr int Camera = 1;
 constexpr int Recorder = 5;
 constexpr int All = -1;  // as a channel or a stream
 constexpr long UnknownHandle = 1000;
+
+thread_local bool g_bNoMemory = false;  // for blocks asked for without an exception
 
 // How much of an answer the caller has.
 constexpr int Untouched = -1;
@@ -258,6 +262,10 @@ void expectBounded(LoggedInDevice& device, int nMost, const Record& record, Get 
 
 }  // namespace
 
+void* operator new[](std::size_t nSize, const std::nothrow_t&) noexcept {
+    return g_bNoMemory ? nullptr : ::operator new[](nSize);
+}
+
 TEST(FleetKit, SendsTheRecordsOfEachOperationAndTakesItsAnswer) {
     outputOfChild([] {
         LoggedInDevice device;
@@ -299,6 +307,19 @@ TEST(FleetKit, LeavesTwoOfTheObjectsHandedOverAsTheyWere) {
         std::string strResult = "as it was";
         EXPECT_EQ(FleetKit::exeCommand(device.handle(), "ls", strResult), ErrorCode::Success);
         EXPECT_EQ(strResult, "as it was");
+    });
+}
+
+TEST(FleetKit, SendsNoPasswordThatCannotBeEnciphered) {
+    outputOfChild([] {
+        LoggedInDevice device;
+        g_bNoMemory = true;
+        for (const auto& [szOld, szNew] : {std::pair("old", ""), std::pair("", "new")}) {
+            EXPECT_EQ(FleetKit::setDevicePasswd(device.handle(), szOld, szNew),
+                      ErrorCode::CipherFailed);
+        }
+        g_bNoMemory = false;
+        EXPECT_TRUE(device.takeRequests().empty());
     });
 }
 
