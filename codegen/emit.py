@@ -8,7 +8,7 @@ from vocabulary import entries_source
 
 MEMBER_LETTERS = {
     "bool": "b", "int": "n", "u16": "n", "float": "f", "double": "d", "string": "str",
-    "record": "obj", "element": "obj", "list": "vec", "each": "vec", "values": "vec",
+    "record": "", "element": "", "list": "vec", "each": "vec", "values": "vec",
     "joined": "vec", "block": "opt",
 }
 CPP_SCALARS = {
@@ -34,8 +34,15 @@ def generated_by(source):
     return f"{GENERATED}{source} by codegen/fleetkit_codegen.py; not to be edited.\n"
 
 
+def uncapital(name):
+    """The name as it follows a prefix that has no letter: PTZSpeed is ptzSpeed."""
+    return re.sub(r"^([A-Z]+(?=[A-Z][a-z])|[A-Z]+(?![a-z])|[A-Z])",
+                  lambda start: start[1].lower(), name)
+
+
 def member_of(field):
-    return f"m_{MEMBER_LETTERS[field.kind]}{capital(field.name)}"
+    letters = MEMBER_LETTERS[field.kind]
+    return f"m_{letters}{capital(field.name) if letters else uncapital(field.name)}"
 
 
 def cpp_type(field):

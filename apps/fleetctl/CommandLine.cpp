@@ -153,12 +153,12 @@ CommandLine parseCommandLine(int nCount, char** ppArguments) {
     try {
         app.parse(nCount, ppArguments);
     } catch (const CLI::ParseError& error) {
-        std::ostringstream objText;
-        if (app.exit(error, objText, objText) != 0) {
+        std::ostringstream text;
+        if (app.exit(error, text, text) != 0) {
             throw UsageError(error.what() + verbHint(app));
         }
         line.nVerb = CommandLine::Verb::Text;
-        line.strText = objText.str();
+        line.strText = text.str();
     }
     return line;
 }

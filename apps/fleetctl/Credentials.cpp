@@ -21,9 +21,9 @@ constexpr Source New{"new password", "FLEETCTL_NEW_PASSWORD", "--new-password-fi
 
 // The first line of the file, without its line end.
 std::string readPasswordFile(const std::string& strFile) {
-    std::ifstream objFile(strFile);
+    std::ifstream file(strFile);
     std::string strPassword;
-    if (!objFile || (!std::getline(objFile, strPassword) && !objFile.eof())) {
+    if (!file || (!std::getline(file, strPassword) && !file.eof())) {
         throw UsageError("cannot read the password file " + strFile);
     }
     if (!strPassword.empty() && strPassword.back() == '\r') {

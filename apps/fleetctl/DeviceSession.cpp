@@ -32,13 +32,13 @@ unsigned short parsePort(const std::string& strText, const std::string& strWhole
 // The first address of the host, of either version: what the library looks up by itself finds IPv4
 // addresses only.
 void resolve(const std::string& strHost, InetAddr& address) {
-    addrinfo objHints{};
-    objHints.ai_socktype = SOCK_STREAM;
+    addrinfo hints{};
+    hints.ai_socktype = SOCK_STREAM;
     addrinfo* pFirst = nullptr;
-    if (getaddrinfo(strHost.c_str(), nullptr, &objHints, &pFirst) != 0) {
+    if (getaddrinfo(strHost.c_str(), nullptr, &hints, &pFirst) != 0) {
         return;
     }
-    const std::unique_ptr<addrinfo, void (*)(addrinfo*)> objOwner(pFirst, freeaddrinfo);
+    const std::unique_ptr<addrinfo, void (*)(addrinfo*)> owner(pFirst, freeaddrinfo);
     std::array<char, NI_MAXHOST> arrText{};
     if (getnameinfo(pFirst->ai_addr, pFirst->ai_addrlen, arrText.data(),
                     static_cast<socklen_t>(arrText.size()), nullptr, 0, NI_NUMERICHOST) == 0) {

@@ -22,24 +22,24 @@ void noteSignal(int nSignal) {
 class SilentInput {
 public:
     SilentInput() {
-        m_bTerminal = tcgetattr(STDIN_FILENO, &m_objOld) == 0;
+        m_bTerminal = tcgetattr(STDIN_FILENO, &m_old) == 0;
         nCaughtSignal = 0;
-        struct sigaction objNote {};
-        objNote.sa_handler = noteSignal;
-        sigemptyset(&objNote.sa_mask);
+        struct sigaction note {};
+        note.sa_handler = noteSignal;
+        sigemptyset(&note.sa_mask);
         for (std::size_t i = 0; i < Signals.size(); ++i) {
-            sigaction(Signals[i], &objNote, &m_arrOld[i]);
+            sigaction(Signals[i], &note, &m_arrOld[i]);
         }
         if (m_bTerminal) {
-            termios objSilent = m_objOld;
-            objSilent.c_lflag &= ~static_cast<tcflag_t>(ECHO);
-            objSilent.c_lflag |= ECHONL;
-            tcsetattr(STDIN_FILENO, TCSAFLUSH, &objSilent);
+            termios silent = m_old;
+            silent.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+            silent.c_lflag |= ECHONL;
+            tcsetattr(STDIN_FILENO, TCSAFLUSH, &silent);
         }
     }
     ~SilentInput() {
         if (m_bTerminal) {
-            tcsetattr(STDIN_FILENO, TCSAFLUSH, &m_objOld);
+            tcsetattr(STDIN_FILENO, TCSAFLUSH, &m_old);
         }
         for (std::size_t i = 0; i < Signals.size(); ++i) {
             sigaction(Signals[i], &m_arrOld[i], nullptr);
@@ -53,7 +53,7 @@ public:
 
 private:
     static constexpr std::array<int, 5> Signals = {SIGINT, SIGTERM, SIGQUIT, SIGHUP, SIGTSTP};
-    termios m_objOld{};
+    termios m_old{};
     bool m_bTerminal = false;
     std::array<struct sigaction, Signals.size()> m_arrOld{};
 };
@@ -93,7 +93,7 @@ bool canAsk() {
 }
 
 std::optional<std::string> askSecret(const std::string& strQuestion) {
-    const SilentInput objSilence;
+    const SilentInput silence;
     std::fprintf(stderr, "%s: ", strQuestion.c_str());
     return readLine();
 }

@@ -24,8 +24,8 @@ std::span<const VocabularyEntry> entries() {
 }
 
 bool isNamed(const VocabularyEntry& entry, const std::string& strName) {
-    std::istringstream objNames(entry.szNames);
-    return std::any_of(std::istream_iterator<std::string>(objNames), {},
+    std::istringstream names(entry.szNames);
+    return std::any_of(std::istream_iterator<std::string>(names), {},
                        [&](const std::string& strOther) { return strOther == strName; });
 }
 

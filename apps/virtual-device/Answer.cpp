@@ -15,12 +15,12 @@ bool encodeBody(const Answer& answer, Message& vecBody) {
         vecBody.assign(answer.strBody->begin(), answer.strBody->end());
         return true;
     }
-    const auto pobjParser = createBodyParser(answer.objHead.getCommandID());
-    CommandBuffer objBody;
-    if (!pobjParser || !pobjParser->createCommandBody(answer.vecRecords, objBody)) {
+    const auto pParser = createBodyParser(answer.head.getCommandID());
+    CommandBuffer body;
+    if (!pParser || !pParser->createCommandBody(answer.vecRecords, body)) {
         return false;
     }
-    vecBody.assign(objBody.data(), objBody.data() + objBody.getLength());
+    vecBody.assign(body.data(), body.data() + body.getLength());
     return true;
 }
 
@@ -29,13 +29,13 @@ bool encodeMessage(const Answer& answer, Message& vecMessage) {
     if (!encodeBody(answer, vecBody)) {
         return false;
     }
-    SDKCommandHeadInfo objHead = answer.objHead;
-    objHead.setPayloadLength(answer.nClaimed.value_or(static_cast<std::uint32_t>(vecBody.size())));
-    CommandBuffer objHeadBytes;
-    if (!encodeCommandHead(objHead, objHeadBytes)) {
+    SDKCommandHeadInfo head = answer.head;
+    head.setPayloadLength(answer.nClaimed.value_or(static_cast<std::uint32_t>(vecBody.size())));
+    CommandBuffer headBytes;
+    if (!encodeCommandHead(head, headBytes)) {
         return false;
     }
-    vecMessage.assign(objHeadBytes.data(), objHeadBytes.data() + objHeadBytes.getLength());
+    vecMessage.assign(headBytes.data(), headBytes.data() + headBytes.getLength());
     if (answer.nDamagedByte) {
         vecMessage[*answer.nDamagedByte] ^= 0xFF;
     }
@@ -48,12 +48,12 @@ bool encodeMessage(const Answer& answer, Message& vecMessage) {
 
 // Strays are sound messages with a good result, so that only their heads can give them away.
 bool encodeStray(const SDKCommandHeadInfo& head, Message& vecMessage) {
-    Answer objStray;
-    objStray.objHead = head;
-    EtResult objResult;
-    objResult.setCode(DeviceResult::Success);
-    appendRecord(objStray.vecRecords, objResult);
-    return encodeMessage(objStray, vecMessage);
+    Answer stray;
+    stray.head = head;
+    EtResult result;
+    result.setCode(DeviceResult::Success);
+    appendRecord(stray.vecRecords, result);
+    return encodeMessage(stray, vecMessage);
 }
 
 }  // namespace

@@ -12,7 +12,7 @@
 #include "virtual-device/Request.h"
 
 struct Answer {
-    SDKCommandHeadInfo objHead;
+    SDKCommandHeadInfo head;
     Records vecRecords;
     bool bRestarts = false;  // all connections of the device end once this is sent
 

@@ -88,9 +88,9 @@ int login(CommandCall& call) {
         return DeviceResult::WrongCredentials;
     }
     call.nSession = call.nFreeSession;
-    EtSessionId objSession;
-    objSession.setSessionId(static_cast<int>(call.nSession));
-    appendRecord(call.vecReply, objSession);
+    EtSessionId session;
+    session.setSessionId(static_cast<int>(call.nSession));
+    appendRecord(call.vecReply, session);
     return DeviceResult::Success;
 }
 
@@ -137,13 +137,13 @@ int reset(CommandCall& call) {
     if (!pHold) {
         return DeviceResult::MissingRecord;
     }
-    DeviceState objState = factoryState(call.options);
+    DeviceState state = factoryState(call.options);
     const auto& vecHeld = pHold->getType();
     if (std::find(vecHeld.begin(), vecHeld.end(), HoldNetwork) != vecHeld.end()) {
-        objState.vecHostNetworks = call.state.vecHostNetworks;
-        objState.objPorts = call.state.objPorts;
+        state.vecHostNetworks = call.state.vecHostNetworks;
+        state.ports = call.state.ports;
     }
-    call.state = objState;
+    call.state = state;
     return DeviceResult::Success;
 }
 
@@ -153,9 +153,9 @@ int systemCommand(CommandCall& call) {
         return DeviceResult::MissingRecord;
     }
     call.state.strLastSystemCommand = pCommand->getSystemCommand();
-    EtSystemResp objResponse;
-    objResponse.setResponse("noted, not run: " + pCommand->getSystemCommand());
-    appendRecord(call.vecReply, objResponse);
+    EtSystemResp response;
+    response.setResponse("noted, not run: " + pCommand->getSystemCommand());
+    appendRecord(call.vecReply, response);
     return DeviceResult::Success;
 }
 
@@ -173,18 +173,18 @@ int giveHostNetworks(CommandCall& call) {
 // --- Time.
 
 DeviceTime timeOf(const DeviceState& state) {
-    const sys_seconds objNow{seconds(currentClock().calendarTime() + state.nClockOffset)};
-    const auto objDay = floor<days>(objNow);
-    const year_month_day objDate(objDay);
-    const hh_mm_ss objClock(objNow - objDay);
-    DeviceTime objTime;
-    objTime.setYear(static_cast<int>(objDate.year()));
-    objTime.setMonth(static_cast<int>(static_cast<unsigned>(objDate.month())));
-    objTime.setDay(static_cast<int>(static_cast<unsigned>(objDate.day())));
-    objTime.setHour(static_cast<int>(objClock.hours().count()));
-    objTime.setMinute(static_cast<int>(objClock.minutes().count()));
-    objTime.setSecond(static_cast<int>(objClock.seconds().count()));
-    return objTime;
+    const sys_seconds now{seconds(currentClock().calendarTime() + state.nClockOffset)};
+    const auto day = floor<days>(now);
+    const year_month_day date(day);
+    const hh_mm_ss clock(now - day);
+    DeviceTime time;
+    time.setYear(static_cast<int>(date.year()));
+    time.setMonth(static_cast<int>(static_cast<unsigned>(date.month())));
+    time.setDay(static_cast<int>(static_cast<unsigned>(date.day())));
+    time.setHour(static_cast<int>(clock.hours().count()));
+    time.setMinute(static_cast<int>(clock.minutes().count()));
+    time.setSecond(static_cast<int>(clock.seconds().count()));
+    return time;
 }
 
 int giveTime(CommandCall& call) {
@@ -194,17 +194,17 @@ int giveTime(CommandCall& call) {
 
 // The summary repeats what other commands set.
 int giveSummary(CommandCall& call) {
-    const DeviceTime objTime = timeOf(call.state);
+    const DeviceTime time = timeOf(call.state);
     char szTime[80];
-    std::snprintf(szTime, sizeof szTime, "%04d-%02d-%02d %02d:%02d:%02d", objTime.getYear(),
-                  objTime.getMonth(), objTime.getDay(), objTime.getHour(), objTime.getMinute(),
-                  objTime.getSecond());
-    DeviceSummaryInfo objSummary = call.state.objSummary;
-    objSummary.setDeviceTime(szTime);
-    objSummary.setDeviceIP(call.state.vecHostNetworks.front().getLocalIp());
-    objSummary.setDevicePort(call.state.objPorts.getControlPort());
-    objSummary.setHttpPort(std::to_string(call.state.objPorts.getHttpPort()));
-    appendRecord(call.vecReply, objSummary);
+    std::snprintf(szTime, sizeof szTime, "%04d-%02d-%02d %02d:%02d:%02d", time.getYear(),
+                  time.getMonth(), time.getDay(), time.getHour(), time.getMinute(),
+                  time.getSecond());
+    DeviceSummaryInfo summary = call.state.summary;
+    summary.setDeviceTime(szTime);
+    summary.setDeviceIP(call.state.vecHostNetworks.front().getLocalIp());
+    summary.setDevicePort(call.state.ports.getControlPort());
+    summary.setHttpPort(std::to_string(call.state.ports.getHttpPort()));
+    appendRecord(call.vecReply, summary);
     return DeviceResult::Success;
 }
 
@@ -222,15 +222,15 @@ int takeTime(CommandCall& call) {
         !isBetween(pTime->getMinute(), 0, 59) || !isBetween(pTime->getSecond(), 0, 59)) {
         return DeviceResult::BadParameter;
     }
-    const year_month_day objDate(year(pTime->getYear()),
-                                 month(static_cast<unsigned>(pTime->getMonth())),
-                                 day(static_cast<unsigned>(pTime->getDay())));
-    if (!objDate.ok()) {
+    const year_month_day date(year(pTime->getYear()),
+                              month(static_cast<unsigned>(pTime->getMonth())),
+                              day(static_cast<unsigned>(pTime->getDay())));
+    if (!date.ok()) {
         return DeviceResult::BadParameter;
     }
-    const sys_seconds objTime = sys_days(objDate) + hours(pTime->getHour()) +
-                                minutes(pTime->getMinute()) + seconds(pTime->getSecond());
-    call.state.nClockOffset = objTime.time_since_epoch().count() - currentClock().calendarTime();
+    const sys_seconds time = sys_days(date) + hours(pTime->getHour()) +
+                             minutes(pTime->getMinute()) + seconds(pTime->getSecond());
+    call.state.nClockOffset = time.time_since_epoch().count() - currentClock().calendarTime();
     return DeviceResult::Success;
 }
 
@@ -239,10 +239,10 @@ int takeTime(CommandCall& call) {
 int giveTimeZone(CommandCall& call) {
     const Records& vecRecords = call.request.vecRecords;
     if (vecRecords.empty() || vecRecords.front()->getDomainId() != KXInterger::DomainId) {
-        return give<&DeviceState::objTimeZone>(call);
+        return give<&DeviceState::timeZone>(call);
     }
     const int nAsked = findRecord<KXInterger>(vecRecords)->getValue();
-    const int nZone = nAsked == 0 ? factoryState(call.options).objTimeZone.getTimeZone() : nAsked;
+    const int nZone = nAsked == 0 ? factoryState(call.options).timeZone.getTimeZone() : nAsked;
     for (const TimeZoneParam& zone : call.state.vecTimeZoneDefaults) {
         if (zone.getTimeZone() == nZone) {
             appendRecord(call.vecReply, zone);
@@ -258,7 +258,7 @@ int giveTimeZoneAbility(CommandCall& call) {
     if (!pLanguage) {
         return DeviceResult::MissingRecord;
     }
-    const auto& vecLanguages = call.state.objLanguages.getLanguageTypeList();
+    const auto& vecLanguages = call.state.languages.getLanguageTypeList();
     for (std::size_t n = 0; n < vecLanguages.size(); ++n) {
         if (pLanguage->getId() <= 0 || vecLanguages[n].getLanguageID() == pLanguage->getId()) {
             appendRecord(call.vecReply, call.state.vecTimeZones.at(n));
@@ -287,15 +287,15 @@ int giveVideoAbility(CommandCall& call) {
     if (!hasChannel(call)) {
         return DeviceResult::NoSuchChannel;
     }
-    VideoAbility objVideo;
-    objVideo.setVideoAbilityParamList(ofAskedChannel(
-        call, call.state.objVideo.getVideoAbilityParamList(), &VideoAbilityParam::getChannelId));
-    appendRecord(call.vecReply, objVideo);
+    VideoAbility video;
+    video.setVideoAbilityParamList(ofAskedChannel(call, call.state.video.getVideoAbilityParamList(),
+                                                  &VideoAbilityParam::getChannelId));
+    appendRecord(call.vecReply, video);
     return DeviceResult::Success;
 }
 
 int giveSensor(CommandCall& call) {
-    return call.options.nKind == DeviceKind::IPC ? give<&DeviceState::objSensor>(call)
+    return call.options.nKind == DeviceKind::IPC ? give<&DeviceState::sensor>(call)
                                                  : static_cast<int>(DeviceResult::NotSupported);
 }
 
@@ -377,40 +377,40 @@ constexpr CommandHandler Handlers[] = {
     {11007, "keep-alive", keepAlive},
     {18001, "reset", reset},
     {18002, "restart", restart},
-    {30003, "get hardware", give<&DeviceState::objHardware>},
-    {30005, "get software", give<&DeviceState::objSoftware>},
-    {30007, "get languages", give<&DeviceState::objLanguages>},
+    {30003, "get hardware", give<&DeviceState::hardware>},
+    {30005, "get software", give<&DeviceState::software>},
+    {30007, "get languages", give<&DeviceState::languages>},
     {30009, "get video ability", giveVideoAbility},
-    {30011, "get text ability", giveOfChannel<&DeviceState::objOSDAbility>},
-    {30013, "get audio ability", giveOfChannel<&DeviceState::objAudio>},
-    {30015, "get PTZ ability", giveOfChannel<&DeviceState::objPTZ>},
-    {30017, "get network ability", give<&DeviceState::objNetworkCards>},
-    {30021, "get motion ability", giveOfChannel<&DeviceState::objMotion>},
-    {30025, "get blind ability", giveOfChannel<&DeviceState::objBlind>},
+    {30011, "get text ability", giveOfChannel<&DeviceState::osdAbility>},
+    {30013, "get audio ability", giveOfChannel<&DeviceState::audio>},
+    {30015, "get PTZ ability", giveOfChannel<&DeviceState::ptz>},
+    {30017, "get network ability", give<&DeviceState::networkCards>},
+    {30021, "get motion ability", giveOfChannel<&DeviceState::motion>},
+    {30025, "get blind ability", giveOfChannel<&DeviceState::blind>},
     {30031, "get sensor ability", giveSensor},
     {30033, "get time zone names", giveTimeZoneAbility},
     {30507, "get time", giveTime},
     {30509, "set time", takeTime},
     {30515, "get time zone", giveTimeZone},
-    {30517, "set time zone", take<TimeZoneParam, &DeviceState::objTimeZone>},
-    {30523, "get ports", give<&DeviceState::objPorts>},
-    {30525, "set ports", take<DevicePort, &DeviceState::objPorts>},
+    {30517, "set time zone", take<TimeZoneParam, &DeviceState::timeZone>},
+    {30523, "get ports", give<&DeviceState::ports>},
+    {30525, "set ports", take<DevicePort, &DeviceState::ports>},
     {30541, "get summary", giveSummary},
     {30547, "system command", systemCommand},
-    {32021, "get protocol security", give<&DeviceState::objSecurity>},
-    {32023, "set protocol security", take<ProtocolSecurityParam, &DeviceState::objSecurity>},
+    {32021, "get protocol security", give<&DeviceState::security>},
+    {32023, "set protocol security", take<ProtocolSecurityParam, &DeviceState::security>},
     {32504, "get host network", giveHostNetworks},
     {32506, "set host network", takeHostNetworks},
-    {32712, "get NTP", give<&DeviceState::objNTP>},
-    {32714, "set NTP", take<NTPParam, &DeviceState::objNTP>},
+    {32712, "get NTP", give<&DeviceState::ntp>},
+    {32714, "set NTP", take<NTPParam, &DeviceState::ntp>},
     {33509, "change password", changePassword},
     {35008, "get streams", giveStreams},
     {35010, "set streams", takeStreams},
     {35021, "set text", takeOSD},
     {35022, "get text", giveOSD},
     {41259, "get channels", giveChannels},
-    {41275, "get disks", give<&DeviceState::objDisks>},
-    {41278, "get serial ports", give<&DeviceState::objUART>},
+    {41275, "get disks", give<&DeviceState::disks>},
+    {41278, "get serial ports", give<&DeviceState::uart>},
 };
 
 }  // namespace

@@ -47,9 +47,9 @@ std::string takeKind(std::string& strText) {
 }
 
 // A check that speaks up only when it fails: the help names the kind of value instead.
-CLI::Validator quiet(CLI::Validator objCheck) {
-    objCheck.description("");
-    return objCheck;
+CLI::Validator quiet(CLI::Validator check) {
+    check.description("");
+    return check;
 }
 
 void addDeviceOptions(CLI::App& app, DeviceOptions& device) {
@@ -103,36 +103,35 @@ void complete(const CLI::App& app, const std::vector<std::string>& vecMisbehavio
 }  // namespace
 
 CommandLine readCommandLine(int nCount, const char* const* pArguments) {
-    CommandLine objLine;
+    CommandLine line;
     std::vector<std::string> vecMisbehaviours;
     bool bList = false;
-    CLI::App objApp(
+    CLI::App app(
         "A virtual video device to talk to: state behind every command, and "
         "misbehaviour on demand.\nPrints \"listening on ADDRESS:PORT\" for each "
         "device, and ends on SIGINT and SIGTERM.");
-    addDeviceOptions(objApp, objLine.objDevice);
-    objApp.add_option("--count", objLine.nCount, "Devices in this process")
+    addDeviceOptions(app, line.device);
+    app.add_option("--count", line.nCount, "Devices in this process")
         ->check(quiet(CLI::Range(1, MaxCount)))
         ->type_name("NUMBER")
         ->capture_default_str();
-    objApp.add_option("--seconds", objLine.nSeconds, "End by itself after so many seconds")
+    app.add_option("--seconds", line.nSeconds, "End by itself after so many seconds")
         ->check(quiet(CLI::Range(1, std::numeric_limits<int>::max())))
         ->type_name("NUMBER");
-    objApp
-        .add_option("--misbehave", vecMisbehaviours, "A misbehaviour; may be given several times")
+    app.add_option("--misbehave", vecMisbehaviours, "A misbehaviour; may be given several times")
         ->check(CLI::Validator(checkMisbehaviour, ""))
         ->type_name("NAME[=VALUE][:COMMAND]");
-    objApp.add_flag("--list-misbehaviours", bList, "Print their names and end");
+    app.add_flag("--list-misbehaviours", bList, "Print their names and end");
     try {
-        objApp.parse(nCount, pArguments);
-    } catch (const CLI::ParseError& objError) {
-        objLine.nExit = objApp.exit(objError) == 0 ? 0 : 2;
-        return objLine;
+        app.parse(nCount, pArguments);
+    } catch (const CLI::ParseError& error) {
+        line.nExit = app.exit(error) == 0 ? 0 : 2;
+        return line;
     }
     if (bList) {
         printMisbehaviours();
-        objLine.nExit = 0;
+        line.nExit = 0;
     }
-    complete(objApp, vecMisbehaviours, objLine.objDevice);
-    return objLine;
+    complete(app, vecMisbehaviours, line.device);
+    return line;
 }

@@ -4,7 +4,7 @@
 #include "virtual-device/DeviceOptions.h"
 
 struct CommandLine {
-    DeviceOptions objDevice;
+    DeviceOptions device;
     int nCount = 1;    // devices in this process
     int nSeconds = 0;  // until the program ends by itself; 0 for never
     int nExit = -1;    // set when there is nothing more to do than to end with this status

@@ -16,26 +16,26 @@ namespace {
 
 std::string nameOf(const asio::ip::tcp::socket& socket) {
     asio::error_code nError;
-    std::ostringstream objText;
-    objText << socket.remote_endpoint(nError);
-    return objText.str();
+    std::ostringstream text;
+    text << socket.remote_endpoint(nError);
+    return text.str();
 }
 
 }  // namespace
 
-DeviceConnection::DeviceConnection(asio::ip::tcp::socket objSocket,
-                                   std::shared_ptr<DeviceCore> pobjCore, Owner objOwner)
-    : m_objSocket(std::move(objSocket)),
-      m_objDelay(m_objSocket.get_executor()),
-      m_pobjCore(std::move(pobjCore)),
-      m_objOwner(std::move(objOwner)),
-      m_strPeer(nameOf(m_objSocket)) {
+DeviceConnection::DeviceConnection(asio::ip::tcp::socket socket, std::shared_ptr<DeviceCore> pCore,
+                                   Owner owner)
+    : m_socket(std::move(socket)),
+      m_delay(m_socket.get_executor()),
+      m_pCore(std::move(pCore)),
+      m_owner(std::move(owner)),
+      m_strPeer(nameOf(m_socket)) {
     asio::error_code nIgnored;
-    m_objSocket.set_option(asio::ip::tcp::no_delay(true), nIgnored);
+    m_socket.set_option(asio::ip::tcp::no_delay(true), nIgnored);
 }
 
 void DeviceConnection::start() {
-    m_pobjCore->log(m_strPeer, "connected");
+    m_pCore->log(m_strPeer, "connected");
     readHead();
 }
 
@@ -44,14 +44,14 @@ void DeviceConnection::close() {
         return;
     }
     m_bClosed = true;
-    m_pobjCore->log(m_strPeer, "closed");
+    m_pCore->log(m_strPeer, "closed");
     asio::error_code nIgnored;
-    m_objSocket.close(nIgnored);
-    m_objDelay.cancel();
+    m_socket.close(nIgnored);
+    m_delay.cancel();
     m_nSession = 0;
     // What the owner gave may be all that keeps it alive.
-    const Owner objOwner = std::exchange(m_objOwner, {});
-    objOwner.onClosed(shared_from_this());
+    const Owner owner = std::exchange(m_owner, {});
+    owner.onClosed(shared_from_this());
 }
 
 bool DeviceConnection::isOver(asio::error_code nError) {
@@ -62,8 +62,8 @@ bool DeviceConnection::isOver(asio::error_code nError) {
 }
 
 void DeviceConnection::readHead() {
-    asio::async_read(m_objSocket, asio::buffer(m_arrArrived, SDKCommandHeadInfo::WireLength),
-                     [this, pobjSelf = shared_from_this()](asio::error_code nError, std::size_t) {
+    asio::async_read(m_socket, asio::buffer(m_arrArrived, SDKCommandHeadInfo::WireLength),
+                     [this, pSelf = shared_from_this()](asio::error_code nError, std::size_t) {
                          if (!isOver(nError)) {
                              takeHead();
                          }
@@ -72,9 +72,9 @@ void DeviceConnection::readHead() {
 
 void DeviceConnection::takeHead() {
     constexpr std::uint32_t HeadLength = SDKCommandHeadInfo::WireLength;
-    if (!decodeCommandHead(m_arrArrived.data(), HeadLength, m_objHead) ||
-        m_objHead.getPayloadLength() > MaxPayload || !m_objRequest.allocate(HeadLength) ||
-        !m_objRequest.append(m_arrArrived.data(), HeadLength)) {
+    if (!decodeCommandHead(m_arrArrived.data(), HeadLength, m_head) ||
+        m_head.getPayloadLength() > MaxPayload || !m_request.allocate(HeadLength) ||
+        !m_request.append(m_arrArrived.data(), HeadLength)) {
         close();
         return;
     }
@@ -82,15 +82,15 @@ void DeviceConnection::takeHead() {
 }
 
 void DeviceConnection::readBody() {
-    const std::size_t nWhole = SDKCommandHeadInfo::WireLength + m_objHead.getPayloadLength();
-    const std::size_t nMissing = nWhole - m_objRequest.getLength();
+    const std::size_t nWhole = SDKCommandHeadInfo::WireLength + m_head.getPayloadLength();
+    const std::size_t nMissing = nWhole - m_request.getLength();
     if (nMissing == 0) {
         takeRequest();
         return;
     }
-    m_objSocket.async_read_some(
+    m_socket.async_read_some(
         asio::buffer(m_arrArrived, std::min(nMissing, m_arrArrived.size())),
-        [this, pobjSelf = shared_from_this()](asio::error_code nError, std::size_t nCount) {
+        [this, pSelf = shared_from_this()](asio::error_code nError, std::size_t nCount) {
             if (!isOver(nError)) {
                 takeBytes(nCount);
             }
@@ -98,11 +98,11 @@ void DeviceConnection::readBody() {
 }
 
 void DeviceConnection::takeBytes(std::size_t nCount) {
-    const std::uint64_t nNeeded = m_objRequest.getLength() + nCount;
-    const bool bFits = nNeeded <= m_objRequest.getCapacity() ||
-                       m_objRequest.grow(std::max<std::uint64_t>(
-                           nNeeded, std::uint64_t{m_objRequest.getCapacity()} * 2));
-    if (!bFits || !m_objRequest.append(m_arrArrived.data(), static_cast<std::uint32_t>(nCount))) {
+    const std::uint64_t nNeeded = m_request.getLength() + nCount;
+    const bool bFits = nNeeded <= m_request.getCapacity() ||
+                       m_request.grow(std::max<std::uint64_t>(
+                           nNeeded, std::uint64_t{m_request.getCapacity()} * 2));
+    if (!bFits || !m_request.append(m_arrArrived.data(), static_cast<std::uint32_t>(nCount))) {
         close();
         return;
     }
@@ -110,27 +110,27 @@ void DeviceConnection::takeBytes(std::size_t nCount) {
 }
 
 void DeviceConnection::takeRequest() try {
-    SafePointer<CommandParam> objParam;
-    const bool bDecoded = SDKCommandParser().parseCommand(m_objRequest, objParam);
-    m_objRequest.release();
+    SafePointer<CommandParam> param;
+    const bool bDecoded = SDKCommandParser().parseCommand(m_request, param);
+    m_request.release();
     if (!bDecoded) {
-        deliver(m_pobjCore->refuse(m_objHead, m_strPeer));
+        deliver(m_pCore->refuse(m_head, m_strPeer));
         return;
     }
-    const auto& objCommand = static_cast<const SDKCommandParam&>(*objParam);
-    const Request objRequest{objCommand.getHead(), objCommand.getDomains()};
-    deliver(m_pobjCore->answer(objRequest, m_nSession, m_strPeer));
-} catch (const std::exception& objError) {
+    const auto& command = static_cast<const SDKCommandParam&>(*param);
+    const Request request{command.getHead(), command.getDomains()};
+    deliver(m_pCore->answer(request, m_nSession, m_strPeer));
+} catch (const std::exception& error) {
     // Records share the process's table of pointers, which others can have filled.
     if (!m_bClosed) {
-        m_pobjCore->log(m_strPeer, objError.what());
+        m_pCore->log(m_strPeer, error.what());
     }
     close();
 }
 
-void DeviceConnection::deliver(Answer objAnswer) {
+void DeviceConnection::deliver(Answer answer) {
     std::vector<Message> vecMessages;
-    if (!encodeAnswer(objAnswer, vecMessages)) {
+    if (!encodeAnswer(answer, vecMessages)) {
         close();
         return;
     }
@@ -138,15 +138,15 @@ void DeviceConnection::deliver(Answer objAnswer) {
     for (const Message& message : vecMessages) {
         m_vecOutgoing.insert(m_vecOutgoing.end(), message.begin(), message.end());
     }
-    objAnswer.vecRecords.clear();
-    m_objAnswer = std::move(objAnswer);
+    answer.vecRecords.clear();
+    m_answer = std::move(answer);
     m_nSent = 0;
-    if (m_objAnswer.nDelay.count() == 0) {
+    if (m_answer.nDelay.count() == 0) {
         send();
         return;
     }
-    m_objDelay.expires_after(m_objAnswer.nDelay);
-    m_objDelay.async_wait([this, pobjSelf = shared_from_this()](asio::error_code nError) {
+    m_delay.expires_after(m_answer.nDelay);
+    m_delay.async_wait([this, pSelf = shared_from_this()](asio::error_code nError) {
         if (!isOver(nError)) {
             send();
         }
@@ -160,9 +160,8 @@ void DeviceConnection::send() {
         return;
     }
     asio::async_write(
-        m_objSocket,
-        asio::buffer(m_vecOutgoing.data() + m_nSent, m_objAnswer.bTrickles ? 1 : nLeft),
-        [this, pobjSelf = shared_from_this()](asio::error_code nError, std::size_t nCount) {
+        m_socket, asio::buffer(m_vecOutgoing.data() + m_nSent, m_answer.bTrickles ? 1 : nLeft),
+        [this, pSelf = shared_from_this()](asio::error_code nError, std::size_t nCount) {
             if (!isOver(nError)) {
                 m_nSent += nCount;
                 send();
@@ -171,12 +170,12 @@ void DeviceConnection::send() {
 }
 
 void DeviceConnection::afterSending() {
-    if (m_objAnswer.bRestarts) {
-        const auto onRestart = m_objOwner.onRestart;  // outlives this connection's end
+    if (m_answer.bRestarts) {
+        const auto onRestart = m_owner.onRestart;  // outlives this connection's end
         onRestart();
         return;
     }
-    if (m_objAnswer.bCloses) {
+    if (m_answer.bCloses) {
         close();
         return;
     }

@@ -30,8 +30,7 @@ public:
         std::function<void()> onRestart;
     };
 
-    DeviceConnection(asio::ip::tcp::socket objSocket, std::shared_ptr<DeviceCore> pobjCore,
-                     Owner objOwner);
+    DeviceConnection(asio::ip::tcp::socket socket, std::shared_ptr<DeviceCore> pCore, Owner owner);
 
     void start();
     void close();
@@ -48,23 +47,23 @@ private:
     void readBody();
     void takeBytes(std::size_t nCount);
     void takeRequest();
-    void deliver(Answer objAnswer);
+    void deliver(Answer answer);
     void send();
     void afterSending();
 
-    asio::ip::tcp::socket m_objSocket;
-    asio::steady_timer m_objDelay;
-    std::shared_ptr<DeviceCore> m_pobjCore;
-    Owner m_objOwner;
+    asio::ip::tcp::socket m_socket;
+    asio::steady_timer m_delay;
+    std::shared_ptr<DeviceCore> m_pCore;
+    Owner m_owner;
     bool m_bClosed = false;
     std::string m_strPeer;
     std::uint32_t m_nSession = 0;
 
     std::array<std::uint8_t, 16384> m_arrArrived{};
-    SDKCommandHeadInfo m_objHead;
-    CommandBuffer m_objRequest;  // head and as much of the body as has arrived
+    SDKCommandHeadInfo m_head;
+    CommandBuffer m_request;  // head and as much of the body as has arrived
 
     Message m_vecOutgoing;
     std::size_t m_nSent = 0;
-    Answer m_objAnswer;
+    Answer m_answer;
 };

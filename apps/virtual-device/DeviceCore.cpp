@@ -30,27 +30,27 @@ std::uint32_t responseTo(std::uint32_t nCommandId) {
 }
 
 Answer answerTo(const SDKCommandHeadInfo& request, std::uint32_t nResponseId) {
-    Answer objAnswer;
-    objAnswer.objHead.setProtocolType(ProtocolType::SDK);
-    objAnswer.objHead.setSequence(request.getSequence());
-    objAnswer.objHead.setSessionId(request.getSessionId());
-    objAnswer.objHead.setCommandID(nResponseId);
-    return objAnswer;
+    Answer answer;
+    answer.head.setProtocolType(ProtocolType::SDK);
+    answer.head.setSequence(request.getSequence());
+    answer.head.setSessionId(request.getSessionId());
+    answer.head.setCommandID(nResponseId);
+    return answer;
 }
 
 void putResult(Answer& answer, int nCode) {
-    EtResult objResult;
-    objResult.setCode(nCode);
+    EtResult result;
+    result.setCode(nCode);
     answer.vecRecords.insert(answer.vecRecords.begin(),
-                             wrapSafe<BaseDomain>(std::make_unique<EtResult>(objResult)));
+                             wrapSafe<BaseDomain>(std::make_unique<EtResult>(result)));
 }
 
 // Answers with a binary form cannot do without their data: one byte of it beside a refusal.
 void putBinaryData(Answer& answer) {
     const std::uint8_t nByte = 0;
-    DataBuffer objData;
-    objData.setData(&nByte, 1);
-    appendRecord(answer.vecRecords, objData);
+    DataBuffer data;
+    data.setData(&nByte, 1);
+    appendRecord(answer.vecRecords, data);
     appendRecord(answer.vecRecords, EtFileDataPack());
     appendRecord(answer.vecRecords, EtPTZOperation());
 }
@@ -69,38 +69,38 @@ std::string describe(std::uint32_t nCommandId, int nCode) {
 }  // namespace
 
 DeviceCore::DeviceCore(DeviceOptions options)
-    : m_objOptions(std::move(options)),
-      m_objState(factoryState(m_objOptions)),
-      m_vecMisbehaviours(m_objOptions.vecMisbehaviours) {}
+    : m_options(std::move(options)),
+      m_state(factoryState(m_options)),
+      m_vecMisbehaviours(m_options.vecMisbehaviours) {}
 
 Answer DeviceCore::answer(const Request& request, std::uint32_t& nSession,
                           const std::string& strPeer) {
     remember(request);
-    const std::uint32_t nCommandId = request.objHead.getCommandID();
-    Answer objAnswer = answerTo(request.objHead, responseTo(nCommandId));
+    const std::uint32_t nCommandId = request.head.getCommandID();
+    Answer answer = answerTo(request.head, responseTo(nCommandId));
     const std::uint32_t nSessionBefore = nSession;
-    const int nCode = handle(request, nSession, objAnswer);
-    putResult(objAnswer, nCode);
-    if (hasBinaryForm(objAnswer.objHead.getCommandID())) {
-        putBinaryData(objAnswer);
+    const int nCode = handle(request, nSession, answer);
+    putResult(answer, nCode);
+    if (hasBinaryForm(answer.head.getCommandID())) {
+        putBinaryData(answer);
     }
     const bool bLoggedIn = nSession != nSessionBefore && nSession != 0;
     log(strPeer,
         describe(nCommandId, nCode) +
-            (bLoggedIn ? ", " + m_objOptions.strUser + " has session " + std::to_string(nSession)
+            (bLoggedIn ? ", " + m_options.strUser + " has session " + std::to_string(nSession)
                        : ""));
-    spoil(nCommandId, objAnswer);
-    return objAnswer;
+    spoil(nCommandId, answer);
+    return answer;
 }
 
 Answer DeviceCore::refuse(const SDKCommandHeadInfo& head, const std::string& strPeer) {
-    Answer objAnswer = answerTo(head, responseTo(head.getCommandID()));
-    putResult(objAnswer, DeviceResult::MalformedRequest);
+    Answer answer = answerTo(head, responseTo(head.getCommandID()));
+    putResult(answer, DeviceResult::MalformedRequest);
     log(strPeer, describe(head.getCommandID(), DeviceResult::MalformedRequest));
-    if (hasBinaryForm(objAnswer.objHead.getCommandID())) {
-        putBinaryData(objAnswer);
+    if (hasBinaryForm(answer.head.getCommandID())) {
+        putBinaryData(answer);
     }
-    return objAnswer;
+    return answer;
 }
 
 std::optional<Answer> DeviceCore::answerMulticast(const Request& request,
@@ -108,64 +108,64 @@ std::optional<Answer> DeviceCore::answerMulticast(const Request& request,
     const auto* pUser = findRecord<User>(request.vecRecords);
     const auto* pDeviceId = findRecord<DeviceId>(request.vecRecords);
     const auto* pNetwork = findRecord<HostNetwork>(request.vecRecords);
-    if (request.objHead.getCommandID() != SetHostNetwork || !pUser || !pDeviceId || !pNetwork ||
-        pDeviceId->getId() != m_objOptions.strDeviceId) {
+    if (request.head.getCommandID() != SetHostNetwork || !pUser || !pDeviceId || !pNetwork ||
+        pDeviceId->getId() != m_options.strDeviceId) {
         return std::nullopt;
     }
     remember(request);
     const bool bKnown =
-        areCredentials(m_objOptions, m_objState, pUser->getUserName(), pUser->getPassword());
-    const int nCode = bKnown ? setHostNetworks(m_objState, {*pNetwork})
+        areCredentials(m_options, m_state, pUser->getUserName(), pUser->getPassword());
+    const int nCode = bKnown ? setHostNetworks(m_state, {*pNetwork})
                              : static_cast<int>(DeviceResult::WrongCredentials);
     log(strPeer, "multicast " + describe(SetHostNetwork, nCode));
-    Answer objAnswer = answerTo(request.objHead, SetHostNetworkReply);
-    putResult(objAnswer, nCode);
-    appendRecord(objAnswer.vecRecords, *pDeviceId);
-    spoil(SetHostNetwork, objAnswer);
-    return objAnswer;
+    Answer answer = answerTo(request.head, SetHostNetworkReply);
+    putResult(answer, nCode);
+    appendRecord(answer.vecRecords, *pDeviceId);
+    spoil(SetHostNetwork, answer);
+    return answer;
 }
 
 void DeviceCore::log(const std::string& strPeer, const std::string& strText) const {
-    if (m_objOptions.bVerbose) {
-        std::fprintf(stderr, "%s %s %s\n", m_objOptions.strDeviceId.c_str(), strPeer.c_str(),
+    if (m_options.bVerbose) {
+        std::fprintf(stderr, "%s %s %s\n", m_options.strDeviceId.c_str(), strPeer.c_str(),
                      strText.c_str());
     }
 }
 
 void DeviceCore::remember(const Request& request) {
-    ReceivedCommand objReceived;
-    objReceived.nCommandId = request.objHead.getCommandID();
-    objReceived.nSessionId = request.objHead.getSessionId();
-    objReceived.nSequence = request.objHead.getSequence();
+    ReceivedCommand received;
+    received.nCommandId = request.head.getCommandID();
+    received.nSessionId = request.head.getSessionId();
+    received.nSequence = request.head.getSequence();
     for (const auto& record : request.vecRecords) {
-        getDomainNameOfRecord(*record, objReceived.vecRecords.emplace_back());
+        getDomainNameOfRecord(*record, received.vecRecords.emplace_back());
     }
-    m_vecReceived.push_back(std::move(objReceived));
+    m_vecReceived.push_back(std::move(received));
     if (m_vecReceived.size() > MaxReceived) {
         m_vecReceived.pop_front();
     }
 }
 
 int DeviceCore::handle(const Request& request, std::uint32_t& nSession, Answer& answer) {
-    const std::uint32_t nCommandId = request.objHead.getCommandID();
+    const std::uint32_t nCommandId = request.head.getCommandID();
     const CommandHandler* pHandler = findCommandHandler(nCommandId);
-    const bool bHasSession = nSession != 0 && request.objHead.getSessionId() == nSession;
+    const bool bHasSession = nSession != 0 && request.head.getSessionId() == nSession;
     if (!bHasSession && nCommandId != LoginCommand) {
         return DeviceResult::NoSession;
     }
     if (!pHandler) {
         return findCommand(nCommandId) ? DeviceResult::NotSupported : DeviceResult::UnknownCommand;
     }
-    CommandCall objCall{request, m_objOptions, m_objState, nSession, m_nLastSession + 1, {}};
-    const int nCode = pHandler->handle(objCall);
+    CommandCall call{request, m_options, m_state, nSession, m_nLastSession + 1, {}};
+    const int nCode = pHandler->handle(call);
     if (nCode != DeviceResult::Success) {
         return nCode;
     }
-    if (nSession == objCall.nFreeSession) {
+    if (nSession == call.nFreeSession) {
         m_nLastSession = nSession;
     }
-    answer.vecRecords = objCall.vecReply;
-    answer.bRestarts = objCall.bRestarts;
+    answer.vecRecords = call.vecReply;
+    answer.bRestarts = call.bRestarts;
     return nCode;
 }
 

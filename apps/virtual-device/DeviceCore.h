@@ -43,8 +43,8 @@ public:
     void misbehave(const Misbehaviour& misbehaviour) { m_vecMisbehaviours.push_back(misbehaviour); }
     void behave() { m_vecMisbehaviours.clear(); }
 
-    const DeviceOptions& getOptions() const { return m_objOptions; }
-    const DeviceState& getState() const { return m_objState; }
+    const DeviceOptions& getOptions() const { return m_options; }
+    const DeviceState& getState() const { return m_state; }
     const std::deque<ReceivedCommand>& getReceived() const { return m_vecReceived; }
 
 private:
@@ -52,8 +52,8 @@ private:
     int handle(const Request& request, std::uint32_t& nSession, Answer& answer);
     void spoil(std::uint32_t nCommandId, Answer& answer);
 
-    DeviceOptions m_objOptions;
-    DeviceState m_objState;
+    DeviceOptions m_options;
+    DeviceState m_state;
     std::uint32_t m_nLastSession = 1000;
     std::vector<Misbehaviour> m_vecMisbehaviours;
     std::deque<ReceivedCommand> m_vecReceived;  // the last ones

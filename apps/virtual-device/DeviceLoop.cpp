@@ -5,22 +5,20 @@
 #include <exception>
 
 DeviceLoop::DeviceLoop()
-    : m_objContext(1),
-      m_objWork(asio::make_work_guard(m_objContext)),
-      m_objThread([this] { work(); }) {}
+    : m_context(1), m_work(asio::make_work_guard(m_context)), m_thread([this] { work(); }) {}
 
 DeviceLoop::~DeviceLoop() {
-    m_objContext.stop();
-    m_objThread.join();
+    m_context.stop();
+    m_thread.join();
 }
 
 // Want of memory in one step ends that step and not the devices.
 void DeviceLoop::work() {
-    while (!m_objContext.stopped()) {
+    while (!m_context.stopped()) {
         try {
-            m_objContext.run();
-        } catch (const std::exception& objError) {
-            std::fprintf(stderr, "virtual-device: %s\n", objError.what());
+            m_context.run();
+        } catch (const std::exception& error) {
+            std::fprintf(stderr, "virtual-device: %s\n", error.what());
         }
     }
 }

@@ -18,22 +18,22 @@ public:
     DeviceLoop(const DeviceLoop&) = delete;
     DeviceLoop& operator=(const DeviceLoop&) = delete;
 
-    asio::io_context& context() { return m_objContext; }
+    asio::io_context& context() { return m_context; }
 
     // Runs an action on the thread, waits for it, and gives its result or its exception.
     template <class Action>
     auto run(Action action) {
         using Task = std::packaged_task<decltype(action())()>;
-        const auto pobjTask = std::make_shared<Task>(std::move(action));
-        auto objResult = pobjTask->get_future();
-        asio::dispatch(m_objContext, [pobjTask] { (*pobjTask)(); });
-        return objResult.get();
+        const auto pTask = std::make_shared<Task>(std::move(action));
+        auto result = pTask->get_future();
+        asio::dispatch(m_context, [pTask] { (*pTask)(); });
+        return result.get();
     }
 
 private:
     void work();
 
-    asio::io_context m_objContext;
-    asio::executor_work_guard<asio::io_context::executor_type> m_objWork;
-    std::thread m_objThread;
+    asio::io_context m_context;
+    asio::executor_work_guard<asio::io_context::executor_type> m_work;
+    std::thread m_thread;
 };

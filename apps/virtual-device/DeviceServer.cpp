@@ -19,28 +19,28 @@ asio::ip::tcp::endpoint endpointOf(const DeviceOptions& options) {
 }  // namespace
 
 DeviceServer::DeviceServer(asio::io_context& context, DeviceOptions options)
-    : m_objContext(context), m_objAcceptor(context, endpointOf(options)), m_objRetry(context) {
-    options.nPort = m_objAcceptor.local_endpoint().port();
-    m_pobjCore = std::make_shared<DeviceCore>(std::move(options));
+    : m_context(context), m_acceptor(context, endpointOf(options)), m_retry(context) {
+    options.nPort = m_acceptor.local_endpoint().port();
+    m_pCore = std::make_shared<DeviceCore>(std::move(options));
 }
 
 DeviceServer::~DeviceServer() = default;
 
 void DeviceServer::start() {
-    if (m_pobjCore->getOptions().bMulticast) {
-        m_pobjMulticast = std::make_shared<MulticastListener>(m_objContext, m_pobjCore);
-        m_pobjMulticast->start();
+    if (m_pCore->getOptions().bMulticast) {
+        m_pMulticast = std::make_shared<MulticastListener>(m_context, m_pCore);
+        m_pMulticast->start();
     }
     accept();
 }
 
 void DeviceServer::close() {
-    asio::error_code objIgnored;
-    m_objAcceptor.close(objIgnored);
-    m_objRetry.cancel();
-    if (m_pobjMulticast) {
-        m_pobjMulticast->close();
-        m_pobjMulticast.reset();
+    asio::error_code ignored;
+    m_acceptor.close(ignored);
+    m_retry.cancel();
+    if (m_pMulticast) {
+        m_pMulticast->close();
+        m_pMulticast.reset();
     }
     dropConnections();
 }
@@ -48,53 +48,53 @@ void DeviceServer::close() {
 std::size_t DeviceServer::sessionCount() const {
     return static_cast<std::size_t>(
         std::count_if(m_setConnections.begin(), m_setConnections.end(),
-                      [](const auto& pobjOne) { return pobjOne->getSession() != 0; }));
+                      [](const auto& pOne) { return pOne->getSession() != 0; }));
 }
 
 void DeviceServer::dropConnections() {
     const auto setConnections = m_setConnections;
-    for (const auto& pobjConnection : setConnections) {
-        pobjConnection->close();
+    for (const auto& pConnection : setConnections) {
+        pConnection->close();
     }
 }
 
 void DeviceServer::dropSessions() {
-    for (const auto& pobjConnection : m_setConnections) {
-        pobjConnection->dropSession();
+    for (const auto& pConnection : m_setConnections) {
+        pConnection->dropSession();
     }
 }
 
 void DeviceServer::accept() {
-    m_objAcceptor.async_accept([this, pobjSelf = shared_from_this()](
-                                   asio::error_code nError, asio::ip::tcp::socket objSocket) {
-        if (!m_objAcceptor.is_open()) {
-            return;
-        }
-        if (nError) {
-            acceptLater();
-            return;
-        }
-        accept();
-        serve(std::move(objSocket));
-    });
+    m_acceptor.async_accept(
+        [this, pSelf = shared_from_this()](asio::error_code nError, asio::ip::tcp::socket socket) {
+            if (!m_acceptor.is_open()) {
+                return;
+            }
+            if (nError) {
+                acceptLater();
+                return;
+            }
+            accept();
+            serve(std::move(socket));
+        });
 }
 
-void DeviceServer::serve(asio::ip::tcp::socket objSocket) {
-    const auto pobjSelf = shared_from_this();
-    DeviceConnection::Owner objOwner;
-    objOwner.onClosed = [pobjSelf](const std::shared_ptr<DeviceConnection>& pobjConnection) {
-        pobjSelf->m_setConnections.erase(pobjConnection);
+void DeviceServer::serve(asio::ip::tcp::socket socket) {
+    const auto pSelf = shared_from_this();
+    DeviceConnection::Owner owner;
+    owner.onClosed = [pSelf](const std::shared_ptr<DeviceConnection>& pConnection) {
+        pSelf->m_setConnections.erase(pConnection);
     };
-    objOwner.onRestart = [pobjSelf] { pobjSelf->dropConnections(); };
-    const auto pobjConnection =
-        std::make_shared<DeviceConnection>(std::move(objSocket), m_pobjCore, std::move(objOwner));
-    m_setConnections.insert(pobjConnection);
-    pobjConnection->start();
+    owner.onRestart = [pSelf] { pSelf->dropConnections(); };
+    const auto pConnection =
+        std::make_shared<DeviceConnection>(std::move(socket), m_pCore, std::move(owner));
+    m_setConnections.insert(pConnection);
+    pConnection->start();
 }
 
 void DeviceServer::acceptLater() {
-    m_objRetry.expires_after(RetryDelay);
-    m_objRetry.async_wait([this, pobjSelf = shared_from_this()](asio::error_code nError) {
+    m_retry.expires_after(RetryDelay);
+    m_retry.async_wait([this, pSelf = shared_from_this()](asio::error_code nError) {
         if (!nError) {
             accept();
         }

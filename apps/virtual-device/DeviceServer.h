@@ -21,7 +21,7 @@ public:
     void start();  // accepts connections
     void close();  // ends all of them and listens no more
 
-    DeviceCore& core() { return *m_pobjCore; }
+    DeviceCore& core() { return *m_pCore; }
     std::size_t connectionCount() const { return m_setConnections.size(); }
     std::size_t sessionCount() const;
 
@@ -30,13 +30,13 @@ public:
 
 private:
     void accept();
-    void serve(asio::ip::tcp::socket objSocket);
+    void serve(asio::ip::tcp::socket socket);
     void acceptLater();
 
-    asio::io_context& m_objContext;
-    asio::ip::tcp::acceptor m_objAcceptor;
-    asio::steady_timer m_objRetry;
-    std::shared_ptr<DeviceCore> m_pobjCore;
-    std::shared_ptr<MulticastListener> m_pobjMulticast;
+    asio::io_context& m_context;
+    asio::ip::tcp::acceptor m_acceptor;
+    asio::steady_timer m_retry;
+    std::shared_ptr<DeviceCore> m_pCore;
+    std::shared_ptr<MulticastListener> m_pMulticast;
     std::set<std::shared_ptr<DeviceConnection>> m_setConnections;
 };

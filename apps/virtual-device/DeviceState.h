@@ -34,30 +34,30 @@ struct DeviceState {
     std::string strPassword;
 
     // What the device is and can do.
-    HardwareCapability objHardware;
-    SoftwareCapability objSoftware;
-    LanguageAbility objLanguages;
-    VideoAbility objVideo;  // one entry a channel
-    OSDAbility objOSDAbility;
-    AudioExAbility objAudio;
-    PTZAbilityParam objPTZ;
-    NetworkAbility objNetworkCards;
-    MotionDetectionAbility objMotion;
-    BlindAbility objBlind;
-    SensorAbility objSensor;
-    DiskAbility objDisks;
-    ExternUARTAbility objUART;
-    DeviceSummaryInfo objSummary;
+    HardwareCapability hardware;
+    SoftwareCapability software;
+    LanguageAbility languages;
+    VideoAbility video;  // one entry a channel
+    OSDAbility osdAbility;
+    AudioExAbility audio;
+    PTZAbilityParam ptz;
+    NetworkAbility networkCards;
+    MotionDetectionAbility motion;
+    BlindAbility blind;
+    SensorAbility sensor;
+    DiskAbility disks;
+    ExternUARTAbility uart;
+    DeviceSummaryInfo summary;
     std::vector<ChannelInfo> vecChannels;
     std::vector<TimeZoneAbility> vecTimeZones;       // one a language, in the languages' order
     std::vector<TimeZoneParam> vecTimeZoneDefaults;  // one a time zone
 
     // What can be set.
     std::vector<HostNetwork> vecHostNetworks;
-    DevicePort objPorts;
-    TimeZoneParam objTimeZone;
-    NTPParam objNTP;
-    ProtocolSecurityParam objSecurity;
+    DevicePort ports;
+    TimeZoneParam timeZone;
+    NTPParam ntp;
+    ProtocolSecurityParam security;
     std::vector<AVStreamParam> vecStreams;  // all streams of all channels
     std::vector<OSDUserParam> vecOSD;       // one a channel
     std::int64_t nClockOffset = 0;          // seconds that the device's clock is ahead of UTC

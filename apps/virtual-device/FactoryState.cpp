@@ -64,12 +64,12 @@ std::string filled(const std::string& strText, const Values& mapValues) {
 
 Records recordsOf(const char* szName, const Values& mapValues) {
     const std::string strDocument = filled(factoryText(szName), mapValues);
-    CommandBuffer objBody;
+    CommandBuffer body;
     Records vecRecords;
-    const bool bRead = objBody.allocate(strDocument.size() + 1) &&
-                       objBody.append(reinterpret_cast<const std::uint8_t*>(strDocument.data()),
-                                      static_cast<std::uint32_t>(strDocument.size())) &&
-                       SDKNormalXmlBodyParser().parseCommandBody(objBody, vecRecords);
+    const bool bRead = body.allocate(strDocument.size() + 1) &&
+                       body.append(reinterpret_cast<const std::uint8_t*>(strDocument.data()),
+                                   static_cast<std::uint32_t>(strDocument.size())) &&
+                       SDKNormalXmlBodyParser().parseCommandBody(body, vecRecords);
     if (!bRead) {
         throw std::logic_error("the factory state of the virtual device does not parse");
     }
@@ -119,33 +119,33 @@ void addKind(const DeviceOptions& options, DeviceState& state) {
     const bool bIsRecorder = options.nKind == DeviceKind::NVR;
     const Records vecRecords =
         recordsOf(bIsRecorder ? "recorder" : "camera", deviceValues(options));
-    state.objHardware = single<HardwareCapability>(vecRecords);
-    state.objSummary = single<DeviceSummaryInfo>(vecRecords);
+    state.hardware = single<HardwareCapability>(vecRecords);
+    state.summary = single<DeviceSummaryInfo>(vecRecords);
 }
 
 void addDevice(const DeviceOptions& options, DeviceState& state) {
     const Records vecRecords = recordsOf("device", deviceValues(options));
-    state.objSoftware = single<SoftwareCapability>(vecRecords);
-    state.objOSDAbility = single<OSDAbility>(vecRecords);
-    state.objAudio = single<AudioExAbility>(vecRecords);
-    state.objPTZ = single<PTZAbilityParam>(vecRecords);
-    state.objNetworkCards = single<NetworkAbility>(vecRecords);
-    state.objMotion = single<MotionDetectionAbility>(vecRecords);
-    state.objBlind = single<BlindAbility>(vecRecords);
-    state.objSensor = single<SensorAbility>(vecRecords);
-    state.objDisks = single<DiskAbility>(vecRecords);
-    state.objUART = single<ExternUARTAbility>(vecRecords);
+    state.software = single<SoftwareCapability>(vecRecords);
+    state.osdAbility = single<OSDAbility>(vecRecords);
+    state.audio = single<AudioExAbility>(vecRecords);
+    state.ptz = single<PTZAbilityParam>(vecRecords);
+    state.networkCards = single<NetworkAbility>(vecRecords);
+    state.motion = single<MotionDetectionAbility>(vecRecords);
+    state.blind = single<BlindAbility>(vecRecords);
+    state.sensor = single<SensorAbility>(vecRecords);
+    state.disks = single<DiskAbility>(vecRecords);
+    state.uart = single<ExternUARTAbility>(vecRecords);
     state.vecHostNetworks = listOf<HostNetwork>(vecRecords);
-    state.objPorts = single<DevicePort>(vecRecords);
-    state.objNTP = single<NTPParam>(vecRecords);
-    state.objSecurity = single<ProtocolSecurityParam>(vecRecords);
+    state.ports = single<DevicePort>(vecRecords);
+    state.ntp = single<NTPParam>(vecRecords);
+    state.security = single<ProtocolSecurityParam>(vecRecords);
 }
 
 void addTimeZones(DeviceState& state) {
     const Records vecRecords = recordsOf("time-zones", {});
     state.vecTimeZoneDefaults = listOf<TimeZoneParam>(vecRecords);
-    state.objTimeZone = state.vecTimeZoneDefaults.front();
-    state.objLanguages = single<LanguageAbility>(vecRecords);
+    state.timeZone = state.vecTimeZoneDefaults.front();
+    state.languages = single<LanguageAbility>(vecRecords);
     state.vecTimeZones = listOf<TimeZoneAbility>(vecRecords);
 }
 
@@ -167,24 +167,23 @@ VideoAbilityParam addChannel(const DeviceOptions& options, int nChannel, DeviceS
     for (int nStream = 1; nStream <= options.nStreams; ++nStream) {
         vecStreams.push_back(addStream(nChannel, nStream, state));
     }
-    VideoAbilityParam objVideo =
-        single<VideoAbility>(vecRecords).getVideoAbilityParamList().front();
-    objVideo.setBaseStreamList(vecStreams);
-    return objVideo;
+    VideoAbilityParam video = single<VideoAbility>(vecRecords).getVideoAbilityParamList().front();
+    video.setBaseStreamList(vecStreams);
+    return video;
 }
 
 }  // namespace
 
 DeviceState factoryState(const DeviceOptions& options) {
-    DeviceState objState;
-    objState.strPassword = options.strPassword;
-    addKind(options, objState);
-    addDevice(options, objState);
-    addTimeZones(objState);
+    DeviceState state;
+    state.strPassword = options.strPassword;
+    addKind(options, state);
+    addDevice(options, state);
+    addTimeZones(state);
     std::vector<VideoAbilityParam> vecVideo;
     for (int nChannel = 1; nChannel <= options.nChannels; ++nChannel) {
-        vecVideo.push_back(addChannel(options, nChannel, objState));
+        vecVideo.push_back(addChannel(options, nChannel, state));
     }
-    objState.objVideo.setVideoAbilityParamList(vecVideo);
-    return objState;
+    state.video.setVideoAbilityParamList(vecVideo);
+    return state;
 }

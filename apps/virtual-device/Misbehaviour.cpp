@@ -72,9 +72,9 @@ bool isResult(const BaseDomain& record) {
 
 void replaceResult(Answer& answer, int nCode) {
     keepRecords(answer, [](const BaseDomain& record) { return !isResult(record); });
-    EtResult objResult;
-    objResult.setCode(nCode);
-    appendRecord(answer.vecRecords, objResult);
+    EtResult result;
+    result.setCode(nCode);
+    appendRecord(answer.vecRecords, result);
 }
 
 void emptyLists(Answer& answer) {
@@ -93,9 +93,9 @@ void emptyLists(Answer& answer) {
 // Strays that the sequence alone tells from the answer.
 void addStrays(Answer& answer, int nCount) {
     for (int n = 1; n <= nCount; ++n) {
-        SDKCommandHeadInfo objHead = answer.objHead;
-        objHead.setSequence(static_cast<std::uint16_t>(objHead.getSequence() - n));
-        answer.vecStrays.push_back(objHead);
+        SDKCommandHeadInfo head = answer.head;
+        head.setSequence(static_cast<std::uint16_t>(head.getSequence() - n));
+        answer.vecStrays.push_back(head);
     }
 }
 
@@ -110,18 +110,18 @@ constexpr MisbehaviourKind Kinds[] = {
     {"trickle", "sends the answer byte by byte", 0, [](Answer& a, int) { a.bTrickles = true; }},
     {"wrong-session", "answers with a session number that is off by VALUE", 1,
      [](Answer& a, int n) {
-         a.objHead.setSessionId(a.objHead.getSessionId() + static_cast<std::uint32_t>(n));
+         a.head.setSessionId(a.head.getSessionId() + static_cast<std::uint32_t>(n));
      }},
     {"wrong-sequence", "answers with a sequence number that is off by VALUE", 1,
      [](Answer& a, int n) {
-         a.objHead.setSequence(static_cast<std::uint16_t>(a.objHead.getSequence() + n));
+         a.head.setSequence(static_cast<std::uint16_t>(a.head.getSequence() + n));
      }},
     {"wrong-command", "answers with a command id that is off by VALUE", 1,
      [](Answer& a, int n) {
-         a.objHead.setCommandID(a.objHead.getCommandID() + static_cast<std::uint32_t>(n));
+         a.head.setCommandID(a.head.getCommandID() + static_cast<std::uint32_t>(n));
      }},
     {"protocol-type", "names VALUE as the protocol type in the head", ProtocolType::Binary,
-     [](Answer& a, int n) { a.objHead.setProtocolType(static_cast<std::uint16_t>(n)); }},
+     [](Answer& a, int n) { a.head.setProtocolType(static_cast<std::uint16_t>(n)); }},
     {"bad-magic", "sends a head that begins wrong", 0,
      [](Answer& a, int) { a.nDamagedByte = std::size_t{0}; }},
     {"bad-checksum", "sends a head with a wrong checksum", 0,
@@ -179,21 +179,20 @@ const MisbehaviourKind* findMisbehaviourKind(const std::string& strName) {
 }
 
 std::optional<Misbehaviour> parseMisbehaviour(const std::string& strText) {
-    Misbehaviour objResult;
+    Misbehaviour result;
     const std::size_t nColon = strText.find(':');
     const std::string strHead = strText.substr(0, nColon);
-    if (nColon != std::string::npos &&
-        !readNumber(strText.substr(nColon + 1), objResult.nCommandId)) {
+    if (nColon != std::string::npos && !readNumber(strText.substr(nColon + 1), result.nCommandId)) {
         return std::nullopt;
     }
     const std::size_t nEquals = strHead.find('=');
     if (nEquals != std::string::npos &&
-        !readNumber(strHead.substr(nEquals + 1), objResult.nValue.emplace())) {
+        !readNumber(strHead.substr(nEquals + 1), result.nValue.emplace())) {
         return std::nullopt;
     }
-    objResult.strName = strHead.substr(0, nEquals);
-    if (!findMisbehaviourKind(objResult.strName)) {
+    result.strName = strHead.substr(0, nEquals);
+    if (!findMisbehaviourKind(result.strName)) {
         return std::nullopt;
     }
-    return objResult;
+    return result;
 }

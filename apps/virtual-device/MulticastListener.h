@@ -17,7 +17,7 @@ public:
     static constexpr std::uint16_t Port = 31001;
 
     // Throws std::system_error when the group cannot be joined, an IPv6 device included.
-    MulticastListener(asio::io_context& context, std::shared_ptr<DeviceCore> pobjCore);
+    MulticastListener(asio::io_context& context, std::shared_ptr<DeviceCore> pCore);
 
     void start() { receive(); }
     void close();
@@ -28,9 +28,9 @@ private:
     void deliver(const Answer& answer);
     void send(const std::vector<Message>& vecMessages, const asio::ip::udp::endpoint& peer);
 
-    asio::io_context& m_objContext;
-    asio::ip::udp::socket m_objSocket;
-    std::shared_ptr<DeviceCore> m_pobjCore;
-    asio::ip::udp::endpoint m_objPeer;
+    asio::io_context& m_context;
+    asio::ip::udp::socket m_socket;
+    std::shared_ptr<DeviceCore> m_pCore;
+    asio::ip::udp::endpoint m_peer;
     std::array<std::uint8_t, 65536> m_arrArrived{};
 };

@@ -36,8 +36,8 @@ const std::vector<T>* findList(const Records& vecRecords) {
 }
 
 template <class T>
-void appendRecord(Records& vecRecords, T objRecord) {
-    vecRecords.push_back(wrapSafe<BaseDomain>(std::make_unique<T>(std::move(objRecord))));
+void appendRecord(Records& vecRecords, T record) {
+    vecRecords.push_back(wrapSafe<BaseDomain>(std::make_unique<T>(std::move(record))));
 }
 
 template <class T>
@@ -48,7 +48,7 @@ void appendList(Records& vecRecords, std::vector<T> vecElements) {
 struct Request {
     static constexpr int All = -1;  // as a channel or a stream
 
-    SDKCommandHeadInfo objHead;
+    SDKCommandHeadInfo head;
     Records vecRecords;
 
     // The channel that the request is about.

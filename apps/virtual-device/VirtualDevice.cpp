@@ -9,53 +9,53 @@
 VirtualDevice::VirtualDevice(DeviceOptions options)
     : VirtualDevice(std::move(options), std::make_shared<DeviceLoop>()) {}
 
-VirtualDevice::VirtualDevice(DeviceOptions options, std::shared_ptr<DeviceLoop> pobjLoop)
-    : m_pobjLoop(std::move(pobjLoop)),
-      m_pobjServer(std::make_shared<DeviceServer>(m_pobjLoop->context(), std::move(options))),
-      m_nPort(m_pobjServer->core().getOptions().nPort) {
-    m_pobjLoop->run([this] { m_pobjServer->start(); });
+VirtualDevice::VirtualDevice(DeviceOptions options, std::shared_ptr<DeviceLoop> pLoop)
+    : m_pLoop(std::move(pLoop)),
+      m_pServer(std::make_shared<DeviceServer>(m_pLoop->context(), std::move(options))),
+      m_nPort(m_pServer->core().getOptions().nPort) {
+    m_pLoop->run([this] { m_pServer->start(); });
 }
 
 VirtualDevice::~VirtualDevice() {
-    m_pobjLoop->run([this] { m_pobjServer->close(); });
+    m_pLoop->run([this] { m_pServer->close(); });
 }
 
 void VirtualDevice::misbehave(const std::string& strText, int nTimes) {
-    auto objMisbehaviour = parseMisbehaviour(strText);
-    if (!objMisbehaviour) {
+    auto misbehaviour = parseMisbehaviour(strText);
+    if (!misbehaviour) {
         throw std::invalid_argument("no misbehaviour: " + strText);
     }
-    objMisbehaviour->nTimes = nTimes;
-    m_pobjLoop->run([&] { m_pobjServer->core().misbehave(*objMisbehaviour); });
+    misbehaviour->nTimes = nTimes;
+    m_pLoop->run([&] { m_pServer->core().misbehave(*misbehaviour); });
 }
 
 void VirtualDevice::behave() {
-    m_pobjLoop->run([this] { m_pobjServer->core().behave(); });
+    m_pLoop->run([this] { m_pServer->core().behave(); });
 }
 
 void VirtualDevice::dropConnections() {
-    m_pobjLoop->run([this] { m_pobjServer->dropConnections(); });
+    m_pLoop->run([this] { m_pServer->dropConnections(); });
 }
 
 void VirtualDevice::dropSessions() {
-    m_pobjLoop->run([this] { m_pobjServer->dropSessions(); });
+    m_pLoop->run([this] { m_pServer->dropSessions(); });
 }
 
 std::size_t VirtualDevice::connectionCount() const {
-    return m_pobjLoop->run([this] { return m_pobjServer->connectionCount(); });
+    return m_pLoop->run([this] { return m_pServer->connectionCount(); });
 }
 
 std::size_t VirtualDevice::sessionCount() const {
-    return m_pobjLoop->run([this] { return m_pobjServer->sessionCount(); });
+    return m_pLoop->run([this] { return m_pServer->sessionCount(); });
 }
 
 DeviceState VirtualDevice::getState() const {
-    return m_pobjLoop->run([this] { return m_pobjServer->core().getState(); });
+    return m_pLoop->run([this] { return m_pServer->core().getState(); });
 }
 
 std::vector<ReceivedCommand> VirtualDevice::getReceived() const {
-    return m_pobjLoop->run([this] {
-        const auto& vecReceived = m_pobjServer->core().getReceived();
+    return m_pLoop->run([this] {
+        const auto& vecReceived = m_pServer->core().getReceived();
         return std::vector<ReceivedCommand>(vecReceived.begin(), vecReceived.end());
     });
 }

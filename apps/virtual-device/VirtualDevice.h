@@ -23,7 +23,7 @@ class VirtualDevice {
 public:
     // Listens when it returns. Throws std::system_error when address, port or group cannot be had.
     explicit VirtualDevice(DeviceOptions options = {});
-    VirtualDevice(DeviceOptions options, std::shared_ptr<DeviceLoop> pobjLoop);
+    VirtualDevice(DeviceOptions options, std::shared_ptr<DeviceLoop> pLoop);
 
     // Ends all connections; the port is free when it returns.
     ~VirtualDevice();
@@ -48,7 +48,7 @@ public:
     std::vector<ReceivedCommand> getReceived() const;  // the last 1000 requests, oldest first
 
 private:
-    std::shared_ptr<DeviceLoop> m_pobjLoop;
-    std::shared_ptr<DeviceServer> m_pobjServer;
+    std::shared_ptr<DeviceLoop> m_pLoop;
+    std::shared_ptr<DeviceServer> m_pServer;
     std::uint16_t m_nPort = 0;
 };

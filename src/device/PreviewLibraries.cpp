@@ -28,30 +28,29 @@ bool PreviewLibraries::isLoaded() const {
 }
 
 bool PreviewLibraries::openNet() {
-    const DynamicLibrary& library = m_objNetLibrary;
-    return m_objNetLibrary.open(NetLibraryName) &&  //
-           find(library, "SDK_Login", m_objNet.login) &&
-           find(library, "SDK_Logout", m_objNet.logout) &&
-           find(library, "SDK_UnInit", m_objNet.unInit) &&
-           find(library, "SDK_FormatMessage", m_objNet.formatMessage) &&
-           find(library, "SDK_VideoController_Open", m_objNet.open) &&
-           find(library, "SDK_VideoController_SetAVDataCallback", m_objNet.setAVDataCallback) &&
-           find(library, "SDK_VideoController_StartVideo", m_objNet.startVideo) &&
-           find(library, "SDK_VideoController_Ctrl", m_objNet.control) &&
-           find(library, "SDK_VideoController_StopVideo", m_objNet.stopVideo) &&
-           find(library, "SDK_VideoController_Close", m_objNet.close);
+    const DynamicLibrary& library = m_netLibrary;
+    return m_netLibrary.open(NetLibraryName) &&  //
+           find(library, "SDK_Login", m_net.login) && find(library, "SDK_Logout", m_net.logout) &&
+           find(library, "SDK_UnInit", m_net.unInit) &&
+           find(library, "SDK_FormatMessage", m_net.formatMessage) &&
+           find(library, "SDK_VideoController_Open", m_net.open) &&
+           find(library, "SDK_VideoController_SetAVDataCallback", m_net.setAVDataCallback) &&
+           find(library, "SDK_VideoController_StartVideo", m_net.startVideo) &&
+           find(library, "SDK_VideoController_Ctrl", m_net.control) &&
+           find(library, "SDK_VideoController_StopVideo", m_net.stopVideo) &&
+           find(library, "SDK_VideoController_Close", m_net.close);
 }
 
 bool PreviewLibraries::openPlayer() {
-    const DynamicLibrary& library = m_objPlayerLibrary;
-    return m_objPlayerLibrary.open(PlayerLibraryName) &&
-           find(library, "Player_Initial", m_objPlayer.initial) &&
-           find(library, "Player_OpenStream", m_objPlayer.openStream) &&
-           find(library, "Player_SetAutoResizeFlag", m_objPlayer.setAutoResizeFlag) &&
-           find(library, "Player_Play", m_objPlayer.play) &&
-           find(library, "Player_SetDrawCallBack", m_objPlayer.setDrawCallBack) &&
-           find(library, "Player_SetDecodeCallBack", m_objPlayer.setDecodeCallBack) &&
-           find(library, "Player_InputAVFrame", m_objPlayer.inputAVFrame) &&
-           find(library, "Player_Stop", m_objPlayer.stop) &&
-           find(library, "Player_CloseStream", m_objPlayer.closeStream);
+    const DynamicLibrary& library = m_playerLibrary;
+    return m_playerLibrary.open(PlayerLibraryName) &&
+           find(library, "Player_Initial", m_player.initial) &&
+           find(library, "Player_OpenStream", m_player.openStream) &&
+           find(library, "Player_SetAutoResizeFlag", m_player.setAutoResizeFlag) &&
+           find(library, "Player_Play", m_player.play) &&
+           find(library, "Player_SetDrawCallBack", m_player.setDrawCallBack) &&
+           find(library, "Player_SetDecodeCallBack", m_player.setDecodeCallBack) &&
+           find(library, "Player_InputAVFrame", m_player.inputAVFrame) &&
+           find(library, "Player_Stop", m_player.stop) &&
+           find(library, "Player_CloseStream", m_player.closeStream);
 }

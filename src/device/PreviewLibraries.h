@@ -58,8 +58,8 @@ public:
     bool isLoaded() const;
 
     // Filled once `load` gave true, and constant from then on.
-    const TarnNetSDK& net() const noexcept { return m_objNet; }
-    const TarnPlayerSDK& player() const noexcept { return m_objPlayer; }
+    const TarnNetSDK& net() const noexcept { return m_net; }
+    const TarnPlayerSDK& player() const noexcept { return m_player; }
 
 private:
     bool openNet();
@@ -67,8 +67,8 @@ private:
 
     mutable KXMutex m_mutex;
     bool m_bLoaded KX_GUARDED_BY(m_mutex) = false;
-    DynamicLibrary m_objNetLibrary;
-    DynamicLibrary m_objPlayerLibrary;
-    TarnNetSDK m_objNet{};
-    TarnPlayerSDK m_objPlayer{};
+    DynamicLibrary m_netLibrary;
+    DynamicLibrary m_playerLibrary;
+    TarnNetSDK m_net{};
+    TarnPlayerSDK m_player{};
 };

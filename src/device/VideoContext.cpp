@@ -17,7 +17,7 @@ constexpr int MessageSize = 512;
 }  // namespace
 
 VideoContext::~VideoContext() {
-    if (m_objLibraries.isLoaded()) {
+    if (m_libraries.isLoaded()) {
         stop();
     }
 }
@@ -36,12 +36,12 @@ int VideoContext::start() {
     }
     // The library wants to be asked; the code that callers get is ours.
     std::array<char, MessageSize> arrText{};
-    m_objLibraries.net().formatMessage(nCode, arrText.data(), MessageSize);
+    m_libraries.net().formatMessage(nCode, arrText.data(), MessageSize);
     return ErrorCode::PreviewFailed;
 }
 
 int VideoContext::startVideo() {
-    const TarnNetSDK& net = m_objLibraries.net();
+    const TarnNetSDK& net = m_libraries.net();
     return inTurn(
         [&] { return net.open(m_hNetLogin, Channel, Stream, OpenMode, &m_hVideoController); },
         [&] { return net.setAVDataCallback(m_hVideoController, onFrame, this); },
@@ -50,7 +50,7 @@ int VideoContext::startVideo() {
 }
 
 void VideoContext::stop() {
-    const TarnNetSDK& net = m_objLibraries.net();
+    const TarnNetSDK& net = m_libraries.net();
     if (m_hVideoController != 0) {
         net.stopVideo(m_hVideoController);
         net.close(m_hVideoController);
@@ -65,7 +65,7 @@ void VideoContext::stop() {
 int VideoContext::onFrame(std::uint32_t, void* pFrame, void* pUser) {
     if (pUser != nullptr) {
         const auto& context = *static_cast<const VideoContext*>(pUser);
-        context.m_objLibraries.player().inputAVFrame(context.m_hPlayer, pFrame);
+        context.m_libraries.player().inputAVFrame(context.m_hPlayer, pFrame);
     }
     return 0;
 }

@@ -15,7 +15,7 @@ public:
     VideoContext(const VideoContext&) = delete;
     VideoContext& operator=(const VideoContext&) = delete;
 
-    PreviewLibraries& libraries() noexcept { return m_objLibraries; }
+    PreviewLibraries& libraries() noexcept { return m_libraries; }
 
     // Where frames come from and go to from here on; a login of 0 leaves the one before.
     void setStream(std::uint32_t hNetLogin, std::uint32_t hPlayer) noexcept;
@@ -33,7 +33,7 @@ private:
     // On the path of every frame: hands it to the player as it came.
     static int onFrame(std::uint32_t hSource, void* pFrame, void* pUser);
 
-    PreviewLibraries m_objLibraries;
+    PreviewLibraries m_libraries;
     std::atomic<std::uint32_t> m_hPlayer{0};
     std::uint32_t m_hNetLogin = 0;
     std::uint32_t m_hVideoController = 0;

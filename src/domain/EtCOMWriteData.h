@@ -19,11 +19,11 @@ public:
     void setComId(std::uint32_t nComId) noexcept { m_nComId = nComId; }
     std::uint32_t getComType() const noexcept { return m_nComType; }
     void setComType(std::uint32_t nComType) noexcept { m_nComType = nComType; }
-    const DataBuffer& getComData() const noexcept { return m_objComData; }
-    void setComData(const DataBuffer& data) { m_objComData = data; }
+    const DataBuffer& getComData() const noexcept { return m_comData; }
+    void setComData(const DataBuffer& data) { m_comData = data; }
 
 private:
     std::uint32_t m_nComId = 0;
     std::uint32_t m_nComType = 0;
-    DataBuffer m_objComData;
+    DataBuffer m_comData;
 };

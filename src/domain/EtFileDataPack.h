@@ -15,12 +15,12 @@ public:
     EtFileDataPack(const EtFileDataPack& other) : EtFileDataPack() { *this = other; }
     EtFileDataPack& operator=(const EtFileDataPack& other) = default;
 
-    const DataBuffer& getDataBuffer() const noexcept { return m_objDataBuffer; }
-    void setDataBuffer(const DataBuffer& data) { m_objDataBuffer = data; }
+    const DataBuffer& getDataBuffer() const noexcept { return m_dataBuffer; }
+    void setDataBuffer(const DataBuffer& data) { m_dataBuffer = data; }
     std::uint8_t getPackFlag() const noexcept { return m_nPackFlag; }  // carried as it stands
     void setPackFlag(std::uint8_t nPackFlag) noexcept { m_nPackFlag = nPackFlag; }
 
 private:
-    DataBuffer m_objDataBuffer;
+    DataBuffer m_dataBuffer;
     std::uint8_t m_nPackFlag = 0;
 };

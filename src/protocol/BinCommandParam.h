@@ -16,8 +16,8 @@ public:
 
     BinCommandParam();
 
-    const SDKCommandHeadInfo& getHead() const noexcept { return m_objHeadInfo; }
-    void setHead(const SDKCommandHeadInfo& head) noexcept { m_objHeadInfo = head; }
+    const SDKCommandHeadInfo& getHead() const noexcept { return m_headInfo; }
+    void setHead(const SDKCommandHeadInfo& head) noexcept { m_headInfo = head; }
 
     std::int32_t getBinCommandId() const noexcept { return m_nBinCommandId; }  // -1 at first
     void setBinCommandId(std::int32_t nId) noexcept { m_nBinCommandId = nId; }
@@ -34,5 +34,5 @@ private:
     std::int32_t m_nBinCommandId = -1;
     std::uint32_t m_nDataLength = 0;
     std::unique_ptr<std::uint8_t[]> m_pData;
-    SDKCommandHeadInfo m_objHeadInfo;
+    SDKCommandHeadInfo m_headInfo;
 };

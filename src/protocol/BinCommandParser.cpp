@@ -20,36 +20,34 @@ bool BinCommandParser::createCommand(const SafePointer<CommandParam>& param,
     if (param.isNull() || param->getProtocolType() != ProtocolType::Binary) {
         return false;
     }
-    const auto& objParam = static_cast<const BinCommandParam&>(*param);
-    CommandBuffer objPayload;
-    if (!objPayload.allocate(std::uint64_t{objParam.getDataLength()} + NumberLength) ||
-        !objPayload.append(
-            toNetworkOrder(static_cast<std::uint32_t>(objParam.getBinCommandId())))) {
+    const auto& command = static_cast<const BinCommandParam&>(*param);
+    CommandBuffer payload;
+    if (!payload.allocate(std::uint64_t{command.getDataLength()} + NumberLength) ||
+        !payload.append(toNetworkOrder(static_cast<std::uint32_t>(command.getBinCommandId())))) {
         return false;
     }
-    if (objParam.getData() && !objPayload.append(objParam.getData(), objParam.getDataLength())) {
+    if (command.getData() && !payload.append(command.getData(), command.getDataLength())) {
         return false;
     }
-    return joinCommand(objParam.getHead(), ProtocolType::Binary, objPayload, out);
+    return joinCommand(command.getHead(), ProtocolType::Binary, payload, out);
 }
 
 bool BinCommandParser::parseCommand(const CommandBuffer& in, SafePointer<CommandParam>& out) const {
-    SDKCommandHeadInfo objHead;
-    CommandBuffer objPayload;
-    if (!decodeCommandHead(in.data(), in.getLength(), objHead) ||
-        !copyPayload(in, objHead, objPayload) || objPayload.getLength() < NumberLength) {
+    SDKCommandHeadInfo head;
+    CommandBuffer payload;
+    if (!decodeCommandHead(in.data(), in.getLength(), head) || !copyPayload(in, head, payload) ||
+        payload.getLength() < NumberLength) {
         return false;
     }
     return guardRoom([&] {
-        auto pobjParam = std::make_unique<BinCommandParam>();
-        pobjParam->setHead(objHead);
-        pobjParam->setBinCommandId(static_cast<std::int32_t>(readNetworkU32(objPayload.data())));
-        const std::uint32_t nDataLength = objPayload.getLength() - NumberLength;
+        auto pParam = std::make_unique<BinCommandParam>();
+        pParam->setHead(head);
+        pParam->setBinCommandId(static_cast<std::int32_t>(readNetworkU32(payload.data())));
+        const std::uint32_t nDataLength = payload.getLength() - NumberLength;
         if (nDataLength > 0) {
-            pobjParam->setData(objPayload.data() + NumberLength,
-                               static_cast<std::int32_t>(nDataLength));
+            pParam->setData(payload.data() + NumberLength, static_cast<std::int32_t>(nDataLength));
         }
-        out = wrapSafe<CommandParam>(std::move(pobjParam));
+        out = wrapSafe<CommandParam>(std::move(pParam));
         return true;
     });
 }

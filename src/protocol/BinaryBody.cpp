@@ -78,13 +78,13 @@ std::uint32_t lengthOf(const DataBuffer& data) noexcept {
     return static_cast<std::uint32_t>(data.getSize());
 }
 
-void appendBodyRecord(std::unique_ptr<BaseDomain> pobjRecord,
+void appendBodyRecord(std::unique_ptr<BaseDomain> pRecord,
                       std::vector<SafePointer<BaseDomain>>& domains) {
-    domains.push_back(wrapSafe<BaseDomain>(std::move(pobjRecord)));
+    domains.push_back(wrapSafe<BaseDomain>(std::move(pRecord)));
 }
 
 void appendBodyResult(std::uint32_t nCode, std::vector<SafePointer<BaseDomain>>& domains) {
-    auto pobjResult = std::make_unique<EtResult>();
-    pobjResult->setCode(static_cast<int>(nCode));
-    appendBodyRecord(std::move(pobjResult), domains);
+    auto pResult = std::make_unique<EtResult>();
+    pResult->setCode(static_cast<int>(nCode));
+    appendBodyRecord(std::move(pResult), domains);
 }

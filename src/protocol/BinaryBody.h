@@ -49,14 +49,13 @@ std::uint32_t lengthOf(const DataBuffer& data) noexcept;
 // The first record of this type, or null; it lives as long as `domains` holds it.
 template <class Record>
 const Record* findBodyRecord(const std::vector<SafePointer<BaseDomain>>& domains) {
-    SafePointer<BaseDomain> objFound;
-    return findDomain(Record::DomainId, 0, domains, objFound)
-               ? static_cast<const Record*>(objFound.get())
-               : nullptr;
+    SafePointer<BaseDomain> found;
+    return findDomain(Record::DomainId, 0, domains, found) ? static_cast<const Record*>(found.get())
+                                                           : nullptr;
 }
 
 // Appends one record.
-void appendBodyRecord(std::unique_ptr<BaseDomain> pobjRecord,
+void appendBodyRecord(std::unique_ptr<BaseDomain> pRecord,
                       std::vector<SafePointer<BaseDomain>>& domains);
 // Appends an EtResult with this code.
 void appendBodyResult(std::uint32_t nCode, std::vector<SafePointer<BaseDomain>>& domains);

@@ -13,33 +13,33 @@ constexpr std::uint64_t FixedLength = 12;
 
 bool COMWriteDataCommandBodyParser::createCommandBody(
     const std::vector<SafePointer<BaseDomain>>& domains, CommandBuffer& out) const {
-    const auto* pobjWrite = findBodyRecord<EtCOMWriteData>(domains);
-    if (!pobjWrite) {
+    const auto* pWrite = findBodyRecord<EtCOMWriteData>(domains);
+    if (!pWrite) {
         return false;
     }
-    const DataBuffer& objData = pobjWrite->getComData();
-    return out.allocate(FixedLength + lengthOf(objData)) && appendU32(lengthOf(objData), out) &&
-           appendData(objData, out) && appendU32(pobjWrite->getComId(), out) &&
-           appendU32(pobjWrite->getComType(), out);
+    const DataBuffer& data = pWrite->getComData();
+    return out.allocate(FixedLength + lengthOf(data)) && appendU32(lengthOf(data), out) &&
+           appendData(data, out) && appendU32(pWrite->getComId(), out) &&
+           appendU32(pWrite->getComType(), out);
 }
 
 bool COMWriteDataCommandBodyParser::parseCommandBody(
     const CommandBuffer& in, std::vector<SafePointer<BaseDomain>>& domains) const {
     return guardRoom([&] {
-        BodyReader objReader(in);
+        BodyReader reader(in);
         std::uint32_t nLength = 0;
-        DataBuffer objData;
+        DataBuffer data;
         std::uint32_t nComId = 0;
         std::uint32_t nComType = 0;
-        if (!objReader.readU32(nLength) || !objReader.readData(nLength, objData) ||
-            !objReader.readU32(nComId) || !objReader.readU32(nComType)) {
+        if (!reader.readU32(nLength) || !reader.readData(nLength, data) ||
+            !reader.readU32(nComId) || !reader.readU32(nComType)) {
             return false;
         }
-        auto pobjWrite = std::make_unique<EtCOMWriteData>();
-        pobjWrite->setComData(objData);
-        pobjWrite->setComId(nComId);
-        pobjWrite->setComType(nComType);
-        appendBodyRecord(std::move(pobjWrite), domains);
+        auto pWrite = std::make_unique<EtCOMWriteData>();
+        pWrite->setComData(data);
+        pWrite->setComId(nComId);
+        pWrite->setComType(nComType);
+        appendBodyRecord(std::move(pWrite), domains);
         return true;
     });
 }

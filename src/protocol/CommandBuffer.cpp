@@ -24,10 +24,10 @@ CommandBuffer::CommandBuffer(CommandBuffer&& other) noexcept
       m_nLength(std::exchange(other.m_nLength, 0)) {}
 
 CommandBuffer& CommandBuffer::operator=(CommandBuffer&& other) noexcept {
-    CommandBuffer objTaken(std::move(other));
-    std::swap(m_pBase, objTaken.m_pBase);
-    std::swap(m_nCapacity, objTaken.m_nCapacity);
-    std::swap(m_nLength, objTaken.m_nLength);
+    CommandBuffer taken(std::move(other));
+    std::swap(m_pBase, taken.m_pBase);
+    std::swap(m_nCapacity, taken.m_nCapacity);
+    std::swap(m_nLength, taken.m_nLength);
     return *this;
 }
 

@@ -7,14 +7,14 @@ bool joinCommand(SDKCommandHeadInfo head, std::uint16_t nProtocolType, const Com
                  CommandBuffer& out) {
     head.setProtocolType(nProtocolType);
     head.setPayloadLength(payload.getLength());
-    CommandBuffer objHead;
-    CommandBuffer objWhole;
-    if (!encodeCommandHead(head, objHead) ||
-        !objWhole.allocate(std::uint64_t{objHead.getLength()} + payload.getLength()) ||
-        !objWhole.append(objHead) || !objWhole.append(payload)) {
+    CommandBuffer headBytes;
+    CommandBuffer whole;
+    if (!encodeCommandHead(head, headBytes) ||
+        !whole.allocate(std::uint64_t{headBytes.getLength()} + payload.getLength()) ||
+        !whole.append(headBytes) || !whole.append(payload)) {
         return false;
     }
-    out = std::move(objWhole);
+    out = std::move(whole);
     return true;
 }
 

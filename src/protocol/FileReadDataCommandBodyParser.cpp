@@ -14,38 +14,36 @@ constexpr std::uint64_t FixedLength = 9;
 
 bool FileReadDataCommandBodyParser::createCommandBody(
     const std::vector<SafePointer<BaseDomain>>& domains, CommandBuffer& out) const {
-    const auto* pobjPack = findBodyRecord<EtFileDataPack>(domains);
-    const auto* pobjResult = findBodyRecord<EtResult>(domains);
-    if (!pobjPack || !pobjResult) {
+    const auto* pPack = findBodyRecord<EtFileDataPack>(domains);
+    const auto* pResult = findBodyRecord<EtResult>(domains);
+    if (!pPack || !pResult) {
         return false;
     }
-    const DataBuffer& objData = pobjPack->getDataBuffer();
-    const std::uint8_t nPackFlag = pobjPack->getPackFlag();
-    return out.allocate(FixedLength + lengthOf(objData)) && appendU32(lengthOf(objData), out) &&
+    const DataBuffer& data = pPack->getDataBuffer();
+    const std::uint8_t nPackFlag = pPack->getPackFlag();
+    return out.allocate(FixedLength + lengthOf(data)) && appendU32(lengthOf(data), out) &&
            out.append(&nPackFlag, sizeof nPackFlag) &&
-           appendU32(static_cast<std::uint32_t>(pobjResult->getCode()), out) &&
-           appendData(objData, out);
+           appendU32(static_cast<std::uint32_t>(pResult->getCode()), out) && appendData(data, out);
 }
 
 bool FileReadDataCommandBodyParser::parseCommandBody(
     const CommandBuffer& in, std::vector<SafePointer<BaseDomain>>& domains) const {
     return guardRoom([&] {
-        BodyReader objReader(in);
+        BodyReader reader(in);
         std::uint32_t nLength = 0;
         std::uint8_t nPackFlag = 0;
         std::uint32_t nCode = 0;
-        DataBuffer objData;
+        DataBuffer data;
         // Callers test for the code as its four bytes stand, although it is written in network
         // order: a zero is a zero either way.
-        if (!objReader.readU32(nLength) || !objReader.readU8(nPackFlag) ||
-            !objReader.readRawU32(nCode) ||
-            (nLength != 0 && !objReader.readData(nLength, objData))) {
+        if (!reader.readU32(nLength) || !reader.readU8(nPackFlag) || !reader.readRawU32(nCode) ||
+            (nLength != 0 && !reader.readData(nLength, data))) {
             return false;
         }
-        auto pobjPack = std::make_unique<EtFileDataPack>();
-        pobjPack->setDataBuffer(objData);
-        pobjPack->setPackFlag(nPackFlag);
-        appendBodyRecord(std::move(pobjPack), domains);
+        auto pPack = std::make_unique<EtFileDataPack>();
+        pPack->setDataBuffer(data);
+        pPack->setPackFlag(nPackFlag);
+        appendBodyRecord(std::move(pPack), domains);
         appendBodyResult(nCode, domains);
         return true;
     });

@@ -12,21 +12,21 @@ constexpr std::uint64_t FixedLength = 4;
 
 bool ParamImportReqBodyParser::createCommandBody(
     const std::vector<SafePointer<BaseDomain>>& domains, CommandBuffer& out) const {
-    const auto* pobjData = findBodyRecord<DataBuffer>(domains);
-    return pobjData && out.allocate(FixedLength + lengthOf(*pobjData)) &&
-           appendU32(lengthOf(*pobjData), out) && appendData(*pobjData, out);
+    const auto* pData = findBodyRecord<DataBuffer>(domains);
+    return pData && out.allocate(FixedLength + lengthOf(*pData)) &&
+           appendU32(lengthOf(*pData), out) && appendData(*pData, out);
 }
 
 bool ParamImportReqBodyParser::parseCommandBody(
     const CommandBuffer& in, std::vector<SafePointer<BaseDomain>>& domains) const {
     return guardRoom([&] {
-        BodyReader objReader(in);
+        BodyReader reader(in);
         std::uint32_t nLength = 0;
-        auto pobjData = std::make_unique<DataBuffer>();
-        if (!objReader.readU32(nLength) || !objReader.readData(nLength, *pobjData)) {
+        auto pData = std::make_unique<DataBuffer>();
+        if (!reader.readU32(nLength) || !reader.readData(nLength, *pData)) {
             return false;
         }
-        appendBodyRecord(std::move(pobjData), domains);
+        appendBodyRecord(std::move(pData), domains);
         return true;
     });
 }

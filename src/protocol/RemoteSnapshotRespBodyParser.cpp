@@ -13,28 +13,28 @@ constexpr std::uint64_t FixedLength = 8;
 
 bool RemoteSnapshotRespBodyParser::createCommandBody(
     const std::vector<SafePointer<BaseDomain>>& domains, CommandBuffer& out) const {
-    const auto* pobjData = findBodyRecord<DataBuffer>(domains);
-    const auto* pobjResult = findBodyRecord<EtResult>(domains);
-    if (!pobjData || !pobjResult) {
+    const auto* pData = findBodyRecord<DataBuffer>(domains);
+    const auto* pResult = findBodyRecord<EtResult>(domains);
+    if (!pData || !pResult) {
         return false;
     }
-    return out.allocate(FixedLength + lengthOf(*pobjData)) && appendU32(lengthOf(*pobjData), out) &&
-           appendU32(static_cast<std::uint32_t>(pobjResult->getCode()), out) &&
-           appendData(*pobjData, out);
+    return out.allocate(FixedLength + lengthOf(*pData)) && appendU32(lengthOf(*pData), out) &&
+           appendU32(static_cast<std::uint32_t>(pResult->getCode()), out) &&
+           appendData(*pData, out);
 }
 
 bool RemoteSnapshotRespBodyParser::parseCommandBody(
     const CommandBuffer& in, std::vector<SafePointer<BaseDomain>>& domains) const {
     return guardRoom([&] {
-        BodyReader objReader(in);
+        BodyReader reader(in);
         std::uint32_t nLength = 0;
         std::uint32_t nCode = 0;
-        auto pobjData = std::make_unique<DataBuffer>();
-        if (!objReader.readU32(nLength) || !objReader.readU32(nCode) ||
-            !objReader.readData(nLength, *pobjData)) {
+        auto pData = std::make_unique<DataBuffer>();
+        if (!reader.readU32(nLength) || !reader.readU32(nCode) ||
+            !reader.readData(nLength, *pData)) {
             return false;
         }
-        appendBodyRecord(std::move(pobjData), domains);
+        appendBodyRecord(std::move(pData), domains);
         appendBodyResult(nCode, domains);
         return true;
     });

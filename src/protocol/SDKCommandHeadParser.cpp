@@ -17,18 +17,18 @@ std::uint32_t SDKCommandHeadParser::getCommandHeadLength() const {
 
 bool SDKCommandHeadParser::createCommandHead(const SafePointer<CommandHeadInfo>& head,
                                              CommandBuffer& out) const {
-    const auto& objHead = static_cast<const SDKCommandHeadInfo&>(*head);
-    return objHead.getHeadKind() == WritableHeadKind && encodeCommandHead(objHead, out);
+    const auto& sdkHead = static_cast<const SDKCommandHeadInfo&>(*head);
+    return sdkHead.getHeadKind() == WritableHeadKind && encodeCommandHead(sdkHead, out);
 }
 
 bool SDKCommandHeadParser::parseCommandHead(const std::uint8_t* pBytes, std::uint32_t nLength,
                                             SafePointer<CommandHeadInfo>& head) const {
-    SDKCommandHeadInfo objDecoded;
-    if (!decodeCommandHead(pBytes, nLength, objDecoded)) {
+    SDKCommandHeadInfo decoded;
+    if (!decodeCommandHead(pBytes, nLength, decoded)) {
         return false;
     }
     return guardRoom([&] {
-        head = wrapSafe<CommandHeadInfo>(std::make_unique<SDKCommandHeadInfo>(objDecoded));
+        head = wrapSafe<CommandHeadInfo>(std::make_unique<SDKCommandHeadInfo>(decoded));
         return true;
     });
 }

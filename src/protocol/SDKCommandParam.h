@@ -17,8 +17,8 @@ class SDKCommandParam : public CommandParam {
 public:
     SDKCommandParam() noexcept : CommandParam(ProtocolType::SDK) {}
 
-    const SDKCommandHeadInfo& getHead() const noexcept { return m_objHeadInfo; }
-    void setHead(const SDKCommandHeadInfo& head) noexcept { m_objHeadInfo = head; }
+    const SDKCommandHeadInfo& getHead() const noexcept { return m_headInfo; }
+    void setHead(const SDKCommandHeadInfo& head) noexcept { m_headInfo = head; }
 
     const std::vector<SafePointer<BaseDomain>>& getDomains() const noexcept { return m_vecDomains; }
     void setDomains(std::vector<SafePointer<BaseDomain>> domains) {
@@ -26,6 +26,6 @@ public:
     }
 
 private:
-    SDKCommandHeadInfo m_objHeadInfo;
+    SDKCommandHeadInfo m_headInfo;
     std::vector<SafePointer<BaseDomain>> m_vecDomains;
 };

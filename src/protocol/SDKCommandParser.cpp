@@ -24,62 +24,61 @@ bool SDKCommandParser::createCommand(const SafePointer<CommandParam>& param,
     if (param.isNull() || param->getProtocolType() != ProtocolType::SDK) {
         return false;
     }
-    const auto& objParam = static_cast<const SDKCommandParam&>(*param);
-    const std::uint32_t nCommandID = objParam.getHead().getCommandID();
-    const auto pobjBodyParser = createBodyParser(nCommandID);
-    if (!pobjBodyParser) {
+    const auto& command = static_cast<const SDKCommandParam&>(*param);
+    const std::uint32_t nCommandID = command.getHead().getCommandID();
+    const auto pBodyParser = createBodyParser(nCommandID);
+    if (!pBodyParser) {
         logMessage(LogLevel::Failure, SourceName,
                    "SDKCommandParser::createCommand nCommandId = %d createBodyParser failed \n",
                    nCommandID);
         return false;
     }
-    CommandBuffer objBody;
-    if (!pobjBodyParser->createCommandBody(objParam.getDomains(), objBody)) {
+    CommandBuffer body;
+    if (!pBodyParser->createCommandBody(command.getDomains(), body)) {
         logMessage(LogLevel::Failure, SourceName,
                    "SDKCommandParser::createCommand  nCommandId = %d createCommandBody failed \n",
                    nCommandID);
         return false;
     }
-    return joinCommand(objParam.getHead(), ProtocolType::SDK, objBody, out);
+    return joinCommand(command.getHead(), ProtocolType::SDK, body, out);
 }
 
 bool SDKCommandParser::parseCommand(const CommandBuffer& in, SafePointer<CommandParam>& out) const {
-    SDKCommandHeadInfo objHead;
-    if (!decodeCommandHead(in.data(), in.getLength(), objHead)) {
+    SDKCommandHeadInfo head;
+    if (!decodeCommandHead(in.data(), in.getLength(), head)) {
         return false;
     }
-    logMessage(LogLevel::Trace, SourceName, "recv:nPayloadLength =%d\n\n",
-               objHead.getPayloadLength());
-    CommandBuffer objPayload;
-    if (!copyPayload(in, objHead, objPayload)) {
+    logMessage(LogLevel::Trace, SourceName, "recv:nPayloadLength =%d\n\n", head.getPayloadLength());
+    CommandBuffer payload;
+    if (!copyPayload(in, head, payload)) {
         return false;
     }
-    const std::uint32_t nCommandID = objHead.getCommandID();
+    const std::uint32_t nCommandID = head.getCommandID();
     logMessage(LogLevel::Trace, SourceName, "recv:nCommandID =%d\n %s\n", nCommandID,
-               reinterpret_cast<const char*>(objPayload.data()));
-    const auto pobjBodyParser = createBodyParser(nCommandID);
-    if (!pobjBodyParser) {
+               reinterpret_cast<const char*>(payload.data()));
+    const auto pBodyParser = createBodyParser(nCommandID);
+    if (!pBodyParser) {
         logMessage(LogLevel::Failure, SourceName,
                    "SDKCommandParser::parseCommand nCommandId = %d createBodyParser failed \n",
                    nCommandID);
         return false;
     }
-    const ICommandBodyParser& objBodyParser = *pobjBodyParser;
+    const ICommandBodyParser& bodyParser = *pBodyParser;
     logMessage(LogLevel::Trace, SourceName,
                "SDKCommandParser::parseCommand  CommandBodyParser name is %s\n",
-               typeid(objBodyParser).name());
+               typeid(bodyParser).name());
     std::vector<SafePointer<BaseDomain>> vecDomains;
-    if (!objBodyParser.parseCommandBody(objPayload, vecDomains)) {
+    if (!bodyParser.parseCommandBody(payload, vecDomains)) {
         logMessage(LogLevel::Failure, SourceName,
                    "SDKCommandParser::parseCommand  nCommandId = %d parseCommandBody failed \n",
                    nCommandID);
         return false;
     }
     return guardRoom([&] {
-        auto pobjParam = std::make_unique<SDKCommandParam>();
-        pobjParam->setDomains(std::move(vecDomains));
-        pobjParam->setHead(objHead);
-        out = wrapSafe<CommandParam>(std::move(pobjParam));
+        auto pParam = std::make_unique<SDKCommandParam>();
+        pParam->setDomains(std::move(vecDomains));
+        pParam->setHead(head);
+        out = wrapSafe<CommandParam>(std::move(pParam));
         return true;
     });
 }

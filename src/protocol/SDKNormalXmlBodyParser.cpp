@@ -56,15 +56,15 @@ SDKNormalXmlBodyParser::SDKNormalXmlBodyParser() : m_vecTagMap{{EtResult::Domain
 
 bool SDKNormalXmlBodyParser::createCommandBody(const std::vector<SafePointer<BaseDomain>>& domains,
                                                CommandBuffer& out) const {
-    const XmlDocument objDocument("Parameters");
-    objDocument.root().setAttribute("Version", "1");
+    const XmlDocument document("Parameters");
+    document.root().setAttribute("Version", "1");
     std::string strTag;
     for (const auto& record : domains) {
-        if (findTag(*record, strTag) && !writeRecord(*record, strTag, objDocument.root())) {
+        if (findTag(*record, strTag) && !writeRecord(*record, strTag, document.root())) {
             return false;
         }
     }
-    const std::string strText = objDocument.root().text();
+    const std::string strText = document.root().text();
     logMessage(LogLevel::Trace, SourceName, "%s \n", strText.c_str());
     return out.allocate(std::uint64_t{DeclarationLength} + strText.size() + 1) &&
            appendText(Declaration, DeclarationLength, out) &&
@@ -101,29 +101,29 @@ bool SDKNormalXmlBodyParser::makeRecord(const std::string& strTag,
     if (createSpecialDomain(strTag, out)) {
         return true;
     }
-    auto pobjRecord = createDomain(strTag);
-    if (!pobjRecord) {
+    auto pRecord = createDomain(strTag);
+    if (!pRecord) {
         return false;
     }
-    out = wrapSafe(std::move(pobjRecord));
+    out = wrapSafe(std::move(pRecord));
     return true;
 }
 
 bool SDKNormalXmlBodyParser::parseDocument(const char* szText,
                                            std::vector<SafePointer<BaseDomain>>& domains) const {
-    const XmlDocument objDocument = XmlDocument::parse(szText);
-    if (!objDocument.root()) {
+    const XmlDocument document = XmlDocument::parse(szText);
+    if (!document.root()) {
         return false;
     }
-    for (XmlCursor child = objDocument.root().firstChild(); child; child = child.next()) {
-        SafePointer<BaseDomain> objRecord;
-        if (!makeRecord(child.name(), objRecord)) {
+    for (XmlCursor child = document.root().firstChild(); child; child = child.next()) {
+        SafePointer<BaseDomain> record;
+        if (!makeRecord(child.name(), record)) {
             continue;
         }
-        if (!readRecord(child, *objRecord)) {
+        if (!readRecord(child, *record)) {
             return false;
         }
-        domains.push_back(objRecord);
+        domains.push_back(record);
     }
     return true;
 }

@@ -21,104 +21,104 @@ bool ITransfer::setCommandHeadParser(const SafePointer<ICommandHeadParser>&) {
 
 int ITransfer::createSocket() {
     const auto nType = m_nTransferType == TransferKind::UDP ? Socket::Datagram : Socket::Stream;
-    m_pobjSocket = std::make_unique<Socket>(m_nIPProtoVer, nType);
-    if (!m_pobjSocket->open()) {
-        m_pobjSocket.reset();
+    m_pSocket = std::make_unique<Socket>(m_nIPProtoVer, nType);
+    if (!m_pSocket->open()) {
+        m_pSocket.reset();
         return ErrorCode::SocketOpenFailed;
     }
     return ErrorCode::Success;
 }
 
 int ITransfer::close() {
-    m_pobjSocket.reset();
+    m_pSocket.reset();
     return ErrorCode::Success;
 }
 
 int ITransfer::setReuseAddr(int nReuse) {
-    if (!m_pobjSocket) {
+    if (!m_pSocket) {
         return ErrorCode::NoTransport;
     }
-    return codeOf(m_pobjSocket->setReuseAddr(nReuse != 0), ErrorCode::ReuseAddrFailed);
+    return codeOf(m_pSocket->setReuseAddr(nReuse != 0), ErrorCode::ReuseAddrFailed);
 }
 
 int ITransfer::bind(std::uint16_t nPort) {
-    if (!m_pobjSocket) {
+    if (!m_pSocket) {
         return ErrorCode::NoTransport;
     }
-    return codeOf(m_pobjSocket->bind(nullptr, nPort), ErrorCode::BindFailed);
+    return codeOf(m_pSocket->bind(nullptr, nPort), ErrorCode::BindFailed);
 }
 
 int ITransfer::bind(const InetAddr& address) {
-    if (!m_pobjSocket) {
+    if (!m_pSocket) {
         return ErrorCode::NoTransport;
     }
-    return codeOf(m_pobjSocket->bind(address), ErrorCode::BindFailed);
+    return codeOf(m_pSocket->bind(address), ErrorCode::BindFailed);
 }
 
 bool ITransfer::getLocalAddr(InetAddr& address) {
-    return m_pobjSocket && m_pobjSocket->getLocalAddress(address);
+    return m_pSocket && m_pSocket->getLocalAddress(address);
 }
 
 void ITransfer::setSocket(Socket* pSocket) {
-    if (pSocket != m_pobjSocket.get()) {
-        m_pobjSocket.reset(pSocket);
+    if (pSocket != m_pSocket.get()) {
+        m_pSocket.reset(pSocket);
     }
 }
 
 Socket* ITransfer::getSocket() {
-    return m_pobjSocket.get();
+    return m_pSocket.get();
 }
 
 int ITransfer::connect(const InetAddr& address, int nTimeoutMs) {
-    if (!m_pobjSocket) {
+    if (!m_pSocket) {
         return ErrorCode::NoTransport;
     }
-    return codeOf(m_pobjSocket->connect(address, nTimeoutMs), ErrorCode::ConnectFailed);
+    return codeOf(m_pSocket->connect(address, nTimeoutMs), ErrorCode::ConnectFailed);
 }
 
 int ITransfer::connect(const InetAddr& address) {
-    if (!m_pobjSocket) {
+    if (!m_pSocket) {
         return ErrorCode::NoTransport;
     }
-    return codeOf(m_pobjSocket->connect(address), ErrorCode::ConnectFailed);
+    return codeOf(m_pSocket->connect(address), ErrorCode::ConnectFailed);
 }
 
 bool ITransfer::setBroadcast(bool bBroadcast) {
-    return m_pobjSocket && m_pobjSocket->setBroadcast(bBroadcast);
+    return m_pSocket && m_pSocket->setBroadcast(bBroadcast);
 }
 
 bool ITransfer::joinGroup(const InetAddr& group) {
-    return m_pobjSocket && m_pobjSocket->joinGroup(group);
+    return m_pSocket && m_pSocket->joinGroup(group);
 }
 
 bool ITransfer::openGroup(const InetAddr& group) {
-    return m_pobjSocket && m_pobjSocket->openGroup(group);
+    return m_pSocket && m_pSocket->openGroup(group);
 }
 
 int ITransfer::getIPProtoVer() {
-    return m_pobjSocket && m_pobjSocket->getIPVersion() == 2 ? 2 : 1;
+    return m_pSocket && m_pSocket->getIPVersion() == 2 ? 2 : 1;
 }
 
 bool ITransfer::setRecvBufferSize(std::int32_t nSize) {
-    return m_pobjSocket && m_pobjSocket->setRecvBufferSize(nSize);
+    return m_pSocket && m_pSocket->setRecvBufferSize(nSize);
 }
 
 bool ITransfer::setSendBufferSize(std::int32_t nSize) {
-    return m_pobjSocket && m_pobjSocket->setSendBufferSize(nSize);
+    return m_pSocket && m_pSocket->setSendBufferSize(nSize);
 }
 
 bool ITransfer::setNonBlocking(bool bNonBlocking) {
-    return m_pobjSocket && m_pobjSocket->setNonBlocking(bNonBlocking);
+    return m_pSocket && m_pSocket->setNonBlocking(bNonBlocking);
 }
 
 bool ITransfer::setNoDelay() {
-    return m_pobjSocket && m_pobjSocket->setNoDelay();
+    return m_pSocket && m_pSocket->setNoDelay();
 }
 
 bool ITransfer::getRecvBufferSize(std::int32_t* pSize) {
-    return m_pobjSocket && m_pobjSocket->getRecvBufferSize(pSize);
+    return m_pSocket && m_pSocket->getRecvBufferSize(pSize);
 }
 
 bool ITransfer::getSendBufferSize(std::int32_t* pSize) {
-    return m_pobjSocket && m_pobjSocket->getSendBufferSize(pSize);
+    return m_pSocket && m_pSocket->getSendBufferSize(pSize);
 }

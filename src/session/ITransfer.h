@@ -79,7 +79,7 @@ protected:
     // Makes and opens the socket that this kind of transport needs.
     int createSocket();
 
-    std::unique_ptr<Socket> m_pobjSocket;
+    std::unique_ptr<Socket> m_pSocket;
     const int m_nIPProtoVer;
     const std::uint8_t m_bReserved = 0;  // part of the shape on devices, unread here
     const int m_nTransferType;           // a `TransferKind`

@@ -42,24 +42,24 @@ int TCPTransfer::create() {
 }
 
 int TCPTransfer::sendCommand(const CommandBuffer& buffer, const InetAddr&, int nTimeoutMs) {
-    if (!m_pobjSocket) {
+    if (!m_pSocket) {
         return ErrorCode::NoTransport;
     }
-    const std::int32_t nRet = m_pobjSocket->send(
-        buffer.data(), static_cast<std::int32_t>(buffer.getLength()), nTimeoutMs);
+    const std::int32_t nRet =
+        m_pSocket->send(buffer.data(), static_cast<std::int32_t>(buffer.getLength()), nTimeoutMs);
     if (nRet == ISocket::Failed) {
-        logMessage(LogLevel::Trace, SourceName, "[%s %s %d] m_pobjSocket->send() nRet=%d Failed\n",
+        logMessage(LogLevel::Trace, SourceName, "[%s %s %d] m_pSocket->send() nRet=%d Failed\n",
                    SourceName, "TCPTransfer::sendCommand", __LINE__, nRet);
     }
     return codeOfCount(nRet, buffer);
 }
 
 int TCPTransfer::sendCommand(const CommandBuffer& buffer, const InetAddr&) {
-    if (!m_pobjSocket) {
+    if (!m_pSocket) {
         return ErrorCode::NoTransport;
     }
     return codeOfCount(
-        m_pobjSocket->send(buffer.data(), static_cast<std::int32_t>(buffer.getLength()), true),
+        m_pSocket->send(buffer.data(), static_cast<std::int32_t>(buffer.getLength()), true),
         buffer);
 }
 
@@ -67,7 +67,7 @@ int TCPTransfer::recvCommand(CommandBuffer& buffer, int nTimeoutMs, InetAddr& fr
     const int nResult = recvWhole(buffer, readWithin, nTimeoutMs);
     m_bHeadReceived = false;
     if (nResult == ErrorCode::Success) {
-        from = m_pobjSocket->getAddress();
+        from = m_pSocket->getAddress();
     }
     return nResult;
 }
@@ -81,18 +81,18 @@ int TCPTransfer::recvCommand(CommandBuffer& buffer) {
 }
 
 int TCPTransfer::listen(int nBacklog) {
-    if (!m_pobjSocket) {
+    if (!m_pSocket) {
         return ErrorCode::NoTransport;
     }
-    return m_pobjSocket->listen(nBacklog) ? ErrorCode::Success : ErrorCode::ListenFailed;
+    return m_pSocket->listen(nBacklog) ? ErrorCode::Success : ErrorCode::ListenFailed;
 }
 
 int TCPTransfer::accept(ITransfer& peer, int nTimeoutMs) {
-    if (!m_pobjSocket) {
+    if (!m_pSocket) {
         return ErrorCode::NoTransport;
     }
-    auto pAccepted = std::make_unique<Socket>(m_pobjSocket->getIPVersion(), Socket::Stream);
-    const std::int32_t nResult = m_pobjSocket->accept(*pAccepted, nTimeoutMs);
+    auto pAccepted = std::make_unique<Socket>(m_pSocket->getIPVersion(), Socket::Stream);
+    const std::int32_t nResult = m_pSocket->accept(*pAccepted, nTimeoutMs);
     if (nResult < 0) {
         return nResult == ISocket::TimedOut ? ErrorCode::AcceptTimedOut : ErrorCode::AcceptFailed;
     }
@@ -101,11 +101,11 @@ int TCPTransfer::accept(ITransfer& peer, int nTimeoutMs) {
 }
 
 int TCPTransfer::getPeerAddr(InetAddr& address) {
-    if (!m_pobjSocket) {
+    if (!m_pSocket) {
         address = InetAddr();
         return ErrorCode::NoTransport;
     }
-    address = m_pobjSocket->getAddress();
+    address = m_pSocket->getAddress();
     return ErrorCode::Success;
 }
 
@@ -138,7 +138,7 @@ int TCPTransfer::recvHead(Read read, int nTimeoutMs) {
     if (!m_bHeadReceived && m_pHeadParser.isNull()) {
         return ErrorCode::ReceiveFailed;
     }
-    if (!m_pobjSocket) {
+    if (!m_pSocket) {
         return ErrorCode::NoTransport;
     }
     if (m_bHeadReceived) {
@@ -148,7 +148,7 @@ int TCPTransfer::recvHead(Read read, int nTimeoutMs) {
     while (m_nHeadBytes < nHeadLength) {
         const auto nMissing = static_cast<std::int32_t>(m_headBuffer.size() - m_nHeadBytes);
         const int nResult =
-            read(*m_pobjSocket, m_headBuffer.data() + m_nHeadBytes, nMissing, nTimeoutMs);
+            read(*m_pSocket, m_headBuffer.data() + m_nHeadBytes, nMissing, nTimeoutMs);
         if (nResult < 0) {
             return nResult;
         }
@@ -182,7 +182,7 @@ int TCPTransfer::recvPayload(CommandBuffer& buffer, Read read, int nTimeoutMs) {
             return ErrorCode::NoMemory;
         }
         const std::uint32_t nRoom = buffer.getCapacity() - buffer.getLength();
-        const int nResult = read(*m_pobjSocket, buffer.data() + buffer.getLength(),
+        const int nResult = read(*m_pSocket, buffer.data() + buffer.getLength(),
                                  static_cast<std::int32_t>(nRoom), nTimeoutMs);
         if (nResult < 0) {
             return nResult;

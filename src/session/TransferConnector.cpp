@@ -8,14 +8,14 @@
 #include "session/TransferFactoryMap.h"
 
 InetAddr getDialAddr(const DeviceInfoEx& info) {
-    const InetAddr& objDevice = info.getDeviceAddr();
+    const InetAddr& device = info.getDeviceAddr();
     const bool bMapped = info.getRouterMappingEnableFlag();
-    const std::string strHost = bMapped ? info.getRouterAddr() : objDevice.getIP();
-    InetAddr objDial;
-    IPTool().getInetAddr(strHost.c_str(), objDial);
-    objDial.setPORT(bMapped ? info.getRouterMappingControlPort() : objDevice.getPORT());
-    objDial.setIPProtoVer(objDevice.getIPProtoVer());
-    return objDial;
+    const std::string strHost = bMapped ? info.getRouterAddr() : device.getIP();
+    InetAddr dial;
+    IPTool().getInetAddr(strHost.c_str(), dial);
+    dial.setPORT(bMapped ? info.getRouterMappingControlPort() : device.getPORT());
+    dial.setIPProtoVer(device.getIPProtoVer());
+    return dial;
 }
 
 TransferConnector::TransferConnector() {

@@ -17,11 +17,11 @@ int UDPTransfer::create() {
 }
 
 int UDPTransfer::sendCommand(const CommandBuffer& buffer, const InetAddr& to, int) {
-    if (!m_pobjSocket) {
+    if (!m_pSocket) {
         return ErrorCode::NoTransport;
     }
     const std::int32_t nRet =
-        m_pobjSocket->sendTo(buffer.data(), static_cast<std::int32_t>(buffer.getLength()), to);
+        m_pSocket->sendTo(buffer.data(), static_cast<std::int32_t>(buffer.getLength()), to);
     if (nRet == ISocket::TimedOut) {
         return ErrorCode::SendTimedOut;
     }
@@ -33,14 +33,14 @@ int UDPTransfer::sendCommand(const CommandBuffer&, const InetAddr&) {
 }
 
 int UDPTransfer::recvCommand(CommandBuffer& buffer, int nTimeoutMs, InetAddr& from) {
-    if (!m_pobjSocket) {
+    if (!m_pSocket) {
         return ErrorCode::NoTransport;
     }
     if (!buffer.allocate(MaxDatagram)) {
         traceMessage("p_objRecvBuf.alloc failed ", SourceName, __LINE__);
         return ErrorCode::NoMemory;
     }
-    const std::int32_t nRet = m_pobjSocket->recvFrom(
+    const std::int32_t nRet = m_pSocket->recvFrom(
         buffer.data(), static_cast<std::int32_t>(buffer.getCapacity()), from, nTimeoutMs);
     if (nRet == ISocket::TimedOut) {
         return ErrorCode::ReceiveTimedOut;
@@ -67,6 +67,6 @@ int UDPTransfer::accept(ITransfer&, int) {
 }
 
 int UDPTransfer::getPeerAddr(InetAddr& address) {
-    address = m_pobjSocket ? m_peerAddr : InetAddr();
-    return m_pobjSocket ? ErrorCode::Success : ErrorCode::NoTransport;
+    address = m_pSocket ? m_peerAddr : InetAddr();
+    return m_pSocket ? ErrorCode::Success : ErrorCode::NoTransport;
 }

@@ -71,7 +71,7 @@ class Generate(SchemaCase):
             '    std::string m_strName = "front";',
             "    unsigned short m_nPort = 80;",
             "    float m_fHeight = 2.0F;",
-            "    Latch m_objLatch;",
+            "    Latch m_latch;",
             "    std::vector<Latch> m_vecLatches;",
             "    std::vector<int> m_vecCodes;",
             "    std::optional<std::vector<std::uint8_t>> m_optPicture;",

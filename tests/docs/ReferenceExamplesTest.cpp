@@ -46,13 +46,13 @@ void checkExample(const RecordDescriptor& descriptor, const std::string& strText
 }
 
 TEST(ReferenceExamples, AreWhatTheMappersReadAndWrite) {
-    std::ifstream objFile(REFERENCE_EXAMPLES);
+    std::ifstream file(REFERENCE_EXAMPLES);
     std::size_t nCount = 0;
     std::size_t nTwoWay = 0;
-    for (std::string strClass; std::getline(objFile, strClass); ++nCount) {
+    for (std::string strClass; std::getline(file, strClass); ++nCount) {
         SCOPED_TRACE(strClass);
         std::string strText;
-        for (std::string strLine; std::getline(objFile, strLine) && !strLine.empty();) {
+        for (std::string strLine; std::getline(file, strLine) && !strLine.empty();) {
             strText += strLine + "\n";
         }
         const RecordDescriptor* pDescriptor = findRecordDescriptor(strClass);

@@ -136,11 +136,11 @@ std::vector<Call> calls() {
         reading("getTimeZoneParam", FleetKit::getTimeZoneParam),
         reading("getNTPParam", FleetKit::getNTPParam),
         reading("getProtocolSecurityParam", FleetKit::getProtocolSecurityParam),
-        setting("setTimeZoneParam", FleetKit::setTimeZoneParam, &DeviceState::objTimeZone),
-        setting("setNTPParam", FleetKit::setNTPParam, &DeviceState::objNTP),
-        setting("setDevicePort", FleetKit::setDevicePort, &DeviceState::objPorts),
+        setting("setTimeZoneParam", FleetKit::setTimeZoneParam, &DeviceState::timeZone),
+        setting("setNTPParam", FleetKit::setNTPParam, &DeviceState::ntp),
+        setting("setDevicePort", FleetKit::setDevicePort, &DeviceState::ports),
         setting("setProtocolSecurityParam", FleetKit::setProtocolSecurityParam,
-                &DeviceState::objSecurity),
+                &DeviceState::security),
         ability("getVideoAbility", FleetKit::getVideoAbility),
         ability("getOSDAbility", FleetKit::getOSDAbility),
         ability("getAudioAbility", FleetKit::getAudioAbility),
@@ -389,10 +389,10 @@ TEST(FacadeAgainstDevice, AResetBringsTheFactoryStateBackButForWhatItIsToHold) {
         EXPECT_EQ(FleetKit::setNTPParam(site.hCamera, NTPParam()), ErrorCode::Success);
         EXPECT_EQ(FleetKit::setDevicePort(site.hCamera, ports), ErrorCode::Success);
         EXPECT_EQ(FleetKit::setDeviceReset(site.hCamera, {1}), ErrorCode::Success);
-        EXPECT_TRUE(site.camera.getState().objNTP == factory.objNTP);
-        EXPECT_TRUE(site.camera.getState().objPorts == ports);
+        EXPECT_TRUE(site.camera.getState().ntp == factory.ntp);
+        EXPECT_TRUE(site.camera.getState().ports == ports);
         EXPECT_EQ(FleetKit::setDeviceReset(site.hCamera, {}), ErrorCode::Success);
-        EXPECT_TRUE(site.camera.getState().objPorts == factory.objPorts);
+        EXPECT_TRUE(site.camera.getState().ports == factory.ports);
     });
 }
 

@@ -40,14 +40,14 @@ int setAddress() {
     return nCode;
 }
 
-void besideDevice(const std::string& strOptions, const std::function<void()>& objBody) {
+void besideDevice(const std::string& strOptions, const std::function<void()>& body) {
     const std::string strProgram =
         VIRTUAL_DEVICE_PROGRAM +
         (" --multicast --device-id mine --port 40000 --seconds 60 --bind " +
          std::string(NeighbourAddress) + strOptions);
     const bool bRan = runBesideHost(strProgram, [&](const NeighbourHost& host) {
         ASSERT_THAT(host.readLine(), testing::HasSubstr("listening on"));
-        objBody();
+        body();
     });
     if (!bRan) {
         GTEST_SKIP() << "no two hosts can be made here: no network namespaces, or no program ip";

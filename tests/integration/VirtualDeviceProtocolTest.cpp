@@ -54,7 +54,7 @@ DeviceTime time(int nYear, int nMonth, int nDay, int nHour) {
 }
 
 struct Reply {
-    SDKCommandHeadInfo objHead;
+    SDKCommandHeadInfo head;
     Records vecRecords;
 
     int code() const {
@@ -67,13 +67,13 @@ class RawClient {
 public:
     explicit RawClient(const VirtualDevice& device) {
         const InetAddr address = loginData(device.getPort()).getDeviceAddr();
-        EXPECT_EQ(m_objTransfer.create(), ErrorCode::Success);
-        EXPECT_EQ(m_objTransfer.connect(address, TimeoutMs), ErrorCode::Success);
-        m_objTransfer.setCommandHeadParser(createCommandHeadParser(1));
+        EXPECT_EQ(m_transfer.create(), ErrorCode::Success);
+        EXPECT_EQ(m_transfer.connect(address, TimeoutMs), ErrorCode::Success);
+        m_transfer.setCommandHeadParser(createCommandHeadParser(1));
     }
 
     void send(const std::string& strBytes) {
-        EXPECT_EQ(m_objTransfer.sendCommand(bufferOf(strBytes), {}, TimeoutMs), ErrorCode::Success);
+        EXPECT_EQ(m_transfer.sendCommand(bufferOf(strBytes), {}, TimeoutMs), ErrorCode::Success);
     }
 
     void send(std::uint32_t nCommandId, const Records& vecRecords) {
@@ -91,17 +91,17 @@ public:
 
     int receive(CommandBuffer& buffer) {
         InetAddr from;
-        return m_objTransfer.recvCommand(buffer, TimeoutMs, from);
+        return m_transfer.recvCommand(buffer, TimeoutMs, from);
     }
 
     // One exchange, with a reply that belongs to its request.
     Reply ask(std::uint32_t nCommandId, const Records& vecRecords = onChannel(-1)) {
         send(nCommandId, vecRecords);
         const Reply reply = receive();
-        EXPECT_EQ(reply.objHead.getSequence(), m_nSequence) << nCommandId;
-        EXPECT_EQ(reply.objHead.getSessionId(), m_nSession) << nCommandId;
+        EXPECT_EQ(reply.head.getSequence(), m_nSequence) << nCommandId;
+        EXPECT_EQ(reply.head.getSessionId(), m_nSession) << nCommandId;
         const CommandDescriptor* pCommand = findCommand(nCommandId);
-        EXPECT_EQ(reply.objHead.getCommandID(), pCommand ? pCommand->nResponseId : 10000U)
+        EXPECT_EQ(reply.head.getCommandID(), pCommand ? pCommand->nResponseId : 10000U)
             << nCommandId;
         return reply;
     }
@@ -118,19 +118,19 @@ public:
     std::uint16_t m_nSequence = 0;
 
 private:
-    TCPTransfer m_objTransfer{1};
+    TCPTransfer m_transfer{1};
 };
 
 class VirtualDeviceTest : public testing::Test {
 protected:
-    void SetUp() override { ASSERT_EQ(m_objClient.login(), DeviceResult::Success); }
+    void SetUp() override { ASSERT_EQ(m_client.login(), DeviceResult::Success); }
 
-    VirtualDevice m_objDevice;
-    RawClient m_objClient{m_objDevice};
+    VirtualDevice m_device;
+    RawClient m_client{m_device};
 };
 
 TEST_F(VirtualDeviceTest, RefusesWrongCredentials) {
-    RawClient other(m_objDevice);
+    RawClient other(m_device);
     const std::string strRight = enciphered("admin");
     for (const auto& vecWrong :
          {credentials(strRight, enciphered("wrong")), credentials(enciphered("nobody"), strRight),
@@ -138,48 +138,48 @@ TEST_F(VirtualDeviceTest, RefusesWrongCredentials) {
         EXPECT_EQ(other.ask(11001, vecWrong).code(), DeviceResult::WrongCredentials);
     }
     EXPECT_EQ(other.ask(11001, {}).code(), DeviceResult::MissingRecord);
-    EXPECT_EQ(m_objDevice.sessionCount(), 1U);
+    EXPECT_EQ(m_device.sessionCount(), 1U);
     EXPECT_EQ(other.login(), DeviceResult::Success);
-    EXPECT_EQ(m_objDevice.sessionCount(), 2U);
+    EXPECT_EQ(m_device.sessionCount(), 2U);
 }
 
 TEST_F(VirtualDeviceTest, ASessionBelongsToItsConnectionAndEndsWithLogout) {
-    RawClient other(m_objDevice);
+    RawClient other(m_device);
     EXPECT_EQ(other.ask(GetTime).code(), DeviceResult::NoSession);
-    other.m_nSession = m_objClient.m_nSession;
+    other.m_nSession = m_client.m_nSession;
     EXPECT_EQ(other.ask(GetTime).code(), DeviceResult::NoSession);
     other.m_nSession = 0;
     ASSERT_EQ(other.login(), DeviceResult::Success);
     EXPECT_THAT(other.m_nSession,
-                testing::AllOf(testing::Ne(0U), testing::Ne(m_objClient.m_nSession)));
-    std::swap(other.m_nSession, m_objClient.m_nSession);
+                testing::AllOf(testing::Ne(0U), testing::Ne(m_client.m_nSession)));
+    std::swap(other.m_nSession, m_client.m_nSession);
     EXPECT_EQ(other.ask(GetTime).code(), DeviceResult::NoSession);
-    std::swap(other.m_nSession, m_objClient.m_nSession);
+    std::swap(other.m_nSession, m_client.m_nSession);
     EXPECT_EQ(other.ask(11003).code(), DeviceResult::Success);
     EXPECT_EQ(other.ask(GetTime).code(), DeviceResult::NoSession);
-    EXPECT_EQ(m_objClient.ask(GetTime).code(), DeviceResult::Success);
-    m_objDevice.dropSessions();
-    EXPECT_EQ(m_objClient.ask(GetTime).code(), DeviceResult::NoSession);
+    EXPECT_EQ(m_client.ask(GetTime).code(), DeviceResult::Success);
+    m_device.dropSessions();
+    EXPECT_EQ(m_client.ask(GetTime).code(), DeviceResult::NoSession);
 }
 
 TEST_F(VirtualDeviceTest, AKeepAliveNamesItsSession) {
     const auto keepAlive = [&](std::uint32_t nSession) {
         const auto session = with(&EtSessionId::setSessionId, static_cast<int>(nSession));
-        return m_objClient.ask(11007, recordsOf(session)).code();
+        return m_client.ask(11007, recordsOf(session)).code();
     };
-    EXPECT_EQ(keepAlive(m_objClient.m_nSession), DeviceResult::Success);
-    EXPECT_EQ(keepAlive(m_objClient.m_nSession + 1), DeviceResult::NoSession);
+    EXPECT_EQ(keepAlive(m_client.m_nSession), DeviceResult::Success);
+    EXPECT_EQ(keepAlive(m_client.m_nSession + 1), DeviceResult::NoSession);
 }
 
 TEST_F(VirtualDeviceTest, WhatACommandNeedsHasToBeThere) {
     for (const std::uint32_t nCommandId : {11007U, 18001U, 30033U, 30509U, 30517U, 30525U, 30547U,
                                            32023U, 32506U, 32714U, 33509U, 35010U, 35021U}) {
-        EXPECT_EQ(m_objClient.ask(nCommandId).code(), DeviceResult::MissingRecord) << nCommandId;
+        EXPECT_EQ(m_client.ask(nCommandId).code(), DeviceResult::MissingRecord) << nCommandId;
     }
 }
 
 TEST_F(VirtualDeviceTest, WhatCannotBeIsRefusedAndChangesNothing) {
-    const DeviceState before = m_objDevice.getState();
+    const DeviceState before = m_device.getState();
     auto vecStreams = before.vecStreams;
     vecStreams.front().setQuality(-7);
     const auto otherText = with(&OSDUserParam::setCameraId, 2);
@@ -211,10 +211,9 @@ TEST_F(VirtualDeviceTest, WhatCannotBeIsRefusedAndChangesNothing) {
         {35021, onChannel(2, listOf(before.vecOSD)), DeviceResult::NoSuchChannel},
     };
     for (const auto& one : Cases) {
-        EXPECT_EQ(m_objClient.ask(one.nCommandId, one.vecRequest).code(), one.nCode)
-            << one.nCommandId;
+        EXPECT_EQ(m_client.ask(one.nCommandId, one.vecRequest).code(), one.nCode) << one.nCommandId;
     }
-    const DeviceState after = m_objDevice.getState();
+    const DeviceState after = m_device.getState();
     EXPECT_TRUE(after.vecStreams == before.vecStreams);
     EXPECT_TRUE(after.vecHostNetworks == before.vecHostNetworks);
     EXPECT_EQ(after.strPassword, before.strPassword);
@@ -222,15 +221,15 @@ TEST_F(VirtualDeviceTest, WhatCannotBeIsRefusedAndChangesNothing) {
 
 TEST_F(VirtualDeviceTest, ATimeZoneHasADefaultAndANameInEachLanguage) {
     const Records vecZone = recordsOf(with(&KXInterger::setValue, 2), ChannelId());
-    const Reply zone = m_objClient.ask(30515, vecZone);
+    const Reply zone = m_client.ask(30515, vecZone);
     EXPECT_EQ(findRecord<TimeZoneParam>(zone.vecRecords)->getTimeZone(), 2);
-    const DeviceState state = m_objDevice.getState();
-    const Reply own = m_objClient.ask(30515);
-    EXPECT_TRUE(*findRecord<TimeZoneParam>(own.vecRecords) == state.objTimeZone);
+    const DeviceState state = m_device.getState();
+    const Reply own = m_client.ask(30515);
+    EXPECT_TRUE(*findRecord<TimeZoneParam>(own.vecRecords) == state.timeZone);
     std::set<std::string> setNames;
-    for (const LanguageType& language : state.objLanguages.getLanguageTypeList()) {
+    for (const LanguageType& language : state.languages.getLanguageTypeList()) {
         const auto languageId = with(&LanguageId::setId, language.getLanguageID());
-        const Reply names = m_objClient.ask(30033, onChannel(-1, languageId));
+        const Reply names = m_client.ask(30033, onChannel(-1, languageId));
         const auto* pNames = findRecord<TimeZoneAbility>(names.vecRecords);
         ASSERT_NE(pNames, nullptr);
         EXPECT_TRUE(*pNames == state.vecTimeZones.at(setNames.size()));
@@ -242,12 +241,12 @@ TEST_F(VirtualDeviceTest, ATimeZoneHasADefaultAndANameInEachLanguage) {
 TEST_F(VirtualDeviceTest, TheHostNetworkThatIsSetIsTold) {
     const auto network = with(&HostNetwork::setLocalIp, "192.0.2.7");
     const Records vecNetworks = onChannel(-1, listOf(std::vector{network}));
-    EXPECT_EQ(m_objClient.ask(32506, vecNetworks).code(), DeviceResult::Success);
-    const Reply networks = m_objClient.ask(32504);
+    EXPECT_EQ(m_client.ask(32506, vecNetworks).code(), DeviceResult::Success);
+    const Reply networks = m_client.ask(32504);
     const auto* pNetworks = findList<HostNetwork>(networks.vecRecords);
     ASSERT_TRUE(pNetworks && pNetworks->size() == 1);
     EXPECT_EQ(pNetworks->front().getLocalIp(), "192.0.2.7");
-    const Reply summary = m_objClient.ask(30541);
+    const Reply summary = m_client.ask(30541);
     EXPECT_EQ(findRecord<DeviceSummaryInfo>(summary.vecRecords)->getDeviceIP(), "192.0.2.7");
 }
 
@@ -270,13 +269,12 @@ TEST(VirtualDeviceClock, RunsOnFromWhatWasSet) {
 
 // A name that is misspelt in the factory state shows as a field that is zero, false or empty.
 TEST_F(VirtualDeviceTest, NoFieldOfACameraIsZeroWithoutReason) {
-    const DeviceState state = m_objDevice.getState();
+    const DeviceState state = m_device.getState();
     const std::string strBody = bodyOf(
-        recordsOf(state.objHardware, state.objSoftware, state.objLanguages, state.objVideo,
-                  state.objOSDAbility, state.objAudio, state.objPTZ, state.objNetworkCards,
-                  state.objMotion, state.objBlind, state.objSensor, state.objDisks, state.objUART,
-                  state.objSummary, state.objPorts, state.objTimeZone, state.objNTP,
-                  state.objSecurity, listOf(state.vecChannels), listOf(state.vecTimeZones),
+        recordsOf(state.hardware, state.software, state.languages, state.video, state.osdAbility,
+                  state.audio, state.ptz, state.networkCards, state.motion, state.blind,
+                  state.sensor, state.disks, state.uart, state.summary, state.ports, state.timeZone,
+                  state.ntp, state.security, listOf(state.vecChannels), listOf(state.vecTimeZones),
                   listOf(state.vecHostNetworks), listOf(state.vecStreams), listOf(state.vecOSD)));
     const std::regex zero("(\\w+)=\"(0|false|)\"|<\\w+List( /|></\\w+)>");
     std::set<std::string> setZeros;
@@ -297,21 +295,21 @@ TEST_F(VirtualDeviceTest, EveryOtherCommandOfTheCatalogueIsRefusedInItsOwnForm) 
         }
         ++nRefused;
         // One of the binary forms reads its code byte-swapped.
-        EXPECT_EQ(m_objClient.ask(command.nRequestId, vecAny).code(),
+        EXPECT_EQ(m_client.ask(command.nRequestId, vecAny).code(),
                   command.nResponseId == 15020 ? DeviceResult::NotSupported << 24
                                                : DeviceResult::NotSupported)
             << command.nRequestId;
     }
     EXPECT_EQ(nRefused, 509 - 39);
-    EXPECT_EQ(m_objClient.ask(99).code(), DeviceResult::UnknownCommand);
+    EXPECT_EQ(m_client.ask(99).code(), DeviceResult::UnknownCommand);
 }
 
 TEST_F(VirtualDeviceTest, ABodyThatDoesNotDecodeIsRefusedAndTheConnectionGoesOn) {
     for (const std::string& strBody : {std::string(), std::string("<<<"), std::string(2, '\0')}) {
-        m_objClient.send(peerMessage(headOf(32714), strBody));
-        EXPECT_EQ(m_objClient.receive().code(), DeviceResult::MalformedRequest);
+        m_client.send(peerMessage(headOf(32714), strBody));
+        EXPECT_EQ(m_client.receive().code(), DeviceResult::MalformedRequest);
     }
-    EXPECT_EQ(m_objClient.ask(GetTime).code(), DeviceResult::Success);
+    EXPECT_EQ(m_client.ask(GetTime).code(), DeviceResult::Success);
 }
 
 TEST_F(VirtualDeviceTest, AHeadThatIsNoneOrAnnouncesTooMuchEndsItsConnectionOnly) {
@@ -322,29 +320,29 @@ TEST_F(VirtualDeviceTest, AHeadThatIsNoneOrAnnouncesTooMuchEndsItsConnectionOnly
     const std::string strGreedy = bytesOf(buffer);
     const std::string strStrange = '\0' + strGreedy.substr(1);
     for (const std::string& strHead : {strGreedy, strStrange}) {
-        RawClient client(m_objDevice);
+        RawClient client(m_device);
         CommandBuffer nothing;
         client.send(strHead);
         EXPECT_EQ(client.receive(nothing), ErrorCode::ReceiveFailed);
     }
-    RawClient(m_objDevice).send(strGreedy.substr(0, 10));
-    EXPECT_EQ(m_objClient.ask(GetTime).code(), DeviceResult::Success);
+    RawClient(m_device).send(strGreedy.substr(0, 10));
+    EXPECT_EQ(m_client.ask(GetTime).code(), DeviceResult::Success);
 }
 
 // What the library gets along with; the rest shows by its codes.
 TEST_F(VirtualDeviceTest, MisbehavesInWaysThatDoNoHarm) {
-    m_objDevice.misbehave("protocol-type:30507", 1);
-    EXPECT_EQ(m_objClient.ask(GetTime).objHead.getProtocolType(), 3);
-    m_objDevice.misbehave("twice:30507", 1);
-    m_objClient.ask(GetTime);
-    EXPECT_EQ(m_objClient.receive().objHead.getSequence(), m_objClient.m_nSequence);
-    m_objDevice.misbehave("strays=2:30507", 1);
-    m_objClient.send(GetTime, onChannel(-1));
+    m_device.misbehave("protocol-type:30507", 1);
+    EXPECT_EQ(m_client.ask(GetTime).head.getProtocolType(), 3);
+    m_device.misbehave("twice:30507", 1);
+    m_client.ask(GetTime);
+    EXPECT_EQ(m_client.receive().head.getSequence(), m_client.m_nSequence);
+    m_device.misbehave("strays=2:30507", 1);
+    m_client.send(GetTime, onChannel(-1));
     for (const int nBehind : {1, 2, 0}) {
-        EXPECT_EQ(m_objClient.receive().objHead.getSequence(), m_objClient.m_nSequence - nBehind);
+        EXPECT_EQ(m_client.receive().head.getSequence(), m_client.m_nSequence - nBehind);
     }
     for (const char* szNone : {"sulk", "delay=x", "delay:"}) {
-        EXPECT_THROW(m_objDevice.misbehave(szNone), std::invalid_argument) << szNone;
+        EXPECT_THROW(m_device.misbehave(szNone), std::invalid_argument) << szNone;
     }
 }
 

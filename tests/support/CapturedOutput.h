@@ -6,8 +6,8 @@
 #include <string>
 
 template <class Action>
-std::string captureOutput(const Action& objAction) {
+std::string captureOutput(const Action& action) {
     testing::internal::CaptureStdout();
-    objAction();
+    action();
     return testing::internal::GetCapturedStdout();
 }

@@ -20,9 +20,9 @@ struct ChildResult {
 
 // Process-wide state that the body changes is gone with the child. Call it before the test has
 // started threads.
-inline ChildResult runInChild(const std::function<void()>& objBody) {
-    const TempDir objDir;
-    const std::string strOutput = objDir.file("output");
+inline ChildResult runInChild(const std::function<void()>& body) {
+    const TempDir dir;
+    const std::string strOutput = dir.file("output");
     fflush(stdout);
     const pid_t nChild = fork();
     if (nChild == 0) {
@@ -30,26 +30,26 @@ inline ChildResult runInChild(const std::function<void()>& objBody) {
             _exit(2);
         }
         try {
-            std::filesystem::current_path(objDir.getPath());
-            objBody();
-        } catch (const std::exception& objError) {
-            ADD_FAILURE() << "the child threw " << objError.what();
+            std::filesystem::current_path(dir.getPath());
+            body();
+        } catch (const std::exception& error) {
+            ADD_FAILURE() << "the child threw " << error.what();
         }
         fflush(stdout);
         _exit(testing::Test::HasFailure() ? 1 : 0);
     }
-    ChildResult objResult;
+    ChildResult result;
     int nStatus = 0;
     if (nChild > 0 && waitpid(nChild, &nStatus, 0) == nChild && WIFEXITED(nStatus)) {
-        objResult.m_nExitCode = WEXITSTATUS(nStatus);
+        result.m_nExitCode = WEXITSTATUS(nStatus);
     }
-    objResult.m_strOutput = readFile(strOutput);
-    return objResult;
+    result.m_strOutput = readFile(strOutput);
+    return result;
 }
 
 // The output of a child that has to hold all its checks.
-inline std::string outputOfChild(const std::function<void()>& objBody) {
-    const ChildResult objResult = runInChild(objBody);
-    EXPECT_EQ(objResult.m_nExitCode, 0) << objResult.m_strOutput;
-    return objResult.m_strOutput;
+inline std::string outputOfChild(const std::function<void()>& body) {
+    const ChildResult result = runInChild(body);
+    EXPECT_EQ(result.m_nExitCode, 0) << result.m_strOutput;
+    return result.m_strOutput;
 }

@@ -21,53 +21,53 @@ public:
 
     // Waits until somebody sleeps to a moment that has not come yet.
     void awaitSleeper() {
-        std::unique_lock objLock(m_objMutex);
-        if (!m_objChanged.wait_for(objLock, std::chrono::seconds(60),
-                                   [&] { return m_nWakeMs > m_nNowMs; })) {
+        std::unique_lock lock(m_mutex);
+        if (!m_changed.wait_for(lock, std::chrono::seconds(60),
+                                [&] { return m_nWakeMs > m_nNowMs; })) {
             ADD_FAILURE() << "nobody sleeps";
         }
     }
 
     void advanceMs(std::uint64_t nMs) {
-        const std::lock_guard objGuard(m_objMutex);
+        const std::lock_guard guard(m_mutex);
         m_nNowMs += nMs;
-        m_objChanged.notify_all();
+        m_changed.notify_all();
     }
 
     // From now on sleeping takes no time.
     void open() {
-        const std::lock_guard objGuard(m_objMutex);
+        const std::lock_guard guard(m_mutex);
         m_bOpen = true;
-        m_objChanged.notify_all();
+        m_changed.notify_all();
     }
 
     std::uint32_t getLongestSleepMs() {
-        const std::lock_guard objGuard(m_objMutex);
+        const std::lock_guard guard(m_mutex);
         return m_nLongestMs;
     }
 
     std::uint64_t monotonicMs() override {
-        const std::lock_guard objGuard(m_objMutex);
+        const std::lock_guard guard(m_mutex);
         return m_nNowMs;
     }
 
     std::time_t calendarTime() override { return static_cast<std::time_t>(monotonicMs() / 1000); }
 
     void sleepMs(std::uint32_t nMs) override {
-        std::unique_lock objLock(m_objMutex);
+        std::unique_lock lock(m_mutex);
         m_nLongestMs = std::max(m_nLongestMs, nMs);
         m_nWakeMs = m_nNowMs + nMs;
-        m_objChanged.notify_all();
-        m_objChanged.wait(objLock, [&] { return m_bOpen || m_nNowMs >= m_nWakeMs; });
+        m_changed.notify_all();
+        m_changed.wait(lock, [&] { return m_bOpen || m_nNowMs >= m_nWakeMs; });
         if (m_bOpen) {
-            objLock.unlock();
+            lock.unlock();
             std::this_thread::yield();
         }
     }
 
 private:
-    std::mutex m_objMutex;
-    std::condition_variable m_objChanged;
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
     std::uint64_t m_nNowMs;
     std::uint64_t m_nWakeMs = 0;
     std::uint32_t m_nLongestMs = 0;

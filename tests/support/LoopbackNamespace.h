@@ -60,11 +60,11 @@ inline bool enterLoopbackNamespace() {
 
 // Runs the body in a child process with such a network, and expects all its checks to hold. False,
 // with nothing checked, when this machine does not permit it.
-inline bool runInLoopbackNamespace(const std::function<void()>& objBody) {
+inline bool runInLoopbackNamespace(const std::function<void()>& body) {
     const std::string strRefused = "this machine permits no network namespace";
     const std::string strOutput = outputOfChild([&] {
         if (enterLoopbackNamespace()) {
-            objBody();
+            body();
         } else {
             std::fputs(strRefused.c_str(), stdout);
         }

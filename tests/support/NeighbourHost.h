@@ -105,13 +105,13 @@ inline bool enterOwnNetwork() {
 // Runs the body in a child process with such a neighbour, and expects all its checks to hold.
 // False, with nothing checked, when this machine permits no namespaces or lacks the program ip.
 inline bool runBesideHost(const std::string& strProgram,
-                          const std::function<void(const NeighbourHost&)>& objBody) {
+                          const std::function<void(const NeighbourHost&)>& body) {
     const std::string strRefused = "no two hosts can be made here";
     const std::string strOutput = outputOfChild([&] {
         if (enterOwnNetwork()) {
             const NeighbourHost host(strProgram);
             if (host.isCabled()) {
-                objBody(host);
+                body(host);
                 return;
             }
         }

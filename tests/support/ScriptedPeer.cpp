@@ -15,22 +15,21 @@
 namespace {
 
 sockaddr_in loopback() {
-    sockaddr_in objAddress{};
-    objAddress.sin_family = AF_INET;
-    objAddress.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    return objAddress;
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    return address;
 }
 
 }  // namespace
 
-std::string peerMessage(SDKCommandHeadInfo objHead, const std::string& strBody,
+std::string peerMessage(SDKCommandHeadInfo head, const std::string& strBody,
                         std::uint16_t nProtocolType) {
-    objHead.setProtocolType(nProtocolType);
-    objHead.setPayloadLength(static_cast<std::uint32_t>(strBody.size()));
-    CommandBuffer objBytes;
-    encodeCommandHead(objHead, objBytes);
-    return std::string(reinterpret_cast<const char*>(objBytes.data()), objBytes.getLength()) +
-           strBody;
+    head.setProtocolType(nProtocolType);
+    head.setPayloadLength(static_cast<std::uint32_t>(strBody.size()));
+    CommandBuffer bytes;
+    encodeCommandHead(head, bytes);
+    return std::string(reinterpret_cast<const char*>(bytes.data()), bytes.getLength()) + strBody;
 }
 
 std::string peerBody(const std::string& strElements) {
@@ -42,21 +41,21 @@ std::string peerResult(int nCode, const std::string& strElements) {
     return peerBody("<Result Code=\"" + std::to_string(nCode) + "\" />" + strElements);
 }
 
-std::string peerAnswer(const PeerRequest& objRequest, std::uint32_t nCommandID,
+std::string peerAnswer(const PeerRequest& request, std::uint32_t nCommandID,
                        const std::string& strBody) {
-    SDKCommandHeadInfo objHead = objRequest.m_objHead;
-    objHead.setCommandID(nCommandID);
-    return peerMessage(objHead, strBody);
+    SDKCommandHeadInfo head = request.m_head;
+    head.setCommandID(nCommandID);
+    return peerMessage(head, strBody);
 }
 
-bool PeerLink::read(PeerRequest& objRequest) {
+bool PeerLink::read(PeerRequest& request) {
     std::array<std::uint8_t, SDKCommandHeadInfo::WireLength> arrHead{};
     if (!readBytes(arrHead.data(), arrHead.size()) ||
-        !decodeCommandHead(arrHead.data(), arrHead.size(), objRequest.m_objHead)) {
+        !decodeCommandHead(arrHead.data(), arrHead.size(), request.m_head)) {
         return false;
     }
-    objRequest.m_strBody.resize(objRequest.m_objHead.getPayloadLength());
-    return readBytes(objRequest.m_strBody.data(), objRequest.m_strBody.size());
+    request.m_strBody.resize(request.m_head.getPayloadLength());
+    return readBytes(request.m_strBody.data(), request.m_strBody.size());
 }
 
 bool PeerLink::readBytes(void* pInto, std::size_t nLength) {
@@ -65,8 +64,8 @@ bool PeerLink::readBytes(void* pInto, std::size_t nLength) {
 }
 
 bool PeerLink::hasMore() const {
-    pollfd objPoll{m_nSocket, POLLIN, 0};
-    return poll(&objPoll, 1, 0) > 0;
+    pollfd poll{m_nSocket, POLLIN, 0};
+    return ::poll(&poll, 1, 0) > 0;
 }
 
 void PeerLink::send(const std::string& strBytes) {
@@ -85,46 +84,46 @@ void PeerLink::close() {
     shutdown(m_nSocket, SHUT_RDWR);
 }
 
-ScriptedPeer::ScriptedPeer(Script objScript) : m_objScript(std::move(objScript)) {
+ScriptedPeer::ScriptedPeer(Script script) : m_script(std::move(script)) {
     m_nListener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in objAddress = loopback();
-    socklen_t nLength = sizeof objAddress;
-    auto* pAddress = reinterpret_cast<sockaddr*>(&objAddress);
+    sockaddr_in address = loopback();
+    socklen_t nLength = sizeof address;
+    auto* pAddress = reinterpret_cast<sockaddr*>(&address);
     if (bind(m_nListener, pAddress, nLength) != 0 || listen(m_nListener, 8) != 0 ||
         getsockname(m_nListener, pAddress, &nLength) != 0) {
         throw std::runtime_error("no listening socket on the loopback");
     }
-    m_nPort = ntohs(objAddress.sin_port);
-    m_objThread = std::thread(&ScriptedPeer::serve, this);
+    m_nPort = ntohs(address.sin_port);
+    m_thread = std::thread(&ScriptedPeer::serve, this);
 }
 
 ScriptedPeer::~ScriptedPeer() {
     {
-        const std::lock_guard objGuard(m_objMutex);
+        const std::lock_guard guard(m_mutex);
         m_bEnding = true;
         shutdown(m_nListener, SHUT_RDWR);
         if (m_nLink >= 0) {
             shutdown(m_nLink, SHUT_RDWR);
         }
     }
-    m_objThread.join();
+    m_thread.join();
     ::close(m_nListener);
 }
 
 DeviceInfoEx ScriptedPeer::getDeviceInfo() const {
-    InetAddr objAddress;
-    objAddress.setIP("127.0.0.1");
-    objAddress.setPORT(m_nPort);
-    objAddress.setIPProtoVer(1);
-    DeviceInfoEx objInfo;
-    objInfo.setDeviceAddr(objAddress);
-    objInfo.setUserID("admin");
-    objInfo.setPassword("secret");
-    return objInfo;
+    InetAddr address;
+    address.setIP("127.0.0.1");
+    address.setPORT(m_nPort);
+    address.setIPProtoVer(1);
+    DeviceInfoEx info;
+    info.setDeviceAddr(address);
+    info.setUserID("admin");
+    info.setPassword("secret");
+    return info;
 }
 
 bool ScriptedPeer::open(int nSocket) {
-    const std::lock_guard objGuard(m_objMutex);
+    const std::lock_guard guard(m_mutex);
     m_nLink = nSocket;
     return !m_bEnding;
 }
@@ -136,26 +135,26 @@ void ScriptedPeer::serve() {
             return;
         }
         if (open(nSocket)) {
-            PeerLink objLink(nSocket);
-            m_objScript(objLink);
+            PeerLink link(nSocket);
+            m_script(link);
         }
-        const std::lock_guard objGuard(m_objMutex);
+        const std::lock_guard guard(m_mutex);
         m_nLink = -1;
         ::close(nSocket);
     }
 }
 
-ScriptedPeer::Script answerEach(std::function<std::string(const PeerRequest&)> objAnswer) {
-    return [objAnswer = std::move(objAnswer)](PeerLink& objLink) {
-        PeerRequest objRequest;
-        while (objLink.read(objRequest)) {
-            objLink.send(objAnswer(objRequest));
+ScriptedPeer::Script answerEach(std::function<std::string(const PeerRequest&)> answer) {
+    return [answer = std::move(answer)](PeerLink& link) {
+        PeerRequest request;
+        while (link.read(request)) {
+            link.send(answer(request));
         }
     };
 }
 
 ScriptedPeer::Script answerAll(std::uint32_t nCommandID, int nCode) {
-    return answerEach([=](const PeerRequest& objRequest) {
-        return peerAnswer(objRequest, nCommandID, peerResult(nCode));
+    return answerEach([=](const PeerRequest& request) {
+        return peerAnswer(request, nCommandID, peerResult(nCode));
     });
 }

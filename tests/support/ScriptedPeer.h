@@ -12,12 +12,12 @@
 #include "protocol/SDKCommandHeadInfo.h"
 
 struct PeerRequest {
-    SDKCommandHeadInfo m_objHead;
+    SDKCommandHeadInfo m_head;
     std::string m_strBody;
 };
 
 // The bytes of a message: its head, with type and payload length set here, and its body.
-std::string peerMessage(SDKCommandHeadInfo objHead, const std::string& strBody,
+std::string peerMessage(SDKCommandHeadInfo head, const std::string& strBody,
                         std::uint16_t nProtocolType = 1);
 
 // A body with these elements in it.
@@ -27,7 +27,7 @@ std::string peerBody(const std::string& strElements);
 std::string peerResult(int nCode, const std::string& strElements = "");
 
 // The message that answers a request with its own sequence and session.
-std::string peerAnswer(const PeerRequest& objRequest, std::uint32_t nCommandID,
+std::string peerAnswer(const PeerRequest& request, std::uint32_t nCommandID,
                        const std::string& strBody);
 
 // One accepted connection, for the peer's thread.
@@ -36,7 +36,7 @@ public:
     explicit PeerLink(int nSocket) : m_nSocket(nSocket) {}
 
     // Waits for a whole request. False when the connection has ended, and on bytes that are none.
-    bool read(PeerRequest& objRequest);
+    bool read(PeerRequest& request);
     bool hasMore() const;  // whether bytes wait to be read
     void send(const std::string& strBytes);
     void close();  // the other end sees the end of the stream
@@ -54,7 +54,7 @@ class ScriptedPeer {
 public:
     using Script = std::function<void(PeerLink&)>;
 
-    explicit ScriptedPeer(Script objScript);
+    explicit ScriptedPeer(Script script);
     ~ScriptedPeer();
     ScriptedPeer(const ScriptedPeer&) = delete;
     ScriptedPeer& operator=(const ScriptedPeer&) = delete;
@@ -66,17 +66,17 @@ private:
     void serve();
     bool open(int nSocket);
 
-    const Script m_objScript;
+    const Script m_script;
     int m_nListener = -1;
     std::uint16_t m_nPort = 0;
-    std::mutex m_objMutex;
-    int m_nLink = -1;        // guarded by m_objMutex
-    bool m_bEnding = false;  // guarded by m_objMutex
-    std::thread m_objThread;
+    std::mutex m_mutex;
+    int m_nLink = -1;        // guarded by m_mutex
+    bool m_bEnding = false;  // guarded by m_mutex
+    std::thread m_thread;
 };
 
 // A script that answers every request with the bytes that are made for it, none at all among them.
-ScriptedPeer::Script answerEach(std::function<std::string(const PeerRequest&)> objAnswer);
+ScriptedPeer::Script answerEach(std::function<std::string(const PeerRequest&)> answer);
 
 // A script that answers every request with a result code, 0 as a rule.
 ScriptedPeer::Script answerAll(std::uint32_t nCommandID, int nCode = 0);

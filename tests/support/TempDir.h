@@ -17,24 +17,24 @@ public:
         if (mkdtemp(strPattern.data()) == nullptr) {
             throw std::runtime_error("no temporary directory at " + strPattern);
         }
-        m_objPath = strPattern;
+        m_path = strPattern;
     }
     ~TempDir() {
-        std::error_code objIgnored;
-        std::filesystem::remove_all(m_objPath, objIgnored);
+        std::error_code ignored;
+        std::filesystem::remove_all(m_path, ignored);
     }
     TempDir(const TempDir&) = delete;
     TempDir& operator=(const TempDir&) = delete;
 
-    const std::filesystem::path& getPath() const { return m_objPath; }
-    std::string file(const std::string& strName) const { return (m_objPath / strName).string(); }
+    const std::filesystem::path& getPath() const { return m_path; }
+    std::string file(const std::string& strName) const { return (m_path / strName).string(); }
 
 private:
-    std::filesystem::path m_objPath;
+    std::filesystem::path m_path;
 };
 
 // The whole content of a file; empty when there is none.
 inline std::string readFile(const std::string& strPath) {
-    std::ifstream objFile(strPath, std::ios::binary);
-    return {std::istreambuf_iterator<char>(objFile), std::istreambuf_iterator<char>()};
+    std::ifstream file(strPath, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }

@@ -4,11 +4,11 @@
 #include <string>
 
 template <class Exception, class Action>
-std::string thrownText(const Action& objAction) {
+std::string thrownText(const Action& action) {
     try {
-        objAction();
-    } catch (const Exception& objError) {
-        return objError.what();
+        action();
+    } catch (const Exception& error) {
+        return error.what();
     }
     return "nothing was thrown";
 }

@@ -40,19 +40,19 @@ inline SDKCommandHeadInfo headOf(std::uint32_t nCommandID, std::uint16_t nSequen
 }
 
 inline SafePointer<CommandParam> sdkCommand(const SDKCommandHeadInfo& head, Records records) {
-    auto pobjParam = std::make_unique<SDKCommandParam>();
-    pobjParam->setHead(head);
-    pobjParam->setDomains(std::move(records));
-    return wrapSafe<CommandParam>(std::move(pobjParam));
+    auto pParam = std::make_unique<SDKCommandParam>();
+    pParam->setHead(head);
+    pParam->setDomains(std::move(records));
+    return wrapSafe<CommandParam>(std::move(pParam));
 }
 
 inline SafePointer<CommandParam> binCommand(const SDKCommandHeadInfo& head, std::int32_t nNumber,
                                             const std::string& strData) {
-    auto pobjParam = std::make_unique<BinCommandParam>();
-    pobjParam->setHead(head);
-    pobjParam->setBinCommandId(nNumber);
-    pobjParam->setData(bytesIn(strData), static_cast<std::int32_t>(strData.size()));
-    return wrapSafe<CommandParam>(std::move(pobjParam));
+    auto pParam = std::make_unique<BinCommandParam>();
+    pParam->setHead(head);
+    pParam->setBinCommandId(nNumber);
+    pParam->setData(bytesIn(strData), static_cast<std::int32_t>(strData.size()));
+    return wrapSafe<CommandParam>(std::move(pParam));
 }
 
 // The bytes of a command, which stand in a block of their size.

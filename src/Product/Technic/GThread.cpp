@@ -48,20 +48,20 @@ std::uint64_t secondsNow() {
 
 }  // namespace
 
-GThread::GThread(const Function& objBody, const std::string& strName, const Function& objSetup,
-                 const Function& objTeardown)
+GThread::GThread(const Function& body, const std::string& strName, const Function& setup,
+                 const Function& teardown)
     : KXThread(strName),
-      m_objInfo(wrapSafe(std::make_unique<GThreadInfo>(strName))),
-      m_objSetup(objSetup),
-      m_objTeardown(objTeardown),
-      m_objBody(objBody) {
+      m_info(wrapSafe(std::make_unique<GThreadInfo>(strName))),
+      m_setup(setup),
+      m_teardown(teardown),
+      m_body(body) {
     m_nTuning = Tuning;
-    m_objInfo->setTuning(Tuning);
+    m_info->setTuning(Tuning);
 }
 
 GThread::~GThread() noexcept {
     if (isRunning()) {
-        const std::string strText = "force stop " + threadText(m_strName, m_objInfo->getThreadId());
+        const std::string strText = "force stop " + threadText(m_strName, m_info->getThreadId());
         logMessage(LogLevel::Trace, PlaceName, "%s\n", strText.c_str());
         logFailure(strText);
     }
@@ -69,7 +69,7 @@ GThread::~GThread() noexcept {
 }
 
 bool GThread::start() {
-    const KXMutexGuard objGuard(m_objMutex, PlaceName, StartLine);
+    const KXMutexGuard guard(m_mutex, PlaceName, StartLine);
     if (isRunning()) {
         return true;
     }
@@ -78,32 +78,32 @@ bool GThread::start() {
     m_bSetupDone = true;
     try {
         return setUp();
-    } catch (const std::exception& objError) {
+    } catch (const std::exception& error) {
         stopSystem(threadText(m_strName, currentThreadId()) + " setup exception,massage[" +
-                       objError.what() + "]",
+                       error.what() + "]",
                    "GThread setup exception.");
         return false;
     }
 }
 
 bool GThread::setUp() {
-    const int nResult = m_objSetup();
+    const int nResult = m_setup();
     if (nResult != 0) {
         logFailure(threadText(m_strName, currentThreadId()) +
                    " setup failed. result=" + std::to_string(nResult));
         return false;
     }
-    m_objInfo->setState(GThreadInfo::Running);
+    m_info->setState(GThreadInfo::Running);
     if (KXThread::start() >= Done) {
         return true;
     }
-    m_objInfo->setState(GThreadInfo::Stopped);
+    m_info->setState(GThreadInfo::Stopped);
     return false;
 }
 
 bool GThread::stop() {
-    const KXMutexGuard objGuard(m_objMutex, PlaceName, StopLine);
-    m_objInfo->setState(GThreadInfo::Stopped);
+    const KXMutexGuard guard(m_mutex, PlaceName, StopLine);
+    m_info->setState(GThreadInfo::Stopped);
     KXThread::stop();
     m_nRoundsLeft = 0;
     m_nRoundCounter = 0;
@@ -113,18 +113,18 @@ bool GThread::stop() {
     m_bSetupDone = false;
     try {
         return tearDown();
-    } catch (const std::exception& objError) {
-        stopSystem(threadText(m_strName, m_objInfo->getThreadId()) +
-                       " teardown exception,massage[" + objError.what() + "]",
+    } catch (const std::exception& error) {
+        stopSystem(threadText(m_strName, m_info->getThreadId()) + " teardown exception,massage[" +
+                       error.what() + "]",
                    "GThread teardown exception.");
         return false;
     }
 }
 
 bool GThread::tearDown() {
-    const int nResult = m_objTeardown();
+    const int nResult = m_teardown();
     if (nResult != 0) {
-        logFailure(threadText(m_strName, m_objInfo->getThreadId()) +
+        logFailure(threadText(m_strName, m_info->getThreadId()) +
                    " teardown failed,result=" + std::to_string(nResult));
     }
     return nResult == 0;
@@ -132,9 +132,9 @@ bool GThread::tearDown() {
 
 int GThread::run() {
     openStarted();
-    m_objInfo->setThreadId(currentThreadId());
+    m_info->setThreadId(currentThreadId());
     std::uint64_t nRoundEnd = secondsNow();
-    while (m_objInfo->getState() == GThreadInfo::Running && isSystemRunning() && runRound()) {
+    while (m_info->getState() == GThreadInfo::Running && isSystemRunning() && runRound()) {
         const std::uint64_t nNow = secondsNow();
         m_nLongestRound = std::max(m_nLongestRound, nNow - nRoundEnd);
         nRoundEnd = nNow;
@@ -142,7 +142,7 @@ int GThread::run() {
             break;
         }
     }
-    m_objInfo->setState(GThreadInfo::Stopped);
+    m_info->setState(GThreadInfo::Stopped);
     m_nRoundsLeft = 0;
     return 0;
 }
@@ -151,15 +151,15 @@ int GThread::run() {
 bool GThread::runRound() {
     try {
         if (m_nRoundCounter % (m_nSkipCount + 1) == 0) {
-            m_Result = m_objBody();
+            m_Result = m_body();
             ++m_nBodyCallCount;
         } else {
             currentClock().sleepMs(OneSecondMs);
         }
         ++m_nRoundCounter;
-    } catch (const std::exception& objError) {
-        stopSystem(threadText(m_strName, m_objInfo->getThreadId()) + " running exception,message[" +
-                       objError.what() + "]",
+    } catch (const std::exception& error) {
+        stopSystem(threadText(m_strName, m_info->getThreadId()) + " running exception,message[" +
+                       error.what() + "]",
                    "GThread running exception.");
         return false;
     }

@@ -28,8 +28,8 @@ class GThread : public KXThread {
 public:
     using Function = KX_FUNCTION::function<int>;
 
-    GThread(const Function& objBody, const std::string& strName, const Function& objSetup,
-            const Function& objTeardown);
+    GThread(const Function& body, const std::string& strName, const Function& setup,
+            const Function& teardown);
     ~GThread() noexcept override;
 
     // True when the worker runs, also when it did before. False when the setup failed or threw, or
@@ -47,7 +47,7 @@ protected:
     std::int32_t m_Result = 0;        // the last result of the body
     std::uint32_t m_nBodyCallCount = 0;
     std::uint64_t m_nLongestRound = 0;  // in whole seconds
-    SafePointer<GThreadInfo> m_objInfo;
+    SafePointer<GThreadInfo> m_info;
     std::int32_t m_nReserved = 0;  // this and the next: part of the shape on devices, unread here
     bool m_bReserved = true;
 
@@ -56,10 +56,10 @@ private:
     bool setUp();
     bool tearDown();
 
-    KXMutex m_objMutex;  // held during start() and stop()
-    Function m_objSetup;
-    Function m_objTeardown;
-    Function m_objBody;
+    KXMutex m_mutex;  // held during start() and stop()
+    Function m_setup;
+    Function m_teardown;
+    Function m_body;
     bool m_bSetupDone = false;
     std::uint32_t m_nRoundCounter = 0;
 };

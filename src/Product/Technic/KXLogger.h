@@ -23,12 +23,12 @@ public:
 private:
     bool rotateIfFull();
 
-    LogFile m_objFile;
+    LogFile m_file;
     std::string m_strPath;
     std::uint32_t m_nFileCount = 0;
     std::uint32_t m_nSizeLimit = 0;
     std::uint32_t m_nBackupIndex = 0;
-    KXMutexHandle m_objMutex;
+    KXMutexHandle m_mutex;
     std::uint32_t m_nKey = 0;
 };
 

@@ -27,15 +27,15 @@ const char* placeName(const char* pFile) noexcept {
     return pSlash == nullptr ? pFile : pSlash + 1;
 }
 
-void requireValid(const KXMutex* pobjMutex, const KXMutexHandle& objHandle, const char* pFile,
+void requireValid(const KXMutex* pMutex, const KXMutexHandle& handle, const char* pFile,
                   int nLine) {
-    if (objHandle.isValid()) {
+    if (handle.isValid()) {
         return;
     }
     std::array<char, FailureTextSize> szText{};
     std::snprintf(szText.data(), szText.size(),
                   "Mutex(0x%" PRIxPTR ") not initialized(Key=%x),lock at line %d of %s ",
-                  reinterpret_cast<std::uintptr_t>(pobjMutex), objHandle.getKey(), nLine,
+                  reinterpret_cast<std::uintptr_t>(pMutex), handle.getKey(), nLine,
                   placeName(pFile));
     throw std::runtime_error(szText.data());
 }
@@ -54,8 +54,8 @@ int KXMutexHandle::init() noexcept {
     if (isValid()) {
         return AlreadyInitialised;
     }
-    m_pobjNative = NativeMutex::create();
-    if (!m_pobjNative) {
+    m_pNative = NativeMutex::create();
+    if (!m_pNative) {
         return CreationFailed;
     }
     m_nKey = ValidKey;
@@ -65,7 +65,7 @@ int KXMutexHandle::init() noexcept {
 void KXMutexHandle::destroy() noexcept {
     if (isValid()) {
         m_nKey = 0;
-        NativeMutex::close(std::move(m_pobjNative));
+        NativeMutex::close(std::move(m_pNative));
     }
 }
 
@@ -73,7 +73,7 @@ int KXMutexHandle::lock() noexcept {
     if (!isValid()) {
         return NotValid;
     }
-    m_pobjNative->lock();
+    m_pNative->lock();
     return isValid() ? Done : NotValid;
 }
 
@@ -81,23 +81,23 @@ int KXMutexHandle::unlock() noexcept {
     if (!isValid()) {
         return NotValid;
     }
-    m_pobjNative->unlock();
+    m_pNative->unlock();
     return Done;
 }
 
-KXMutex::KXMutex() : m_pobjHandle(std::make_unique<KXMutexHandle>()) {}
+KXMutex::KXMutex() : m_pHandle(std::make_unique<KXMutexHandle>()) {}
 
 KXMutex::~KXMutex() = default;
 
 int KXMutex::lock(const char* pFile, int nLine) KX_NO_THREAD_SAFETY_ANALYSIS {
-    requireValid(this, *m_pobjHandle, pFile, nLine);
-    m_pobjHandle->lock();
+    requireValid(this, *m_pHandle, pFile, nLine);
+    m_pHandle->lock();
     return KXMutexHandle::Done;
 }
 
 int KXMutex::unlock(const char* pFile, int nLine) KX_NO_THREAD_SAFETY_ANALYSIS {
-    requireValid(this, *m_pobjHandle, pFile, nLine);
-    m_pobjHandle->unlock();
+    requireValid(this, *m_pHandle, pFile, nLine);
+    m_pHandle->unlock();
     return KXMutexHandle::Done;
 }
 
@@ -109,11 +109,10 @@ int KXMutex::unlock() {
     return unlock(HeaderPath, HeaderUnlockLine);
 }
 
-KXMutexGuard::KXMutexGuard(KXMutex& objMutex, const char* pFile, int nLine)
-    : m_pobjMutex(&objMutex) {
-    objMutex.lock(pFile, nLine);
+KXMutexGuard::KXMutexGuard(KXMutex& mutex, const char* pFile, int nLine) : m_pMutex(&mutex) {
+    mutex.lock(pFile, nLine);
 }
 
 KXMutexGuard::~KXMutexGuard() noexcept(false) {
-    m_pobjMutex->unlock(HeaderPath, GuardUnlockLine);
+    m_pMutex->unlock(HeaderPath, GuardUnlockLine);
 }

@@ -46,7 +46,7 @@ public:
     int unlock() noexcept;
 
 private:
-    std::unique_ptr<NativeMutex> m_pobjNative;
+    std::unique_ptr<NativeMutex> m_pNative;
     std::atomic<std::uint32_t> m_nKey{0};
 };
 
@@ -62,7 +62,7 @@ public:
     KXMutex(const KXMutex&) = delete;
     KXMutex& operator=(const KXMutex&) = delete;
 
-    int init() noexcept { return m_pobjHandle->init(); }
+    int init() noexcept { return m_pHandle->init(); }
 
     int lock(const char* pFile, int nLine) KX_ACQUIRE();
     int unlock(const char* pFile, int nLine) KX_RELEASE();
@@ -70,22 +70,22 @@ public:
     int unlock() KX_RELEASE();
 
     // The level below, for those who check the key themselves.
-    KXMutexHandle& getHandle() noexcept { return *m_pobjHandle; }
+    KXMutexHandle& getHandle() noexcept { return *m_pHandle; }
 
 private:
-    std::unique_ptr<KXMutexHandle> m_pobjHandle;
+    std::unique_ptr<KXMutexHandle> m_pHandle;
 };
 
 // Holds a mutex for a scope. File and line are those of the code that opens the guard.
 class KX_SCOPED_CAPABILITY KXMutexGuard {
 public:
-    explicit KXMutexGuard(KXMutex& objMutex, const char* pFile = __builtin_FILE(),
-                          int nLine = __builtin_LINE()) KX_ACQUIRE(objMutex);
+    explicit KXMutexGuard(KXMutex& mutex, const char* pFile = __builtin_FILE(),
+                          int nLine = __builtin_LINE()) KX_ACQUIRE(mutex);
     // Throws like KXMutex::unlock when the mutex died while it was held.
     ~KXMutexGuard() noexcept(false) KX_RELEASE();
     KXMutexGuard(const KXMutexGuard&) = delete;
     KXMutexGuard& operator=(const KXMutexGuard&) = delete;
 
 private:
-    KXMutex* m_pobjMutex;
+    KXMutex* m_pMutex;
 };

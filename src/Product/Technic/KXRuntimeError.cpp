@@ -4,9 +4,9 @@
 KXRuntimeError::KXRuntimeError(const char* const& pMessage)
     : m_strMessage(pMessage == nullptr ? "" : pMessage) {}
 
-KXRuntimeError::KXRuntimeError(const KXRuntimeError& objOther) = default;
+KXRuntimeError::KXRuntimeError(const KXRuntimeError& other) = default;
 
-KXRuntimeError& KXRuntimeError::operator=(const KXRuntimeError& objOther) = default;
+KXRuntimeError& KXRuntimeError::operator=(const KXRuntimeError& other) = default;
 
 KXRuntimeError::~KXRuntimeError() = default;
 

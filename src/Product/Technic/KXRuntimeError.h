@@ -9,8 +9,8 @@ class KXRuntimeError : public std::exception {
 public:
     // A null text gives an empty message.
     explicit KXRuntimeError(const char* const& pMessage);
-    KXRuntimeError(const KXRuntimeError& objOther);
-    KXRuntimeError& operator=(const KXRuntimeError& objOther);
+    KXRuntimeError(const KXRuntimeError& other);
+    KXRuntimeError& operator=(const KXRuntimeError& other);
     ~KXRuntimeError() override;
 
     const char* what() const noexcept override;

@@ -23,22 +23,22 @@ KXThread::~KXThread() {
 
 int KXThread::start() {
     {
-        const KXMutexGuard objGuard(m_objStateMutex);
+        const KXMutexGuard guard(m_stateMutex);
         if (m_bRunning) {
             return AlreadyRunning;
         }
         m_bRunning = true;
     }
-    m_objHandle.join();  // of a thread that ended by itself and was not stopped
+    m_handle.join();  // of a thread that ended by itself and was not stopped
     {
-        const KXMutexGuard objGuard(m_objCreationMutex);
-        if (!m_objHandle.start(&KXThread::enter, this)) {
+        const KXMutexGuard guard(m_creationMutex);
+        if (!m_handle.start(&KXThread::enter, this)) {
             setRunning(false);
             return NotCreated;
         }
-        m_nCreationId = m_objHandle.getId();
+        m_nCreationId = m_handle.getId();
     }
-    const KXMutexGuard objGuard(m_objStartedMutex);
+    const KXMutexGuard guard(m_startedMutex);
     return Done;
 }
 
@@ -52,7 +52,7 @@ int KXThread::stop() {
 int KXThread::join() {
     const bool bWasRunning = isRunning();
     // A thread that has cleared its flag has nothing left to do, so this wait is short then.
-    m_objHandle.join();
+    m_handle.join();
     if (!bWasRunning) {
         return AlreadyEnded;
     }
@@ -61,17 +61,17 @@ int KXThread::join() {
 }
 
 bool KXThread::isRunning() const {
-    const KXMutexGuard objGuard(m_objStateMutex);
+    const KXMutexGuard guard(m_stateMutex);
     return m_bRunning;
 }
 
 void KXThread::setRunning(bool bRunning) {
-    const KXMutexGuard objGuard(m_objStateMutex);
+    const KXMutexGuard guard(m_stateMutex);
     m_bRunning = bRunning;
 }
 
 void KXThread::openStarted() KX_NO_THREAD_SAFETY_ANALYSIS {
-    m_objStartedMutex.unlock();
+    m_startedMutex.unlock();
 }
 
 void* KXThread::enter(void* pThis) {
@@ -80,11 +80,11 @@ void* KXThread::enter(void* pThis) {
 }
 
 void KXThread::runOnThread() KX_NO_THREAD_SAFETY_ANALYSIS {
-    m_objStartedMutex.lock();
+    m_startedMutex.lock();
     setRunning(true);
     // Waits until the starter has stored the handle.
-    m_objCreationMutex.lock();
-    m_objCreationMutex.unlock();
+    m_creationMutex.lock();
+    m_creationMutex.unlock();
 
     m_nThreadId = currentThreadId();
     const std::string strWho =
@@ -93,7 +93,7 @@ void KXThread::runOnThread() KX_NO_THREAD_SAFETY_ANALYSIS {
     const int nResult = run();
     traceMessage("stop" + strWho, TracePlace, TraceStopLine);
 
-    const KXMutexGuard objGuard(m_objStateMutex);
+    const KXMutexGuard guard(m_stateMutex);
     m_nResult = nResult;
     m_bRunning = false;
 }

@@ -46,12 +46,12 @@ private:
     void runOnThread();
     void setRunning(bool bRunning);
 
-    NativeThread m_objHandle;
+    NativeThread m_handle;
     std::uint32_t m_nCreationId = 0;  // as the creation call gave it
     std::uint32_t m_nThreadId = 0;    // as the thread itself reads it
-    mutable KXMutex m_objStateMutex;
-    std::int32_t m_nResult KX_GUARDED_BY(m_objStateMutex) = 0;  // what run() returned
-    bool m_bRunning KX_GUARDED_BY(m_objStateMutex) = false;     // from start() to the end of run()
-    KXMutex m_objCreationMutex;  // held by the starter while the thread is being created
-    KXMutex m_objStartedMutex;   // held by the new thread until run() opens it
+    mutable KXMutex m_stateMutex;
+    std::int32_t m_nResult KX_GUARDED_BY(m_stateMutex) = 0;  // what run() returned
+    bool m_bRunning KX_GUARDED_BY(m_stateMutex) = false;     // from start() to the end of run()
+    KXMutex m_creationMutex;  // held by the starter while the thread is being created
+    KXMutex m_startedMutex;   // held by the new thread until run() opens it
 };

@@ -25,21 +25,21 @@ const char* streamMode(unsigned nMode) noexcept {
 
 bool LogFile::open(const std::string& strPath, unsigned nMode) {
     const char* pMode = streamMode(nMode);
-    m_pobjStream.reset(pMode == nullptr ? nullptr : std::fopen(strPath.c_str(), pMode));
-    return m_pobjStream != nullptr;
+    m_pStream.reset(pMode == nullptr ? nullptr : std::fopen(strPath.c_str(), pMode));
+    return m_pStream != nullptr;
 }
 
 bool LogFile::flush() {
-    return m_pobjStream && std::fflush(m_pobjStream.get()) == 0;
+    return m_pStream && std::fflush(m_pStream.get()) == 0;
 }
 
 std::size_t LogFile::write(const std::string& strText) {
-    return m_pobjStream ? std::fwrite(strText.data(), 1, strText.size(), m_pobjStream.get()) : 0;
+    return m_pStream ? std::fwrite(strText.data(), 1, strText.size(), m_pStream.get()) : 0;
 }
 
 std::int32_t LogFile::getLength() {
-    if (!m_pobjStream || std::fseek(m_pobjStream.get(), 0, SEEK_END) != 0) {
+    if (!m_pStream || std::fseek(m_pStream.get(), 0, SEEK_END) != 0) {
         return -1;
     }
-    return static_cast<std::int32_t>(std::ftell(m_pobjStream.get()));
+    return static_cast<std::int32_t>(std::ftell(m_pStream.get()));
 }

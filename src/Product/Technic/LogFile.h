@@ -21,7 +21,7 @@ public:
     // Opens after closing what was open. False when the file cannot be opened, and when the mode
     // word does not have exactly one of Read, Append and Update.
     bool open(const std::string& strPath, unsigned nMode);
-    void close() noexcept { m_pobjStream.reset(); }
+    void close() noexcept { m_pStream.reset(); }
 
     bool flush();
     std::size_t write(const std::string& strText);  // bytes written
@@ -32,5 +32,5 @@ private:
         void operator()(std::FILE* pStream) const noexcept { std::fclose(pStream); }
     };
 
-    std::unique_ptr<std::FILE, Closer> m_pobjStream;
+    std::unique_ptr<std::FILE, Closer> m_pStream;
 };

@@ -28,22 +28,22 @@ void printUnescaped(const char* pText) {
 }  // namespace
 
 LogFilter& LogFilter::instance() {
-    static LogFilter* const pobjInstance = std::make_unique<LogFilter>().release();
-    return *pobjInstance;
+    static LogFilter* const pInstance = std::make_unique<LogFilter>().release();
+    return *pInstance;
 }
 
 bool LogFilter::set(int nThreshold, const std::vector<std::string>& vecFileNames) {
     if (vecFileNames.size() > MostFileNames) {
         return false;
     }
-    const KXMutexGuard objGuard(m_objMutex);
+    const KXMutexGuard guard(m_mutex);
     m_vecFileNames = vecFileNames;
     m_nThreshold = nThreshold;
     return true;
 }
 
 bool LogFilter::passesFile(const char* pFileName) const {
-    const KXMutexGuard objGuard(m_objMutex);
+    const KXMutexGuard guard(m_mutex);
     if (m_vecFileNames.empty()) {
         return true;
     }
@@ -56,16 +56,16 @@ bool setLogFilter(int nThreshold, const std::vector<std::string>& vecFileNames) 
 }
 
 int logMessage(int nLevel, const char* pFileName, const char* pFormat, ...) {
-    const LogFilter& objFilter = LogFilter::instance();
-    if (!objFilter.passesLevel(nLevel)) {
+    const LogFilter& filter = LogFilter::instance();
+    if (!filter.passesLevel(nLevel)) {
         return 0;
     }
     std::array<char, BufferSize> szText{};
-    std::va_list objArguments;
-    va_start(objArguments, pFormat);
-    const int nLength = std::vsnprintf(szText.data(), szText.size(), pFormat, objArguments);
-    va_end(objArguments);
-    if (nLength > 0 && objFilter.passesFile(pFileName)) {
+    std::va_list arguments;
+    va_start(arguments, pFormat);
+    const int nLength = std::vsnprintf(szText.data(), szText.size(), pFormat, arguments);
+    va_end(arguments);
+    if (nLength > 0 && filter.passesFile(pFileName)) {
         printUnescaped(szText.data());
     }
     return nLength;

@@ -32,8 +32,8 @@ public:
 private:
     std::atomic<bool> m_bEnabled{true};
     std::atomic<int> m_nThreshold{0};
-    mutable KXMutex m_objMutex;
-    std::vector<std::string> m_vecFileNames KX_GUARDED_BY(m_objMutex);
+    mutable KXMutex m_mutex;
+    std::vector<std::string> m_vecFileNames KX_GUARDED_BY(m_mutex);
 };
 
 // Prints a formatted text; the format brings its own line end. pFileName is the bare name of the

@@ -20,39 +20,39 @@ SafePointerSlot* BaseSafePointer::takeSlot(void* pObject, const char* pTypeName)
     return SafePointerRegistry::instance().allocate(pObject, pTypeName);
 }
 
-void BaseSafePointer::addReference(SafePointerSlot* pobjSlot, const void* pObject,
+void BaseSafePointer::addReference(SafePointerSlot* pSlot, const void* pObject,
                                    const char* pTypeName) {
-    if (pobjSlot == nullptr) {
+    if (pSlot == nullptr) {
         report(pTypeName, "Already destructed 1");
     }
-    if (pobjSlot->lock() == KXMutexHandle::NotValid) {
+    if (pSlot->lock() == KXMutexHandle::NotValid) {
         report(pTypeName, "Already destructed 2");
     }
-    if (pobjSlot->getPointer() != pObject) {
+    if (pSlot->getPointer() != pObject) {
         // Memory has gone wrong: the slot stays locked on purpose.
         throw KXRuntimeError("not valid pointer in inc_reference ");
     }
-    const bool bAlive = pobjSlot->increment() != 0;
-    pobjSlot->unlock();
+    const bool bAlive = pSlot->increment() != 0;
+    pSlot->unlock();
     if (!bAlive) {
         report(pTypeName, "Already destructed 3");
     }
 }
 
-bool BaseSafePointer::dropReference(SafePointerSlot& objSlot, const void* pObject) {
-    objSlot.lock();
-    if (objSlot.getPointer() != pObject) {
+bool BaseSafePointer::dropReference(SafePointerSlot& slot, const void* pObject) {
+    slot.lock();
+    if (slot.getPointer() != pObject) {
         // Memory has gone wrong: the slot stays locked on purpose.
         throw KXRuntimeError("not valid pointer in dec_reference");
     }
-    if (objSlot.decrement() == 0) {
+    if (slot.decrement() == 0) {
         return true;
     }
-    objSlot.unlock();
+    slot.unlock();
     return false;
 }
 
-void BaseSafePointer::giveSlotBack(SafePointerSlot& objSlot, const char* pTypeName) {
-    SafePointerRegistry::instance().release(objSlot, pTypeName);
-    objSlot.unlock();
+void BaseSafePointer::giveSlotBack(SafePointerSlot& slot, const char* pTypeName) {
+    SafePointerRegistry::instance().release(slot, pTypeName);
+    slot.unlock();
 }

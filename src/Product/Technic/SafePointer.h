@@ -24,11 +24,11 @@ protected:
 
     // A slot of the registry with count 1; throws when the table is exhausted.
     static SafePointerSlot* takeSlot(void* pObject, const char* pTypeName);
-    static void addReference(SafePointerSlot* pobjSlot, const void* pObject, const char* pTypeName);
+    static void addReference(SafePointerSlot* pSlot, const void* pObject, const char* pTypeName);
     // True when the last reference is gone: the slot is then still locked, the object still there.
-    static bool dropReference(SafePointerSlot& objSlot, const void* pObject);
+    static bool dropReference(SafePointerSlot& slot, const void* pObject);
     // Ends what a true dropReference() began, after the object was deleted.
-    static void giveSlotBack(SafePointerSlot& objSlot, const char* pTypeName);
+    static void giveSlotBack(SafePointerSlot& slot, const char* pTypeName);
 };
 
 // A counted pointer to a T. The count stands in a slot of a process-wide registry of at most 20096
@@ -52,24 +52,24 @@ public:
         m_pSlot = takeSlot(pObject, typeName());
     }
 
-    SafePointer(const SafePointer& objOther) : BaseSafePointer() { shareFrom(objOther); }
+    SafePointer(const SafePointer& other) : BaseSafePointer() { shareFrom(other); }
 
     // The converted pointer has to have the same address as the original.
     template <class U, class = std::enable_if_t<std::is_convertible_v<U*, T*>>>
-    SafePointer(const SafePointer<U>& objOther) {
-        shareFrom(objOther);
+    SafePointer(const SafePointer<U>& other) {
+        shareFrom(other);
     }
 
-    SafePointer& operator=(const SafePointer& objOther) {
-        if (this == &objOther) {
+    SafePointer& operator=(const SafePointer& other) {
+        if (this == &other) {
             return *this;
         }
-        if (objOther.isNull()) {
+        if (other.isNull()) {
             report(typeName(), "Assigned NULL <T>pointer");
         }
-        // The old object may be the one that holds objOther, so its fields are read first.
-        T* const pPointer = objOther.m_pPointer;
-        SafePointerSlot* const pSlot = objOther.m_pSlot;
+        // The old object may be the one that holds other, so its fields are read first.
+        T* const pPointer = other.m_pPointer;
+        SafePointerSlot* const pSlot = other.m_pSlot;
         dec_reference();
         addReference(pSlot, pPointer, typeName());
         m_pPointer = pPointer;
@@ -118,13 +118,13 @@ protected:
 
 private:
     template <class U>
-    void shareFrom(const SafePointer<U>& objOther) {
-        if (objOther.isNull()) {
+    void shareFrom(const SafePointer<U>& other) {
+        if (other.isNull()) {
             report(typeName(), "Construct from NULL <T>pointer");
         }
-        objOther.inc_reference();
-        m_pPointer = objOther.m_pPointer;
-        m_pSlot = objOther.m_pSlot;
+        other.inc_reference();
+        m_pPointer = other.m_pPointer;
+        m_pSlot = other.m_pSlot;
     }
 };
 
@@ -133,7 +133,7 @@ private:
 template <class T = void, class U>
 auto wrapSafe(std::unique_ptr<U> pObject) {
     using Target = std::conditional_t<std::is_void_v<T>, U, T>;
-    SafePointer<Target> objHolder(pObject.get());
+    SafePointer<Target> holder(pObject.get());
     static_cast<void>(pObject.release());
-    return objHolder;
+    return holder;
 }

@@ -68,13 +68,12 @@ SafePointerRegistry::SafePointerRegistry() {
 }
 
 SafePointerRegistry& SafePointerRegistry::instance() {
-    static SafePointerRegistry* const pobjInstance =
-        std::make_unique<SafePointerRegistry>().release();
-    return *pobjInstance;
+    static SafePointerRegistry* const pInstance = std::make_unique<SafePointerRegistry>().release();
+    return *pInstance;
 }
 
 SafePointerSlot* SafePointerRegistry::allocate(void* pObject, const char* pTypeName) {
-    const std::lock_guard objGuard(m_objMutex);
+    const std::lock_guard guard(m_mutex);
     const std::size_t nIndex = findFreeIndex();
     if (nIndex == m_vecSlots.size()) {
         if (nIndex > LargestGrowingTable) {
@@ -82,31 +81,31 @@ SafePointerSlot* SafePointerRegistry::allocate(void* pObject, const char* pTypeN
         }
         grow(SlotsPerGrowth);
     }
-    m_objNames.add(pTypeName);
+    m_names.add(pTypeName);
     m_vecBitmap[nIndex / BitsPerWord] |= bitOf(nIndex);
-    SafePointerSlot& objSlot = *m_vecSlots[nIndex];
-    objSlot.m_nCount = 1;
-    objSlot.m_pObject = pObject;
-    return &objSlot;
+    SafePointerSlot& slot = *m_vecSlots[nIndex];
+    slot.m_nCount = 1;
+    slot.m_pObject = pObject;
+    return &slot;
 }
 
-void SafePointerRegistry::release(SafePointerSlot& objSlot, const char* pTypeName) {
-    const std::lock_guard objGuard(m_objMutex);
-    std::uint32_t& nWord = m_vecBitmap[objSlot.m_nIndex / BitsPerWord];
-    if ((nWord & bitOf(objSlot.m_nIndex)) == 0) {
+void SafePointerRegistry::release(SafePointerSlot& slot, const char* pTypeName) {
+    const std::lock_guard guard(m_mutex);
+    std::uint32_t& nWord = m_vecBitmap[slot.m_nIndex / BitsPerWord];
+    if ((nWord & bitOf(slot.m_nIndex)) == 0) {
         std::array<char, FailureTextSize> szText{};
         std::snprintf(szText.data(), szText.size(), "double free poniter(0x%08" PRIxPTR ")",
-                      reinterpret_cast<std::uintptr_t>(objSlot.getPointer()));
+                      reinterpret_cast<std::uintptr_t>(slot.getPointer()));
         throw KXRuntimeError(szText.data());
     }
-    nWord &= ~bitOf(objSlot.m_nIndex);
-    objSlot.m_pObject = nullptr;
-    m_nHint = objSlot.m_nIndex;
-    m_objNames.remove(pTypeName);
+    nWord &= ~bitOf(slot.m_nIndex);
+    slot.m_pObject = nullptr;
+    m_nHint = slot.m_nIndex;
+    m_names.remove(pTypeName);
 }
 
 std::size_t SafePointerRegistry::getTableSize() const {
-    const std::lock_guard objGuard(m_objMutex);
+    const std::lock_guard guard(m_mutex);
     return m_vecSlots.size();
 }
 
@@ -138,5 +137,5 @@ void SafePointerRegistry::grow(std::size_t nSlots) {
 }
 
 std::string SafePointerRegistry::overflowText() const {
-    return "too much safe poniter" + m_objNames.statistics(StatisticsThreshold);
+    return "too much safe poniter" + m_names.statistics(StatisticsThreshold);
 }

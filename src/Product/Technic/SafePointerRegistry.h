@@ -39,8 +39,8 @@ public:
     SafePointerSlot& operator=(const SafePointerSlot&) = delete;
 
     // The codes of KXMutexHandle.
-    int lock() noexcept { return m_objMutex.lock(); }
-    int unlock() noexcept { return m_objMutex.unlock(); }
+    int lock() noexcept { return m_mutex.lock(); }
+    int unlock() noexcept { return m_mutex.unlock(); }
 
     void* getPointer() const noexcept { return m_pObject; }
     std::uint32_t getIndex() const noexcept { return m_nIndex; }
@@ -53,7 +53,7 @@ public:
 protected:
     friend class SafePointerRegistry;
 
-    KXMutexHandle m_objMutex;
+    KXMutexHandle m_mutex;
     std::uint32_t m_nCount = 0;
     std::uint32_t m_nIndex;
     std::atomic<void*> m_pObject{nullptr};  // stale holders read it while the registry writes it
@@ -77,7 +77,7 @@ public:
     SafePointerSlot* allocate(void* pObject, const char* pTypeName);
 
     // Frees a slot; throws KXRuntimeError "double free poniter(0x...)" when it is free already.
-    void release(SafePointerSlot& objSlot, const char* pTypeName);
+    void release(SafePointerSlot& slot, const char* pTypeName);
 
     std::size_t getTableSize() const;
 
@@ -88,7 +88,7 @@ private:
 
     std::vector<std::unique_ptr<SafePointerSlot>> m_vecSlots;
     std::vector<std::uint32_t> m_vecBitmap;  // bit i % 32 of word i / 32: slot i is in use
-    PointerNameMap m_objNames;
-    mutable KXMutexHandle m_objMutex;
+    PointerNameMap m_names;
+    mutable KXMutexHandle m_mutex;
     std::uint32_t m_nHint = 0;  // index of the slot released last
 };

@@ -124,8 +124,8 @@ std::int32_t Socket::sendTo(const void* pBuffer, std::int32_t nLength, InetAddr&
 }
 
 std::int32_t Socket::sendTo(const void* pBuffer, std::int32_t nLength, const InetAddr& address) {
-    InetAddr objCopy = address;
-    return sendTo(pBuffer, nLength, objCopy);
+    InetAddr copy = address;
+    return sendTo(pBuffer, nLength, copy);
 }
 
 std::int32_t Socket::waitRead(std::int32_t nTimeoutMs) {
@@ -236,7 +236,7 @@ std::int32_t Socket::acceptInto(Socket& into) {
         into.close();
         return Failed;
     }
-    storeAddress(into.m_objAddress, arrHost.data(), nPort, m_nIpVersion);
+    storeAddress(into.m_address, arrHost.data(), nPort, m_nIpVersion);
     return 0;
 }
 
@@ -466,7 +466,7 @@ std::int32_t Socket::wait(Direction direction, std::int32_t nTimeoutMs) noexcept
 }
 
 void Socket::storePeer(const char* pszHost, std::uint16_t nPort) {
-    storeAddress(m_objAddress, pszHost, nPort, m_nIpVersion);
+    storeAddress(m_address, pszHost, nPort, m_nIpVersion);
 }
 
 void Socket::keepAlive() noexcept {

@@ -34,7 +34,7 @@ public:
     std::int32_t getHandle() override { return m_nHandle; }
     void setHandle(std::int32_t nHandle) override { m_nHandle = nHandle; }
     // What the last `connect` reached, or the peer of an accepted socket.
-    InetAddr& getAddress() override { return m_objAddress; }
+    InetAddr& getAddress() override { return m_address; }
 
     bool bind(const char* pszHost, std::uint16_t nPort) override;
     bool bind(const char* pszIp) override;
@@ -132,7 +132,7 @@ private:
     bool getOption(SocketApi::Option option, std::int32_t* pValue) noexcept;
 
     std::int32_t m_nHandle = -1;
-    InetAddr m_objAddress;
+    InetAddr m_address;
     std::int32_t m_nIpVersion;
     std::int32_t m_nFamily;
     std::int32_t m_nType;

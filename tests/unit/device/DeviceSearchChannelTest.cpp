@@ -48,10 +48,10 @@ using AnswersBySender = std::function<Answers(const std::string& strSender)>;
 class GroupMember {
 public:
     explicit GroupMember(AnswersBySender answers, int nIPProtoVer = 1)
-        : m_answers(std::move(answers)), m_objTransfer(nIPProtoVer) {
+        : m_answers(std::move(answers)), m_transfer(nIPProtoVer) {
         const char* szGroup = nIPProtoVer == 2 ? "ff12::1" : "234.5.6.7";
-        EXPECT_EQ(m_objTransfer.create(), ErrorCode::Success);
-        EXPECT_TRUE(m_objTransfer.openGroup(addressOf(szGroup, nIPProtoVer, 31001)));
+        EXPECT_EQ(m_transfer.create(), ErrorCode::Success);
+        EXPECT_TRUE(m_transfer.openGroup(addressOf(szGroup, nIPProtoVer, 31001)));
         m_thread = std::thread(&GroupMember::serve, this);
     }
     explicit GroupMember(const Answers& answers, int nIPProtoVer = 1)
@@ -73,24 +73,24 @@ private:
         CommandBuffer buffer;
         Datagram datagram;
         while (!m_bEnding) {
-            if (m_objTransfer.recvCommand(buffer, 50, datagram.from) != ErrorCode::Success) {
+            if (m_transfer.recvCommand(buffer, 50, datagram.from) != ErrorCode::Success) {
                 continue;
             }
             EXPECT_TRUE(
-                decodeCommandHead(buffer.data(), buffer.getLength(), datagram.request.m_objHead));
+                decodeCommandHead(buffer.data(), buffer.getLength(), datagram.request.m_head));
             datagram.request.m_strBody = bytesOf(buffer).substr(SDKCommandHeadInfo::WireLength);
             {
                 const std::lock_guard guard(m_mutex);
                 m_vecDatagrams.push_back(datagram);
             }
             for (const Answer& answer : m_answers(datagram.from.getIP())) {
-                m_objTransfer.sendCommand(bufferOf(answer(datagram)), datagram.from, 1000);
+                m_transfer.sendCommand(bufferOf(answer(datagram)), datagram.from, 1000);
             }
         }
     }
 
     const AnswersBySender m_answers;
-    UDPTransfer m_objTransfer;
+    UDPTransfer m_transfer;
     std::atomic<bool> m_bEnding{false};
     std::mutex m_mutex;
     std::vector<Datagram> m_vecDatagrams;
@@ -100,7 +100,7 @@ private:
 // The good answer, with something about its head changed.
 Answer changed(std::function<void(SDKCommandHeadInfo&)> change) {
     return [=](const Datagram& datagram) {
-        SDKCommandHeadInfo head = datagram.request.m_objHead;
+        SDKCommandHeadInfo head = datagram.request.m_head;
         head.setCommandID(32505);
         change(head);
         return peerMessage(head, peerResult(0));
@@ -162,7 +162,7 @@ TEST(DeviceSearchChannel, SendsOneCommandWithTheFiveRecords) {
         const auto vecDatagrams = device.takeDatagrams();
         ASSERT_EQ(vecDatagrams.size(), 1U);
         EXPECT_EQ(vecDatagrams[0].from.getPORT(), 31002);
-        const SDKCommandHeadInfo& head = vecDatagrams[0].request.m_objHead;
+        const SDKCommandHeadInfo& head = vecDatagrams[0].request.m_head;
         EXPECT_EQ(head.getProtocolType(), 1);
         EXPECT_EQ(head.getCommandID(), 32506U);
         EXPECT_EQ(head.getSessionId(), 0U);

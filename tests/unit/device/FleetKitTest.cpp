@@ -215,8 +215,8 @@ std::vector<Operation> operations() {
 }
 
 void expectRequest(const PeerRequest& request, std::uint32_t nCommand, const Records& vecRecords) {
-    EXPECT_EQ(request.m_objHead.getCommandID(), nCommand);
-    EXPECT_EQ(request.m_objHead.getSessionId(), 77U);
+    EXPECT_EQ(request.m_head.getCommandID(), nCommand);
+    EXPECT_EQ(request.m_head.getSessionId(), 77U);
     EXPECT_EQ(request.m_strBody, bodyOf(vecRecords));
 }
 
@@ -249,14 +249,14 @@ void expectCodes(LoggedInDevice& device, const Operation& operation) {
 template <class Structure, class Record, class Get, class... Args>
 void expectBounded(LoggedInDevice& device, int nMost, const Record& record, Get get, Args... args) {
     struct Room {
-        Structure objStructure;
+        Structure structure;
         char Guard[2 * sizeof(tagOSDUserParam)];
     };
     const auto pRoom = std::make_unique<Room>();
     const std::vector vecTooMany(static_cast<std::size_t>(nMost) + 2, record);
     device.answerWith(bodyOf(0, recordsOf(listOf(vecTooMany))));
-    EXPECT_EQ(get(device.handle(), args..., pRoom->objStructure), ErrorCode::Success);
-    EXPECT_EQ(pRoom->objStructure.Count, nMost);
+    EXPECT_EQ(get(device.handle(), args..., pRoom->structure), ErrorCode::Success);
+    EXPECT_EQ(pRoom->structure.Count, nMost);
     EXPECT_THAT(pRoom->Guard, testing::Each('\0'));
 }
 

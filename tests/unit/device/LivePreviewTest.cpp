@@ -65,8 +65,8 @@ protected:
     }
 
     void provideBoth() {
-        provide(m_objNet, "/whole/libTarnNetSDK.so");
-        provide(m_objPlayer, "/whole/libTarnPlayerSDK.so");
+        provide(m_net, "/whole/libTarnNetSDK.so");
+        provide(m_player, "/whole/libTarnPlayerSDK.so");
     }
 
     static void provide(DynamicLibrary& library, const std::string& strPath) {
@@ -79,8 +79,8 @@ protected:
 
     int startPlay() { return m_pImpl->startPlay(Window, g_device); }
 
-    DynamicLibrary m_objNet;
-    DynamicLibrary m_objPlayer;
+    DynamicLibrary m_net;
+    DynamicLibrary m_player;
     std::unique_ptr<FleetKitImpl> m_pImpl = std::make_unique<FleetKitImpl>();
 };
 
@@ -172,7 +172,7 @@ TEST_F(LivePreview, HandsFramesToThePlayerWithoutACopy) {
     ASSERT_EQ(startPlay(), ErrorCode::Success);
     takeCalls();
     g_setFailing = {"Player_InputAVFrame"};
-    auto* const deliverFrame = m_objNet.function<int(void*, bool)>("deliverFrame");
+    auto* const deliverFrame = m_net.function<int(void*, bool)>("deliverFrame");
     int nFrame = 0;
     EXPECT_EQ(deliverFrame(&nFrame, true), 0);
     EXPECT_THAT(takeCalls(), ElementsAreArray({withPointer("Player_InputAVFrame 31 %p", &nFrame)}));
@@ -183,9 +183,9 @@ TEST_F(LivePreview, HandsFramesToThePlayerWithoutACopy) {
 
 TEST_F(LivePreview, StartsNothingWithoutItsLibraries) {
     EXPECT_EQ(startPlay(), ErrorCode::PreviewFailed);
-    provide(m_objNet, "/whole/libTarnNetSDK.so");
+    provide(m_net, "/whole/libTarnNetSDK.so");
     EXPECT_EQ(startPlay(), ErrorCode::PreviewFailed);
-    provide(m_objPlayer, "/incomplete/libTarnPlayerSDK.so");
+    provide(m_player, "/incomplete/libTarnPlayerSDK.so");
     EXPECT_EQ(startPlay(), ErrorCode::PreviewFailed);
     m_pImpl.reset();
     EXPECT_THAT(takeCalls(), IsEmpty());

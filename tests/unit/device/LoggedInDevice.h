@@ -25,19 +25,19 @@ inline std::string bodyOf(int nCode, Records records) {
 class LoggedInDevice {
 public:
     LoggedInDevice() {
-        EXPECT_EQ(FleetKit::Login(m_objPeer.getDeviceInfo(), m_hSession), ErrorCode::Success);
+        EXPECT_EQ(FleetKit::Login(m_peer.getDeviceInfo(), m_hSession), ErrorCode::Success);
     }
 
     const long& handle() const { return m_hSession; }
-    const ScriptedPeer& peer() const { return m_objPeer; }
+    const ScriptedPeer& peer() const { return m_peer; }
 
     void answerWith(const std::string& strBody) {
-        const std::lock_guard guard(m_objMutex);
+        const std::lock_guard guard(m_mutex);
         m_strBody = strBody;
     }
 
     std::vector<PeerRequest> takeRequests() {
-        const std::lock_guard guard(m_objMutex);
+        const std::lock_guard guard(m_mutex);
         return std::exchange(m_vecRequests, {});
     }
 
@@ -53,24 +53,24 @@ private:
             if (strBody.empty()) {
                 return link.close();
             }
-            const std::uint32_t nReply = findCommand(request.m_objHead.getCommandID())->nResponseId;
+            const std::uint32_t nReply = findCommand(request.m_head.getCommandID())->nResponseId;
             link.send(peerAnswer(request, nReply, strBody));
         }
     }
 
     std::string bodyFor(const PeerRequest& request) {
-        const std::uint32_t nCommand = request.m_objHead.getCommandID();
+        const std::uint32_t nCommand = request.m_head.getCommandID();
         if (nCommand == LoginCommand || nCommand == LogoutCommand || nCommand == KeepAliveCommand) {
             return peerResult(0, "<SessionId SessionId=\"77\" />");
         }
-        const std::lock_guard guard(m_objMutex);
+        const std::lock_guard guard(m_mutex);
         m_vecRequests.push_back(request);
         return m_strBody;
     }
 
-    std::mutex m_objMutex;
+    std::mutex m_mutex;
     std::string m_strBody = peerResult(0);
     std::vector<PeerRequest> m_vecRequests;
-    ScriptedPeer m_objPeer{[this](PeerLink& link) { serve(link); }};
+    ScriptedPeer m_peer{[this](PeerLink& link) { serve(link); }};
     long m_hSession = 0;
 };

@@ -49,7 +49,7 @@ public:
     int m_nRefused = 0;
 
 private:
-    std::size_t below(std::size_t nLimit) { return m_objRandom() % nLimit; }
+    std::size_t below(std::size_t nLimit) { return m_random() % nLimit; }
 
     void mutate(std::string& strBytes) {
         const std::size_t nAt = below(strBytes.size() + 1);
@@ -71,7 +71,7 @@ private:
         EXPECT_TRUE(!bRead || parser.createCommand(param, written));
     }
 
-    std::mt19937 m_objRandom{4711};
+    std::mt19937 m_random{4711};
 };
 
 // One of each record that the binary forms hold.

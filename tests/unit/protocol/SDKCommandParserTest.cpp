@@ -53,9 +53,9 @@ TEST(SDKCommandParserTest, ACommandComesBackWithTypeAndLengthSetRight) {
     const auto param = decoded(Parser, bufferOf(strCommand));
     EXPECT_EQ(param->getProtocolType(), 1U);
     EXPECT_EQ(encoded(Parser, param), strCommand);
-    const auto& objHead = static_cast<const SDKCommandParam&>(*param).getHead();
-    EXPECT_EQ(objHead.getProtocolType(), 1);
-    EXPECT_EQ(objHead.getPayloadLength(), strBody.size());
+    const auto& decodedHead = static_cast<const SDKCommandParam&>(*param).getHead();
+    EXPECT_EQ(decodedHead.getProtocolType(), 1);
+    EXPECT_EQ(decodedHead.getPayloadLength(), strBody.size());
 }
 
 TEST(SDKCommandParserTest, AMessageThatIsNoCommandLeavesTheOldOne) {

@@ -13,14 +13,13 @@
 // Long enough to be of no account where an answer comes, and short where none does.
 constexpr int SilenceMs = 50;
 
-inline SafePointer<SDKSession> connectTo(const ScriptedPeer& objPeer) {
-    SafePointer<ITransfer> objTransfer;
-    EXPECT_EQ(
-        TransferConnector().connect(objPeer.getDeviceInfo(), TransferKind::TCP, objTransfer, 3000),
-        0);
-    objTransfer->setCommandHeadParser(createCommandHeadParser(1));
-    auto objSession = wrapSafe(std::make_unique<SDKSession>());
-    objSession->setDeviceInfo(objPeer.getDeviceInfo());
-    objSession->setTransfer(objTransfer);
-    return objSession;
+inline SafePointer<SDKSession> connectTo(const ScriptedPeer& peer) {
+    SafePointer<ITransfer> transfer;
+    EXPECT_EQ(TransferConnector().connect(peer.getDeviceInfo(), TransferKind::TCP, transfer, 3000),
+              0);
+    transfer->setCommandHeadParser(createCommandHeadParser(1));
+    auto session = wrapSafe(std::make_unique<SDKSession>());
+    session->setDeviceInfo(peer.getDeviceInfo());
+    session->setTransfer(transfer);
+    return session;
 }

@@ -39,95 +39,95 @@ protected:
     void TearDown() override { endManager(); }
 
     void endManager() {
-        m_objClock.open();
-        m_pobjManager.reset();
+        m_clock.open();
+        m_pManager.reset();
     }
 
-    void addSession(long nHandle, const SafePointer<SDKSession>& objSession) {
-        m_pobjManager->addSession(nHandle, objSession);
-        m_objClock.awaitSleeper();
+    void addSession(long nHandle, const SafePointer<SDKSession>& session) {
+        m_pManager->addSession(nHandle, session);
+        m_clock.awaitSleeper();
     }
 
     bool knows(long nHandle) {
-        SafePointer<SDKSession> objFound;
-        return m_pobjManager->findSession(nHandle, objFound);
+        SafePointer<SDKSession> found;
+        return m_pManager->findSession(nHandle, found);
     }
 
     // Lets scans pass, with all keep-alives that they ask for.
     void scan(int nScans = 1) {
         for (int nScan = 0; nScan < nScans; ++nScan) {
-            m_objClock.advanceMs(3000);
-            m_objClock.awaitSleeper();
+            m_clock.advanceMs(3000);
+            m_clock.awaitSleeper();
         }
     }
 
-    GatedClock m_objClock{StartMs};
-    ScopedClock m_objInPlace{m_objClock};
-    std::unique_ptr<DeviceSessionManager> m_pobjManager = std::make_unique<DeviceSessionManager>();
+    GatedClock m_clock{StartMs};
+    ScopedClock m_inPlace{m_clock};
+    std::unique_ptr<DeviceSessionManager> m_pManager = std::make_unique<DeviceSessionManager>();
 };
 
 TEST_F(Heartbeat, KeepsTheTableByHandle) {
-    ScriptedPeer objPeer(answerAll(Acknowledged));
-    const auto objFirst = connectTo(objPeer);
-    addSession(1, objFirst);
+    ScriptedPeer peer(answerAll(Acknowledged));
+    const auto first = connectTo(peer);
+    addSession(1, first);
     addSession(1, wrapSafe(std::make_unique<SDKSession>()));
-    SafePointer<SDKSession> objFound;
-    ASSERT_TRUE(m_pobjManager->findSession(1, objFound));
-    EXPECT_EQ(objFound.get(), objFirst.get());
+    SafePointer<SDKSession> found;
+    ASSERT_TRUE(m_pManager->findSession(1, found));
+    EXPECT_EQ(found.get(), first.get());
     for (const long nUnknown : {0L, 2L, 1 + (1L << 32)}) {
         EXPECT_FALSE(knows(nUnknown)) << nUnknown;
     }
-    m_pobjManager->removeSession(2);
-    m_pobjManager->removeSession(1);
+    m_pManager->removeSession(2);
+    m_pManager->removeSession(1);
     EXPECT_FALSE(knows(1));
-    EXPECT_EQ(sendHeartBeat(objFound), 0);
+    EXPECT_EQ(sendHeartBeat(found), 0);
     scan(3);
-    EXPECT_EQ(objFound->getLastHeartbeat(), 0u);
+    EXPECT_EQ(found->getLastHeartbeat(), 0u);
 }
 
 TEST_F(Heartbeat, GoesOutAtTheFirstScanAndThenAfterMoreThanSixtySeconds) {
     std::atomic<int> nRequests{0};
-    ScriptedPeer objPeer(answerEach([&](const PeerRequest& objRequest) {
+    ScriptedPeer peer(answerEach([&](const PeerRequest& request) {
         ++nRequests;
-        EXPECT_EQ(objRequest.m_objHead.getCommandID(), KeepAlive);
-        EXPECT_EQ(objRequest.m_objHead.getSessionId(), 0xFFFFFFFEu);
-        EXPECT_NE(objRequest.m_strBody.find("<SessionId SessionId=\"-2\" />"), std::string::npos)
-            << objRequest.m_strBody;
-        return peerAnswer(objRequest, Acknowledged, peerResult(0));
+        EXPECT_EQ(request.m_head.getCommandID(), KeepAlive);
+        EXPECT_EQ(request.m_head.getSessionId(), 0xFFFFFFFEu);
+        EXPECT_NE(request.m_strBody.find("<SessionId SessionId=\"-2\" />"), std::string::npos)
+            << request.m_strBody;
+        return peerAnswer(request, Acknowledged, peerResult(0));
     }));
-    const auto objSession = connectTo(objPeer);
-    objSession->setSessionId(0xFFFFFFFE);
-    addSession(1, objSession);
+    const auto session = connectTo(peer);
+    session->setSessionId(0xFFFFFFFE);
+    addSession(1, session);
     EXPECT_EQ(nRequests, 0);
     scan();
-    EXPECT_EQ(objSession->getLastHeartbeat(), 1003u);
+    EXPECT_EQ(session->getLastHeartbeat(), 1003u);
     scan(ScansBetweenKeepAlives - 1);
     EXPECT_EQ(nRequests, 1);
     scan();
     EXPECT_EQ(nRequests, 2);
-    EXPECT_EQ(objSession->getLastHeartbeat(), 1066u);
-    EXPECT_EQ(objSession->getHeartbeatFailures(), 0);
-    EXPECT_LE(m_objClock.getLongestSleepMs(), 100u) << "somebody would wait for the end";
+    EXPECT_EQ(session->getLastHeartbeat(), 1066u);
+    EXPECT_EQ(session->getHeartbeatFailures(), 0);
+    EXPECT_LE(m_clock.getLongestSleepMs(), 100u) << "somebody would wait for the end";
 }
 
 TEST_F(Heartbeat, DropsSessionsAtTheScanAfterTheThirdFailureWhateverItIs) {
-    const auto objRaising = wrapSafe(std::make_unique<SDKSession>());
-    objRaising->setTransfer(wrapSafe<ITransfer>(std::make_unique<RaisingTransfer>()));
-    std::vector<SafePointer<SDKSession>> vecDead{objRaising};
+    const auto raising = wrapSafe(std::make_unique<SDKSession>());
+    raising->setTransfer(wrapSafe<ITransfer>(std::make_unique<RaisingTransfer>()));
+    std::vector<SafePointer<SDKSession>> vecDead{raising};
     int nRequests = 0;
     std::deque<ScriptedPeer> listPeers;
-    for (const ScriptedPeer::Script& objScript :
+    for (const ScriptedPeer::Script& script :
          {answerAll(Acknowledged, 5), answerAll(30508),
           answerEach([](const PeerRequest&) { return std::string(); }),
           ScriptedPeer::Script([](PeerLink&) {})}) {
-        vecDead.push_back(connectTo(listPeers.emplace_back(objScript)));
+        vecDead.push_back(connectTo(listPeers.emplace_back(script)));
         vecDead.back()->setReplyTimeout(SilenceMs);
     }
-    const auto objRecovering =
-        connectTo(listPeers.emplace_back(answerEach([&](const PeerRequest& objRequest) {
-            return peerAnswer(objRequest, Acknowledged, peerResult(++nRequests < 3 ? 5 : 0));
+    const auto recovering =
+        connectTo(listPeers.emplace_back(answerEach([&](const PeerRequest& request) {
+            return peerAnswer(request, Acknowledged, peerResult(++nRequests < 3 ? 5 : 0));
         })));
-    addSession(99, objRecovering);
+    addSession(99, recovering);
     for (std::size_t nDead = 0; nDead < vecDead.size(); ++nDead) {
         addSession(static_cast<long>(nDead), vecDead[nDead]);
     }
@@ -145,60 +145,60 @@ TEST_F(Heartbeat, DropsSessionsAtTheScanAfterTheThirdFailureWhateverItIs) {
     expectAll(3, false);
     scan(ScansBetweenKeepAlives);
     expectAll(3, false);
-    DomainList objReply;
-    EXPECT_EQ(vecDead.back()->sendRecv(ReadTime, {}, objReply), ErrorCode::NoTransport);
+    DomainList reply;
+    EXPECT_EQ(vecDead.back()->sendRecv(ReadTime, {}, reply), ErrorCode::NoTransport);
     EXPECT_TRUE(knows(99)) << "one good keep-alive makes up for two failures";
-    EXPECT_EQ(objRecovering->getHeartbeatFailures(), 0);
-    EXPECT_EQ(objRecovering->getLastHeartbeat(), 1192u);
+    EXPECT_EQ(recovering->getHeartbeatFailures(), 0);
+    EXPECT_EQ(recovering->getLastHeartbeat(), 1192u);
     EXPECT_TRUE(isSystemRunning());
 }
 
 TEST_F(Heartbeat, SessionThatLeftTheTableWhileItWasDueFailsOnceAndIsForgotten) {
-    std::promise<void> objArrived;
-    std::promise<void> objRemoved;
-    ScriptedPeer objFirstPeer([&](PeerLink& objLink) {
-        PeerRequest objRequest;
-        objLink.read(objRequest);
-        objArrived.set_value();
-        objRemoved.get_future().wait();
-        objLink.send(peerAnswer(objRequest, Acknowledged, peerResult(0)));
-        answerAll(Acknowledged)(objLink);
+    std::promise<void> arrived;
+    std::promise<void> removed;
+    ScriptedPeer firstPeer([&](PeerLink& link) {
+        PeerRequest request;
+        link.read(request);
+        arrived.set_value();
+        removed.get_future().wait();
+        link.send(peerAnswer(request, Acknowledged, peerResult(0)));
+        answerAll(Acknowledged)(link);
     });
-    ScriptedPeer objSecondPeer(answerAll(Acknowledged));
-    const auto objFirst = connectTo(objFirstPeer);
-    const auto objSecond = connectTo(objSecondPeer);
-    addSession(1, objFirst);
-    addSession(2, objSecond);
-    m_objClock.advanceMs(3000);
-    objArrived.get_future().wait();
-    m_pobjManager->removeSession(2);
-    objSecond->close();
-    objRemoved.set_value();
-    m_objClock.awaitSleeper();
-    EXPECT_EQ(objSecond->getHeartbeatFailures(), 1);
+    ScriptedPeer secondPeer(answerAll(Acknowledged));
+    const auto first = connectTo(firstPeer);
+    const auto second = connectTo(secondPeer);
+    addSession(1, first);
+    addSession(2, second);
+    m_clock.advanceMs(3000);
+    arrived.get_future().wait();
+    m_pManager->removeSession(2);
+    second->close();
+    removed.set_value();
+    m_clock.awaitSleeper();
+    EXPECT_EQ(second->getHeartbeatFailures(), 1);
     scan(ScansBetweenKeepAlives);
-    EXPECT_EQ(objSecond->getHeartbeatFailures(), 1);
-    EXPECT_EQ(objFirst->getLastHeartbeat(), 1066u);
+    EXPECT_EQ(second->getHeartbeatFailures(), 1);
+    EXPECT_EQ(first->getLastHeartbeat(), 1066u);
 }
 
 TEST_F(Heartbeat, EndOfTheManagerClosesSessionsWithoutLogout) {
-    std::promise<bool> objAsked;
-    ScriptedPeer objPeer([&](PeerLink& objLink) {
-        PeerRequest objRequest;
-        objAsked.set_value(objLink.read(objRequest));
+    std::promise<bool> asked;
+    ScriptedPeer peer([&](PeerLink& link) {
+        PeerRequest request;
+        asked.set_value(link.read(request));
     });
-    addSession(1, connectTo(objPeer));
+    addSession(1, connectTo(peer));
     endManager();
-    EXPECT_FALSE(objAsked.get_future().get());
+    EXPECT_FALSE(asked.get_future().get());
 }
 
 TEST(DeviceSessionManager, ProcessEndsWithOpenSessions) {
-    const ChildResult objResult = runInChild([] {
-        static ScriptedPeer objPeer(answerAll(Acknowledged));
-        DeviceSessionManager::instance().addSession(1, connectTo(objPeer));
+    const ChildResult result = runInChild([] {
+        static ScriptedPeer peer(answerAll(Acknowledged));
+        DeviceSessionManager::instance().addSession(1, connectTo(peer));
         std::exit(testing::Test::HasFailure() ? 1 : 0);
     });
-    EXPECT_EQ(objResult.m_nExitCode, 0) << objResult.m_strOutput;
+    EXPECT_EQ(result.m_nExitCode, 0) << result.m_strOutput;
 }
 
 }  // namespace

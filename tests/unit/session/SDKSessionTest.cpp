@@ -24,8 +24,8 @@ constexpr std::uint32_t Acknowledged = 10000;
 constexpr std::uint32_t NoSuchCommand = 65000;
 constexpr std::uint32_t OperatePTZ = 14006;
 
-int exchange(const SafePointer<SDKSession>& objSession, std::uint32_t nCommandId = ReadTime) {
-    return sendRecord(objSession, nCommandId, ChannelId());
+int exchange(const SafePointer<SDKSession>& session, std::uint32_t nCommandId = ReadTime) {
+    return sendRecord(session, nCommandId, ChannelId());
 }
 
 // A message of the device, by what makes it differ from the answer that is due.
@@ -37,30 +37,29 @@ struct Message {
     std::uint16_t nProtocolType = 1;
 };
 
-std::string bytesOf(const Message& objMessage, const PeerRequest& objRequest) {
-    SDKCommandHeadInfo objHead = objRequest.m_objHead;
-    objHead.setCommandID(objMessage.nCommandID);
-    objHead.setSequence(
-        static_cast<std::uint16_t>(objHead.getSequence() + objMessage.nSequencesAhead));
-    objHead.setSessionId(objHead.getSessionId() + objMessage.nSessionsAhead);
-    return peerMessage(objHead, objMessage.strBody, objMessage.nProtocolType);
+std::string bytesOf(const Message& message, const PeerRequest& request) {
+    SDKCommandHeadInfo head = request.m_head;
+    head.setCommandID(message.nCommandID);
+    head.setSequence(static_cast<std::uint16_t>(head.getSequence() + message.nSequencesAhead));
+    head.setSessionId(head.getSessionId() + message.nSessionsAhead);
+    return peerMessage(head, message.strBody, message.nProtocolType);
 }
 
 // Waits for a request of session 0x90000001, and tells its sequence.
-std::uint16_t readSequence(PeerLink& objLink, PeerRequest& objRequest) {
-    EXPECT_TRUE(objLink.read(objRequest));
-    EXPECT_EQ(objRequest.m_objHead.getProtocolType(), 1);
-    EXPECT_EQ(objRequest.m_objHead.getCommandID(), ReadTime);
-    EXPECT_EQ(objRequest.m_objHead.getSessionId(), 0x90000001u);
-    return objRequest.m_objHead.getSequence();
+std::uint16_t readSequence(PeerLink& link, PeerRequest& request) {
+    EXPECT_TRUE(link.read(request));
+    EXPECT_EQ(request.m_head.getProtocolType(), 1);
+    EXPECT_EQ(request.m_head.getCommandID(), ReadTime);
+    EXPECT_EQ(request.m_head.getSessionId(), 0x90000001u);
+    return request.m_head.getSequence();
 }
 
 TEST(SDKSession, TellsItsReplyFromWhatElseArrivesAndStaysUsable) {
     const std::string strChannel = "<ChannelId Id=\"4\" />";
     const std::string strBroken = "<Parameters><Result";
-    const Message objAnswer;
-    const Message objStray{.nSequencesAhead = 1};
-    const Message objForeign{.nSessionsAhead = 1};
+    const Message answer;
+    const Message stray{.nSequencesAhead = 1};
+    const Message foreign{.nSessionsAhead = 1};
     const struct {
         const char* szName;
         std::vector<Message> vecMessages;
@@ -76,30 +75,30 @@ TEST(SDKSession, TellsItsReplyFromWhatElseArrivesAndStaysUsable) {
         {"wrong command", {{.nCommandID = Acknowledged}}, -501, 0},
         {"undecodable", {{strBroken}}, -233, 0},
         {"undecodable of another session", {{strBroken, 0, 1}}, -233, 0},
-        {"behind three strays", {objStray, objStray, objStray, objAnswer}, 0, 1},
-        {"behind three of others", {objForeign, objForeign, objForeign, objAnswer}, 0, 1},
-        {"four strays", {objStray, objStray, objStray, objStray}, -501, 0},
-        {"four of others", {objForeign, objForeign, objForeign, objForeign}, -501, 0},
-        {"a fifth", {objStray, objStray, objStray, objStray, {strBroken}}, -501, 0, -233},
+        {"behind three strays", {stray, stray, stray, answer}, 0, 1},
+        {"behind three of others", {foreign, foreign, foreign, answer}, 0, 1},
+        {"four strays", {stray, stray, stray, stray}, -501, 0},
+        {"four of others", {foreign, foreign, foreign, foreign}, -501, 0},
+        {"a fifth", {stray, stray, stray, stray, {strBroken}}, -501, 0, -233},
     };
-    for (const auto& objCase : arrCases) {
-        SCOPED_TRACE(objCase.szName);
-        ScriptedPeer objPeer([&](PeerLink& objLink) {
-            PeerRequest objRequest;
-            const std::uint16_t nFirst = readSequence(objLink, objRequest);
-            for (const Message& objMessage : objCase.vecMessages) {
-                objLink.send(bytesOf(objMessage, objRequest));
+    for (const auto& testCase : arrCases) {
+        SCOPED_TRACE(testCase.szName);
+        ScriptedPeer peer([&](PeerLink& link) {
+            PeerRequest request;
+            const std::uint16_t nFirst = readSequence(link, request);
+            for (const Message& message : testCase.vecMessages) {
+                link.send(bytesOf(message, request));
             }
-            EXPECT_EQ(readSequence(objLink, objRequest), static_cast<std::uint16_t>(nFirst + 1));
-            objLink.send(bytesOf(objAnswer, objRequest));
+            EXPECT_EQ(readSequence(link, request), static_cast<std::uint16_t>(nFirst + 1));
+            link.send(bytesOf(answer, request));
         });
-        const auto objSession = connectTo(objPeer);
-        objSession->setSessionId(0x90000001);
-        Records objReply;
-        EXPECT_EQ(objSession->sendRecv(ReadTime, {}, objReply), objCase.nCode);
-        EXPECT_EQ(objReply.size(), objCase.nRecords);
-        EXPECT_EQ(objSession->getProtocolType(), objCase.vecMessages.back().nProtocolType);
-        EXPECT_EQ(exchange(objSession), objCase.nNextCode);
+        const auto session = connectTo(peer);
+        session->setSessionId(0x90000001);
+        Records reply;
+        EXPECT_EQ(session->sendRecv(ReadTime, {}, reply), testCase.nCode);
+        EXPECT_EQ(reply.size(), testCase.nRecords);
+        EXPECT_EQ(session->getProtocolType(), testCase.vecMessages.back().nProtocolType);
+        EXPECT_EQ(exchange(session), testCase.nNextCode);
     }
 }
 
@@ -107,27 +106,27 @@ TEST(SDKSession, ThrowsLateAnswersAwayAndTellsAnUnknownCommandOnlyAfterAnAnswer)
     for (const auto& [nCommandId, nCode] :
          {std::pair{ReadTime, 6}, {NoSuchCommand, ErrorCode::UnknownCommand}}) {
         std::string strLate;
-        ScriptedPeer objPeer(answerEach([&](const PeerRequest& objRequest) {
-            const std::string strAnswers = strLate + bytesOf({peerResult(6)}, objRequest);
-            const bool bFirst = std::exchange(strLate, bytesOf({}, objRequest)).empty();
+        ScriptedPeer peer(answerEach([&](const PeerRequest& request) {
+            const std::string strAnswers = strLate + bytesOf({peerResult(6)}, request);
+            const bool bFirst = std::exchange(strLate, bytesOf({}, request)).empty();
             return bFirst ? "" : strAnswers;
         }));
-        const auto objSession = connectTo(objPeer);
-        objSession->setReplyTimeout(SilenceMs);
-        EXPECT_EQ(exchange(objSession, nCommandId), ErrorCode::ReceiveTimedOut);
-        objSession->setReplyTimeout(SDKSession::DefaultReplyTimeoutMs);
-        EXPECT_EQ(exchange(objSession, nCommandId), nCode);
+        const auto session = connectTo(peer);
+        session->setReplyTimeout(SilenceMs);
+        EXPECT_EQ(exchange(session, nCommandId), ErrorCode::ReceiveTimedOut);
+        session->setReplyTimeout(SDKSession::DefaultReplyTimeoutMs);
+        EXPECT_EQ(exchange(session, nCommandId), nCode);
     }
 }
 
 TEST(SDKSession, SurvivesWhatCannotBeSent) {
-    ScriptedPeer objPeer(answerAll(TimeRead));
-    const auto objSession = connectTo(objPeer);
-    Records objReply;
-    EXPECT_EQ(objSession->sendRecv(OperatePTZ, {}, objReply), ErrorCode::EncodeFailed);
-    EXPECT_THROW(objSession->sendRecv(ReadTime, Records(1), objReply), KXRuntimeError);
-    EXPECT_THROW(objSession->setTransfer(SafePointer<ITransfer>()), KXRuntimeError);
-    EXPECT_EQ(exchange(objSession), 0);
+    ScriptedPeer peer(answerAll(TimeRead));
+    const auto session = connectTo(peer);
+    Records reply;
+    EXPECT_EQ(session->sendRecv(OperatePTZ, {}, reply), ErrorCode::EncodeFailed);
+    EXPECT_THROW(session->sendRecv(ReadTime, Records(1), reply), KXRuntimeError);
+    EXPECT_THROW(session->setTransfer(SafePointer<ITransfer>()), KXRuntimeError);
+    EXPECT_EQ(exchange(session), 0);
 }
 
 // Takes up every safe pointer that there is, and gives some of them back.
@@ -148,7 +147,7 @@ private:
 };
 
 TEST(SDKSession, NoRoomForSafePointersIsACodeOnEveryStepOfAnExchange) {
-    ScriptedPeer objPeer(answerAll(TimeRead));
+    ScriptedPeer peer(answerAll(TimeRead));
     const std::pair<std::size_t, int> arrCases[] = {
         {0, ErrorCode::EncodeFailed},  // for the record of the request
         {1, ErrorCode::EncodeFailed},  // for the request
@@ -157,13 +156,13 @@ TEST(SDKSession, NoRoomForSafePointersIsACodeOnEveryStepOfAnExchange) {
         {4, ErrorCode::Success},
     };
     for (const auto& [nLeft, nCode] : arrCases) {
-        const auto objSession = connectTo(objPeer);
+        const auto session = connectTo(peer);
         {
-            const FullRegistry objFull(nLeft);
-            EXPECT_EQ(exchange(objSession), nCode) << nLeft;
+            const FullRegistry full(nLeft);
+            EXPECT_EQ(exchange(session), nCode) << nLeft;
         }
-        EXPECT_EQ(exchange(objSession), 0) << nLeft;
-        objSession->close();
+        EXPECT_EQ(exchange(session), 0) << nLeft;
+        session->close();
     }
 }
 
@@ -171,37 +170,37 @@ TEST(SDKSession, EveryEndOfTheConnectionHasItsCode) {
     EXPECT_EQ(exchange(SafePointer<SDKSession>()), ErrorCode::NoTransport);
     EXPECT_EQ(exchange(wrapSafe(std::make_unique<SDKSession>())), ErrorCode::NoTransport);
 
-    ScriptedPeer objPeer([](PeerLink& objLink) {
-        PeerRequest objRequest;
-        objLink.read(objRequest);
-        objLink.close();
+    ScriptedPeer peer([](PeerLink& link) {
+        PeerRequest request;
+        link.read(request);
+        link.close();
     });
-    const auto objSession = connectTo(objPeer);
-    EXPECT_EQ(exchange(objSession), ErrorCode::ReceiveFailed);
-    objSession->close();
-    EXPECT_EQ(exchange(objSession), ErrorCode::NoTransport);
-    objSession->close();
+    const auto session = connectTo(peer);
+    EXPECT_EQ(exchange(session), ErrorCode::ReceiveFailed);
+    session->close();
+    EXPECT_EQ(exchange(session), ErrorCode::NoTransport);
+    session->close();
 }
 
 TEST(SDKSession, CallersOfOneSessionTakeTurns) {
     std::atomic<int> nOverlaps{0};
-    ScriptedPeer objPeer([&](PeerLink& objLink) {
-        answerEach([&](const PeerRequest& objRequest) {
-            nOverlaps += objLink.hasMore() ? 1 : 0;
-            std::string strBody = objRequest.m_strBody;
+    ScriptedPeer peer([&](PeerLink& link) {
+        answerEach([&](const PeerRequest& request) {
+            nOverlaps += link.hasMore() ? 1 : 0;
+            std::string strBody = request.m_strBody;
             strBody.insert(strBody.find("<ChannelId"), "<Result Code=\"0\" />");
-            return bytesOf({strBody}, objRequest);
-        })(objLink);
+            return bytesOf({strBody}, request);
+        })(link);
     });
-    const auto objSession = connectTo(objPeer);
+    const auto session = connectTo(peer);
     std::vector<std::jthread> vecCallers;
     for (const int nFirst : {1000, 2000, 3000, 4000}) {
         vecCallers.emplace_back([&, nFirst] {
             for (int nId = nFirst; nId < nFirst + 50; ++nId) {
-                ChannelId objAnswered;
-                const ChannelId objAsked = with(&ChannelId::setId, nId);
-                ASSERT_EQ(sendRecord(objSession, ReadTime, objAsked, objAnswered), 0);
-                ASSERT_EQ(objAnswered.getId(), nId);
+                ChannelId answered;
+                const ChannelId asked = with(&ChannelId::setId, nId);
+                ASSERT_EQ(sendRecord(session, ReadTime, asked, answered), 0);
+                ASSERT_EQ(answered.getId(), nId);
             }
         });
     }
@@ -210,40 +209,40 @@ TEST(SDKSession, CallersOfOneSessionTakeTurns) {
 }
 
 TEST(SDKSession, CloseWaitsForTheExchangeUnderWay) {
-    std::promise<void> objArrived;
-    std::promise<void> objClosing;
-    ScriptedPeer objPeer(answerEach([&](const PeerRequest& objRequest) {
-        objArrived.set_value();
-        objClosing.get_future().wait();
-        return bytesOf({}, objRequest);
+    std::promise<void> arrived;
+    std::promise<void> closing;
+    ScriptedPeer peer(answerEach([&](const PeerRequest& request) {
+        arrived.set_value();
+        closing.get_future().wait();
+        return bytesOf({}, request);
     }));
-    const auto objSession = connectTo(objPeer);
-    std::thread objCloser([&] {
-        objArrived.get_future().wait();
-        objClosing.set_value();
-        objSession->close();
+    const auto session = connectTo(peer);
+    std::thread closer([&] {
+        arrived.get_future().wait();
+        closing.set_value();
+        session->close();
     });
-    EXPECT_EQ(exchange(objSession), 0);
-    objCloser.join();
-    EXPECT_EQ(exchange(objSession), ErrorCode::NoTransport);
+    EXPECT_EQ(exchange(session), 0);
+    closer.join();
+    EXPECT_EQ(exchange(session), ErrorCode::NoTransport);
 }
 
 TEST(SessionCommands, FindRecordTakesTheFirstOfItsTypeAndListsByTheirElement) {
-    const ChannelId objFour = with(&ChannelId::setId, 4);
-    const auto objList = listOf<ChannelId>({objFour, objFour});
-    const Records objReply =
-        recordsOf(EtResult(), DomainVectorContainer<EtResult>(), objList, objFour, ChannelId());
-    ChannelId objFound;
-    EXPECT_TRUE(findRecord(ChannelId::DomainId, 0, objReply, objFound));
-    EXPECT_EQ(objFound, objFour);
-    DomainVectorContainer<ChannelId> objFoundList;
-    EXPECT_TRUE(findRecord(ContainerDomainId, ChannelId::DomainId, objReply, objFoundList));
-    EXPECT_EQ(objFoundList.getElements(), objList.getElements());
+    const ChannelId four = with(&ChannelId::setId, 4);
+    const auto list = listOf<ChannelId>({four, four});
+    const Records reply =
+        recordsOf(EtResult(), DomainVectorContainer<EtResult>(), list, four, ChannelId());
+    ChannelId found;
+    EXPECT_TRUE(findRecord(ChannelId::DomainId, 0, reply, found));
+    EXPECT_EQ(found, four);
+    DomainVectorContainer<ChannelId> foundList;
+    EXPECT_TRUE(findRecord(ContainerDomainId, ChannelId::DomainId, reply, foundList));
+    EXPECT_EQ(foundList.getElements(), list.getElements());
 
-    EtSessionId objMissing = with(&EtSessionId::setSessionId, 9);
-    EXPECT_FALSE(findRecord(EtSessionId::DomainId, 0, objReply, objMissing));
-    EXPECT_FALSE(findRecord(ContainerDomainId, EtSessionId::DomainId, objReply, objMissing));
-    EXPECT_EQ(objMissing.getSessionId(), 9);
+    EtSessionId missing = with(&EtSessionId::setSessionId, 9);
+    EXPECT_FALSE(findRecord(EtSessionId::DomainId, 0, reply, missing));
+    EXPECT_FALSE(findRecord(ContainerDomainId, EtSessionId::DomainId, reply, missing));
+    EXPECT_EQ(missing.getSessionId(), 9);
 }
 
 TEST(SequenceNumber, ThreadsTogetherTakeEachNumberOnceARound) {

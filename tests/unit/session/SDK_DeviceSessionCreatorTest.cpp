@@ -22,22 +22,20 @@ constexpr std::uint32_t Acknowledged = 10000;
 constexpr long Untouched = -99;
 constexpr int ReplyTimeoutMs = 5000;
 
-std::string loggedIn(const PeerRequest& objRequest) {
-    return peerAnswer(objRequest, LoggedIn, peerResult(0, "<SessionId SessionId=\"-5\" />"));
+std::string loggedIn(const PeerRequest& request) {
+    return peerAnswer(request, LoggedIn, peerResult(0, "<SessionId SessionId=\"-5\" />"));
 }
 
 // Lets everybody in, as session -5, and writes down what was asked: command, session, record.
 ScriptedPeer::Script welcoming(std::vector<std::string>& vecAsked) {
-    return answerEach([&](const PeerRequest& objRequest) {
-        const SDKCommandHeadInfo& objHead = objRequest.m_objHead;
-        const std::string strUser =
-            objRequest.m_strBody.substr(objRequest.m_strBody.find("<UserParam"));
-        vecAsked.push_back(std::to_string(objHead.getCommandID()) + " " +
-                           std::to_string(objHead.getSessionId()) + " " +
+    return answerEach([&](const PeerRequest& request) {
+        const SDKCommandHeadInfo& head = request.m_head;
+        const std::string strUser = request.m_strBody.substr(request.m_strBody.find("<UserParam"));
+        vecAsked.push_back(std::to_string(head.getCommandID()) + " " +
+                           std::to_string(head.getSessionId()) + " " +
                            strUser.substr(0, strUser.find('\n')));
-        return objHead.getCommandID() == Login
-                   ? loggedIn(objRequest)
-                   : peerAnswer(objRequest, Acknowledged, peerResult(0));
+        return head.getCommandID() == Login ? loggedIn(request)
+                                            : peerAnswer(request, Acknowledged, peerResult(0));
     });
 }
 
@@ -45,20 +43,19 @@ TEST(SDK_DeviceSessionCreator, LogsInAndOutWithEncipheredCredentials) {
     outputOfChild([] {
         std::vector<std::string> vecAsked;
         {
-            ScriptedPeer objPeer(welcoming(vecAsked));
-            SDK_DeviceSessionCreator objCreator;
+            ScriptedPeer peer(welcoming(vecAsked));
+            SDK_DeviceSessionCreator creator;
             for (const long nExpected : {1L, 2L}) {  // handles are never used again
                 long nHandle = Untouched;
-                ASSERT_EQ(
-                    objCreator.createSession(objPeer.getDeviceInfo(), ReplyTimeoutMs, nHandle), 0);
+                ASSERT_EQ(creator.createSession(peer.getDeviceInfo(), ReplyTimeoutMs, nHandle), 0);
                 EXPECT_EQ(nHandle, nExpected);
-                SafePointer<SDKSession> objSession;
-                ASSERT_TRUE(DeviceSessionManager::instance().findSession(nHandle, objSession));
-                EXPECT_EQ(objSession->getSessionId(), 0xFFFFFFFBu);
-                EXPECT_EQ(objCreator.destroySession(nHandle), 0);
-                EXPECT_EQ(objSession->getSessionId(), 0u);
-                EXPECT_EQ(objCreator.login(objSession), ErrorCode::NoTransport) << "closed";
-                EXPECT_EQ(objCreator.destroySession(nHandle), ErrorCode::UnknownHandle);
+                SafePointer<SDKSession> session;
+                ASSERT_TRUE(DeviceSessionManager::instance().findSession(nHandle, session));
+                EXPECT_EQ(session->getSessionId(), 0xFFFFFFFBu);
+                EXPECT_EQ(creator.destroySession(nHandle), 0);
+                EXPECT_EQ(session->getSessionId(), 0u);
+                EXPECT_EQ(creator.login(session), ErrorCode::NoTransport) << "closed";
+                EXPECT_EQ(creator.destroySession(nHandle), ErrorCode::UnknownHandle);
             }
         }
         const std::string strUser = "<UserParam UserName=\"" + enciphered("admin") +
@@ -82,29 +79,29 @@ TEST(SDK_DeviceSessionCreator, FailedLoginClosesTheConnectionAndLeavesTheHandle)
         {ErrorCode::ReceiveTimedOut, peerResult(0, strSession), 1},
     };
     outputOfChild([&] {
-        for (const auto& objCase : arrCases) {
-            SCOPED_TRACE(objCase.nCode);
-            std::promise<void> objClosed;
-            ScriptedPeer objPeer([&](PeerLink& objLink) {
-                answerEach([&](PeerRequest objRequest) {
-                    objRequest.m_objHead.setSessionId(objCase.nSessionInHead);
-                    return peerAnswer(objRequest, LoggedIn, objCase.strBody);
-                })(objLink);
-                objClosed.set_value();
+        for (const auto& testCase : arrCases) {
+            SCOPED_TRACE(testCase.nCode);
+            std::promise<void> closed;
+            ScriptedPeer peer([&](PeerLink& link) {
+                answerEach([&](PeerRequest request) {
+                    request.m_head.setSessionId(testCase.nSessionInHead);
+                    return peerAnswer(request, LoggedIn, testCase.strBody);
+                })(link);
+                closed.set_value();
             });
             const int nTimeoutMs =
-                objCase.nCode == ErrorCode::ReceiveTimedOut ? SilenceMs : ReplyTimeoutMs;
+                testCase.nCode == ErrorCode::ReceiveTimedOut ? SilenceMs : ReplyTimeoutMs;
             long nHandle = Untouched;
-            EXPECT_EQ(SDK_DeviceSessionCreator().createSession(objPeer.getDeviceInfo(), nTimeoutMs,
-                                                               nHandle),
-                      objCase.nCode);
-            EXPECT_EQ(objClosed.get_future().wait_for(std::chrono::seconds(30)),
+            EXPECT_EQ(
+                SDK_DeviceSessionCreator().createSession(peer.getDeviceInfo(), nTimeoutMs, nHandle),
+                testCase.nCode);
+            EXPECT_EQ(closed.get_future().wait_for(std::chrono::seconds(30)),
                       std::future_status::ready);
             EXPECT_EQ(nHandle, Untouched);
         }
-        const DeviceInfoEx objGone = ScriptedPeer([](PeerLink&) {}).getDeviceInfo();
+        const DeviceInfoEx gone = ScriptedPeer([](PeerLink&) {}).getDeviceInfo();
         long nHandle = Untouched;
-        EXPECT_EQ(SDK_DeviceSessionCreator().createSession(objGone, ReplyTimeoutMs, nHandle),
+        EXPECT_EQ(SDK_DeviceSessionCreator().createSession(gone, ReplyTimeoutMs, nHandle),
                   ErrorCode::ConnectFailed);
         EXPECT_EQ(nHandle, Untouched);
     });
@@ -112,36 +109,36 @@ TEST(SDK_DeviceSessionCreator, FailedLoginClosesTheConnectionAndLeavesTheHandle)
 
 TEST(SDK_DeviceSessionCreator, LogoutOfADeadConnectionSucceeds) {
     outputOfChild([] {
-        ScriptedPeer objPeer([](PeerLink& objLink) {
-            PeerRequest objRequest;
-            objLink.read(objRequest);
-            objLink.send(loggedIn(objRequest));
-            objLink.read(objRequest);
-            objLink.close();
+        ScriptedPeer peer([](PeerLink& link) {
+            PeerRequest request;
+            link.read(request);
+            link.send(loggedIn(request));
+            link.read(request);
+            link.close();
         });
-        SDK_DeviceSessionCreator objCreator;
+        SDK_DeviceSessionCreator creator;
         long nHandle = Untouched;
-        ASSERT_EQ(objCreator.createSession(objPeer.getDeviceInfo(), ReplyTimeoutMs, nHandle), 0);
-        EXPECT_EQ(objCreator.destroySession(nHandle), 0);
-        EXPECT_EQ(objCreator.destroySession(nHandle), ErrorCode::UnknownHandle);
+        ASSERT_EQ(creator.createSession(peer.getDeviceInfo(), ReplyTimeoutMs, nHandle), 0);
+        EXPECT_EQ(creator.destroySession(nHandle), 0);
+        EXPECT_EQ(creator.destroySession(nHandle), ErrorCode::UnknownHandle);
     });
 }
 
 TEST(SDK_DeviceSessionCreator, EmptyCredentialsStayEmptyAndNoSessionIsACode) {
     std::vector<std::string> vecAsked;
     {
-        ScriptedPeer objPeer(welcoming(vecAsked));
-        auto objSession = connectTo(objPeer);
-        objSession->setDeviceInfo(DeviceInfoEx());
-        EXPECT_EQ(SDK_DeviceSessionCreator().login(objSession), 0);
+        ScriptedPeer peer(welcoming(vecAsked));
+        auto session = connectTo(peer);
+        session->setDeviceInfo(DeviceInfoEx());
+        EXPECT_EQ(SDK_DeviceSessionCreator().login(session), 0);
     }
     EXPECT_EQ(
         vecAsked,
         (std::vector<std::string>{"11001 0 <UserParam UserName=\"\" Password=\"\" Desc=\"\" />"}));
 
-    SafePointer<SDKSession> objNone;
-    EXPECT_EQ(SDK_DeviceSessionCreator().login(objNone), ErrorCode::NoTransport);
-    EXPECT_EQ(SDK_DeviceSessionCreator().logout(objNone), ErrorCode::NoTransport);
+    SafePointer<SDKSession> none;
+    EXPECT_EQ(SDK_DeviceSessionCreator().login(none), ErrorCode::NoTransport);
+    EXPECT_EQ(SDK_DeviceSessionCreator().logout(none), ErrorCode::NoTransport);
 }
 
 }  // namespace

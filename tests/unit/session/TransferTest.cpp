@@ -42,27 +42,27 @@ protected:
     void SetUp() override {
         InetAddr address;
         address.setIP(Loopback);
-        ASSERT_EQ(0, m_objListener.create());
-        ASSERT_EQ(0, m_objListener.setReuseAddr(1));
-        ASSERT_EQ(0, m_objListener.bind(address));
-        ASSERT_EQ(0, m_objListener.listen(1));
-        ASSERT_TRUE(m_objListener.getLocalAddr(address));
-        ASSERT_EQ(0, m_objTransfer.create());
-        ASSERT_EQ(0, m_objTransfer.connect(address, LongMs));
-        ASSERT_EQ(0, m_objListener.accept(m_objPeer, LongMs));
-        ASSERT_TRUE(m_objTransfer.setCommandHeadParser(createCommandHeadParser(1)));
+        ASSERT_EQ(0, m_listener.create());
+        ASSERT_EQ(0, m_listener.setReuseAddr(1));
+        ASSERT_EQ(0, m_listener.bind(address));
+        ASSERT_EQ(0, m_listener.listen(1));
+        ASSERT_TRUE(m_listener.getLocalAddr(address));
+        ASSERT_EQ(0, m_transfer.create());
+        ASSERT_EQ(0, m_transfer.connect(address, LongMs));
+        ASSERT_EQ(0, m_listener.accept(m_peer, LongMs));
+        ASSERT_TRUE(m_transfer.setCommandHeadParser(createCommandHeadParser(1)));
     }
 
     void peerSends(const std::string& strBytes) {
         const auto nLength = static_cast<std::int32_t>(strBytes.size());
-        ASSERT_EQ(nLength, m_objPeer.getSocket()->sendAll(strBytes.data(), nLength));
+        ASSERT_EQ(nLength, m_peer.getSocket()->sendAll(strBytes.data(), nLength));
     }
 
-    TCPTransfer m_objListener{1};
-    TCPTransfer m_objTransfer{1};
-    TCPTransfer m_objPeer{1};
-    CommandBuffer m_objBuffer;
-    InetAddr m_objFrom;
+    TCPTransfer m_listener{1};
+    TCPTransfer m_transfer{1};
+    TCPTransfer m_peer{1};
+    CommandBuffer m_buffer;
+    InetAddr m_from;
 };
 
 TEST_F(TCPTransferTest, EveryReceiveHasItsCodeAndItsBytes) {
@@ -103,71 +103,71 @@ TEST_F(TCPTransferTest, EveryReceiveHasItsCodeAndItsBytes) {
     };
     for (const auto& [szName, vecSteps] : arrConnections) {
         SCOPED_TRACE(szName);
-        for (const Step& objStep : vecSteps) {
-            peerSends(objStep.strSent);
-            if (objStep.bCloses) {
-                m_objPeer.close();
+        for (const Step& step : vecSteps) {
+            peerSends(step.strSent);
+            if (step.bCloses) {
+                m_peer.close();
             }
-            const int nTimeoutMs = objStep.nCode == ReceiveTimedOut ? ShortMs : LongMs;
-            EXPECT_EQ(objStep.nCode, m_objTransfer.recvCommand(m_objBuffer, nTimeoutMs, m_objFrom));
-            EXPECT_TRUE(objStep.strReceived == bytesOf(m_objBuffer));
-            EXPECT_LT(m_objBuffer.getCapacity(), 1U << 20);
+            const int nTimeoutMs = step.nCode == ReceiveTimedOut ? ShortMs : LongMs;
+            EXPECT_EQ(step.nCode, m_transfer.recvCommand(m_buffer, nTimeoutMs, m_from));
+            EXPECT_TRUE(step.strReceived == bytesOf(m_buffer));
+            EXPECT_LT(m_buffer.getCapacity(), 1U << 20);
         }
-        m_objListener.close();
-        m_objTransfer.close();
-        m_objBuffer.release();
+        m_listener.close();
+        m_transfer.close();
+        m_buffer.release();
         SetUp();
     }
 }
 
 TEST_F(TCPTransferTest, SentCommandsArriveWholeWithTheirSender) {
     const CommandBuffer buffer = bufferOf(command("body"));
-    EXPECT_EQ(ErrorCode::Success, m_objPeer.sendCommand(buffer, m_objFrom, LongMs));
-    EXPECT_EQ(ErrorCode::Success, m_objPeer.sendCommand(buffer, m_objFrom));
-    EXPECT_EQ(ErrorCode::Success, m_objTransfer.recvCommand(m_objBuffer, LongMs, m_objFrom));
-    EXPECT_EQ(ErrorCode::Success, m_objTransfer.recvCommand(m_objBuffer));
-    EXPECT_EQ(command("body"), bytesOf(m_objBuffer));
-    EXPECT_EQ(m_objBuffer.getLength(), m_objBuffer.getCapacity());
+    EXPECT_EQ(ErrorCode::Success, m_peer.sendCommand(buffer, m_from, LongMs));
+    EXPECT_EQ(ErrorCode::Success, m_peer.sendCommand(buffer, m_from));
+    EXPECT_EQ(ErrorCode::Success, m_transfer.recvCommand(m_buffer, LongMs, m_from));
+    EXPECT_EQ(ErrorCode::Success, m_transfer.recvCommand(m_buffer));
+    EXPECT_EQ(command("body"), bytesOf(m_buffer));
+    EXPECT_EQ(m_buffer.getLength(), m_buffer.getCapacity());
 
     InetAddr local;
     InetAddr peer;
-    ASSERT_TRUE(m_objPeer.getLocalAddr(local));
-    EXPECT_EQ(ErrorCode::Success, m_objTransfer.getPeerAddr(peer));
-    for (const InetAddr& address : {m_objFrom, peer}) {
+    ASSERT_TRUE(m_peer.getLocalAddr(local));
+    EXPECT_EQ(ErrorCode::Success, m_transfer.getPeerAddr(peer));
+    for (const InetAddr& address : {m_from, peer}) {
         EXPECT_EQ(local.getIP(), address.getIP());
         EXPECT_EQ(local.getPORT(), address.getPORT());
     }
 }
 
 TEST_F(TCPTransferTest, AShortOrFailedSendIsAFailure) {
-    ASSERT_TRUE(m_objTransfer.setNonBlocking(true));
+    ASSERT_TRUE(m_transfer.setNonBlocking(true));
     const CommandBuffer buffer = bufferOf(std::string(32U << 20, 'x'));
-    EXPECT_EQ(ErrorCode::SendFailed, m_objTransfer.sendCommand(buffer, m_objFrom, LongMs));
-    EXPECT_EQ(ErrorCode::SendFailed, m_objTransfer.sendCommand(buffer, m_objFrom));
+    EXPECT_EQ(ErrorCode::SendFailed, m_transfer.sendCommand(buffer, m_from, LongMs));
+    EXPECT_EQ(ErrorCode::SendFailed, m_transfer.sendCommand(buffer, m_from));
 }
 
 TEST_F(TCPTransferTest, ANonBlockingReceiveBeginsABrokenPayloadAnew) {
     const auto recvAfter = [&](const std::string& strSent) {
         peerSends(strSent);
-        EXPECT_EQ(0, m_objTransfer.getSocket()->waitRead(LongMs));
-        return m_objTransfer.recvCommand(m_objBuffer);
+        EXPECT_EQ(0, m_transfer.getSocket()->waitRead(LongMs));
+        return m_transfer.recvCommand(m_buffer);
     };
-    ASSERT_TRUE(m_objTransfer.setNonBlocking(true));
-    EXPECT_EQ(ErrorCode::NothingToRead, m_objTransfer.recvCommand(m_objBuffer));
+    ASSERT_TRUE(m_transfer.setNonBlocking(true));
+    EXPECT_EQ(ErrorCode::NothingToRead, m_transfer.recvCommand(m_buffer));
     EXPECT_EQ(ErrorCode::NothingToRead, recvAfter(command("payload").substr(0, HeadLength + 3)));
-    EXPECT_EQ(HeadLength + 3, m_objBuffer.getLength());
+    EXPECT_EQ(HeadLength + 3, m_buffer.getLength());
     EXPECT_EQ(ErrorCode::Success, recvAfter("another"));
-    EXPECT_EQ(std::string(HeadLength, '\0') + "another", bytesOf(m_objBuffer));
-    m_objPeer.close();
-    ASSERT_EQ(0, m_objTransfer.getSocket()->waitRead(LongMs));
-    EXPECT_EQ(ErrorCode::ReceiveFailed, m_objTransfer.recvCommand(m_objBuffer));
+    EXPECT_EQ(std::string(HeadLength, '\0') + "another", bytesOf(m_buffer));
+    m_peer.close();
+    ASSERT_EQ(0, m_transfer.getSocket()->waitRead(LongMs));
+    EXPECT_EQ(ErrorCode::ReceiveFailed, m_transfer.recvCommand(m_buffer));
 }
 
 TEST_F(TCPTransferTest, AcceptTellsSilenceFromFailure) {
     TCPTransfer peer(1);
     TCPTransfer notListening(1);
     ASSERT_EQ(0, notListening.create());
-    EXPECT_EQ(ErrorCode::AcceptTimedOut, m_objListener.accept(peer, 0));
+    EXPECT_EQ(ErrorCode::AcceptTimedOut, m_listener.accept(peer, 0));
     EXPECT_EQ(ErrorCode::AcceptFailed, notListening.accept(peer, LongMs));
     EXPECT_EQ(nullptr, peer.getSocket());
 }
@@ -225,53 +225,53 @@ TYPED_TEST(AnyTransfer, DoesNothingOnceItsSocketIsClosed) {
 class UDPTransferTest : public testing::Test {
 protected:
     void SetUp() override {
-        m_objTo.setIP(Loopback);
-        for (UDPTransfer* pTransfer : {&m_objSender, &m_objReceiver}) {
+        m_to.setIP(Loopback);
+        for (UDPTransfer* pTransfer : {&m_sender, &m_receiver}) {
             ASSERT_EQ(0, pTransfer->create());
-            ASSERT_EQ(0, pTransfer->bind(m_objTo));
+            ASSERT_EQ(0, pTransfer->bind(m_to));
         }
-        ASSERT_TRUE(m_objReceiver.getLocalAddr(m_objTo));
+        ASSERT_TRUE(m_receiver.getLocalAddr(m_to));
     }
 
     int sendThenReceive(const std::string& strBytes) {
-        const int nSent = m_objSender.sendCommand(bufferOf(strBytes), m_objTo, LongMs);
-        return nSent == 0 ? m_objReceiver.recvCommand(m_objBuffer, LongMs, m_objFrom) : nSent;
+        const int nSent = m_sender.sendCommand(bufferOf(strBytes), m_to, LongMs);
+        return nSent == 0 ? m_receiver.recvCommand(m_buffer, LongMs, m_from) : nSent;
     }
 
-    UDPTransfer m_objSender{1};
-    UDPTransfer m_objReceiver{1};
-    InetAddr m_objTo;
-    CommandBuffer m_objBuffer;
-    InetAddr m_objFrom;
+    UDPTransfer m_sender{1};
+    UDPTransfer m_receiver{1};
+    InetAddr m_to;
+    CommandBuffer m_buffer;
+    InetAddr m_from;
 };
 
 TEST_F(UDPTransferTest, ADatagramIsACommandWithoutAnyParser) {
-    EXPECT_FALSE(m_objReceiver.setCommandHeadParser(createCommandHeadParser(1)));
+    EXPECT_FALSE(m_receiver.setCommandHeadParser(createCommandHeadParser(1)));
     ASSERT_EQ(ErrorCode::Success, sendThenReceive("any bytes"));
-    EXPECT_EQ("any bytes", bytesOf(m_objBuffer));
-    EXPECT_EQ(5600U, m_objBuffer.getCapacity());
+    EXPECT_EQ("any bytes", bytesOf(m_buffer));
+    EXPECT_EQ(5600U, m_buffer.getCapacity());
     InetAddr sender;
     InetAddr peer;
-    ASSERT_TRUE(m_objSender.getLocalAddr(sender));
-    EXPECT_EQ(ErrorCode::Success, m_objReceiver.getPeerAddr(peer));
-    EXPECT_EQ(sender.getPORT(), m_objFrom.getPORT());
+    ASSERT_TRUE(m_sender.getLocalAddr(sender));
+    EXPECT_EQ(ErrorCode::Success, m_receiver.getPeerAddr(peer));
+    EXPECT_EQ(sender.getPORT(), m_from.getPORT());
     EXPECT_EQ(sender.getPORT(), peer.getPORT());
     EXPECT_EQ(Loopback, peer.getIP());
 
     ASSERT_EQ(ErrorCode::Success, sendThenReceive(std::string(6000, 'x')));
-    EXPECT_EQ(5600U, m_objBuffer.getLength()) << "cut";
+    EXPECT_EQ(5600U, m_buffer.getLength()) << "cut";
     EXPECT_EQ(ErrorCode::SendFailed, sendThenReceive(std::string(70000, 'x')));
-    EXPECT_EQ(ErrorCode::ReceiveTimedOut, m_objReceiver.recvCommand(m_objBuffer, 0, m_objFrom));
+    EXPECT_EQ(ErrorCode::ReceiveTimedOut, m_receiver.recvCommand(m_buffer, 0, m_from));
 }
 
 TEST_F(UDPTransferTest, AFailedReceiveLeavesATrace) {
     static std::string strTrace;
     strTrace.clear();
     const TraceSink before = setTraceSink([](const std::string& strText) { strTrace += strText; });
-    m_objReceiver.close();
-    ASSERT_EQ(ErrorCode::Success, m_objSender.connect(m_objTo, LongMs));
-    m_objSender.sendCommand(bufferOf("to nobody"), m_objTo, LongMs);
-    EXPECT_EQ(ErrorCode::ReceiveFailed, m_objSender.recvCommand(m_objBuffer, LongMs, m_objFrom));
+    m_receiver.close();
+    ASSERT_EQ(ErrorCode::Success, m_sender.connect(m_to, LongMs));
+    m_sender.sendCommand(bufferOf("to nobody"), m_to, LongMs);
+    EXPECT_EQ(ErrorCode::ReceiveFailed, m_sender.recvCommand(m_buffer, LongMs, m_from));
     setTraceSink(before);
     EXPECT_EQ(0U, strTrace.find("recv socket error! in:UDPTransfer line:")) << strTrace;
 }
@@ -279,22 +279,22 @@ TEST_F(UDPTransferTest, AFailedReceiveLeavesATrace) {
 TEST_F(UDPTransferTest, JoinsGroupsAndSucceedsWithoutEffectWhereDatagramsHaveNothing) {
     InetAddr group;
     group.setIP("234.5.6.7");
-    EXPECT_TRUE(m_objReceiver.setBroadcast(true));
+    EXPECT_TRUE(m_receiver.setBroadcast(true));
     int nBroadcast = 0;
     socklen_t nSize = sizeof nBroadcast;
-    ::getsockopt(m_objReceiver.getSocket()->getHandle(), SOL_SOCKET, SO_BROADCAST, &nBroadcast,
+    ::getsockopt(m_receiver.getSocket()->getHandle(), SOL_SOCKET, SO_BROADCAST, &nBroadcast,
                  &nSize);
     EXPECT_EQ(1, nBroadcast);
-    EXPECT_TRUE(m_objReceiver.joinGroup(group));
-    EXPECT_FALSE(m_objReceiver.openGroup(group)) << "bound already";
+    EXPECT_TRUE(m_receiver.joinGroup(group));
+    EXPECT_FALSE(m_receiver.openGroup(group)) << "bound already";
 
     UDPTransfer peer(1);
-    EXPECT_EQ(ErrorCode::Success, m_objSender.sendCommand(bufferOf("x"), m_objTo));
-    EXPECT_EQ(ErrorCode::Success, m_objReceiver.recvCommand(m_objBuffer));
-    EXPECT_EQ(ErrorCode::Success, m_objReceiver.listen(1));
-    EXPECT_EQ(ErrorCode::Success, m_objReceiver.accept(peer, LongMs));
+    EXPECT_EQ(ErrorCode::Success, m_sender.sendCommand(bufferOf("x"), m_to));
+    EXPECT_EQ(ErrorCode::Success, m_receiver.recvCommand(m_buffer));
+    EXPECT_EQ(ErrorCode::Success, m_receiver.listen(1));
+    EXPECT_EQ(ErrorCode::Success, m_receiver.accept(peer, LongMs));
     EXPECT_EQ(nullptr, peer.getSocket());
-    EXPECT_EQ(ErrorCode::ReceiveTimedOut, m_objReceiver.recvCommand(m_objBuffer, 0, m_objFrom));
+    EXPECT_EQ(ErrorCode::ReceiveTimedOut, m_receiver.recvCommand(m_buffer, 0, m_from));
 }
 
 }  // namespace

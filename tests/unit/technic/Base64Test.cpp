@@ -75,7 +75,7 @@ TEST(Base64, DecodesPartsAndLineEndsAsTold) {
         {"Zm 9v", 64, {-18, 64, ""}},
         {"Zm9\x80", 64, {-18, 64, ""}},
     };
-    for (const auto& [strText, nRoom, objOutcome] : arrCases) {
-        EXPECT_EQ(outcomeOf(base64Decode, strText, nRoom), objOutcome) << strText;
+    for (const auto& [strText, nRoom, outcome] : arrCases) {
+        EXPECT_EQ(outcomeOf(base64Decode, strText, nRoom), outcome) << strText;
     }
 }

@@ -17,10 +17,10 @@ struct IPToolAccess {
 namespace {
 
 InetAddr addressOf(const std::string& strText, int nVersion) {
-    InetAddr objAddress;
-    objAddress.setIP(strText);
-    objAddress.setIPProtoVer(nVersion);
-    return objAddress;
+    InetAddr address;
+    address.setIP(strText);
+    address.setIPProtoVer(nVersion);
+    return address;
 }
 
 // Puts a list of adapters in the place of the system's for one test.
@@ -36,16 +36,16 @@ protected:
     }
 
     std::vector<std::string> list(int nVersion) {
-        EXPECT_TRUE(m_objTool.enumIPList(nVersion));
+        EXPECT_TRUE(m_tool.enumIPList(nVersion));
         std::vector<std::string> vecTexts;
-        for (char szText[49]; m_objTool.getEnumIP(static_cast<int>(vecTexts.size()), szText);) {
+        for (char szText[49]; m_tool.getEnumIP(static_cast<int>(vecTexts.size()), szText);) {
             vecTexts.emplace_back(szText);
         }
-        EXPECT_EQ(static_cast<int>(vecTexts.size()), m_objTool.getEnumIPNum());
+        EXPECT_EQ(static_cast<int>(vecTexts.size()), m_tool.getEnumIPNum());
         return vecTexts;
     }
 
-    IPTool m_objTool;
+    IPTool m_tool;
 };
 
 }  // namespace
@@ -85,17 +85,17 @@ TEST(IPTool, AddressTextsAreTakenAsTheyAreAndOthersLookedUp) {
         {"192.168.1.255", "192.168.1.255", 1},  // not by the grammar, but to the resolver
         {"::ffff:1.2.3.4", "0.0.0.0", 2},       // the four bytes behind an IPv6 port
     };
-    InetAddr objAddress;
-    objAddress.setPORT(77);
+    InetAddr address;
+    address.setPORT(77);
     for (const auto& [pText, pIP, nVersion] : arrCases) {
-        EXPECT_TRUE(IPTool().getInetAddr(pText, objAddress)) << pText;
-        EXPECT_EQ(objAddress.getIP(), pIP);
-        EXPECT_EQ(objAddress.getIPProtoVer(), nVersion);
-        EXPECT_EQ(objAddress.getPORT(), 77);
+        EXPECT_TRUE(IPTool().getInetAddr(pText, address)) << pText;
+        EXPECT_EQ(address.getIP(), pIP);
+        EXPECT_EQ(address.getIPProtoVer(), nVersion);
+        EXPECT_EQ(address.getPORT(), 77);
     }
-    EXPECT_FALSE(IPTool().getInetAddr(nullptr, objAddress));
-    EXPECT_FALSE(IPTool().getIPbyHostname("not a name", objAddress));
-    EXPECT_EQ(objAddress.getIP(), "0.0.0.0");
+    EXPECT_FALSE(IPTool().getInetAddr(nullptr, address));
+    EXPECT_FALSE(IPTool().getIPbyHostname("not a name", address));
+    EXPECT_EQ(address.getIP(), "0.0.0.0");
 }
 
 TEST(IPTool, ALocalAddressIsAnIPv4Text) {
@@ -112,12 +112,12 @@ TEST_F(IPToolAdapters, AddressesAreListedByVersionInTheOrderOfTheSystem) {
     use({{"lan0", {addressOf("10.0.0.7", 1), addressOf("fe80::7%lan0", 2)}},
          {"empty0", {}},
          {"lan1", {addressOf("::1", 2), addressOf("10.0.1.7", 1)}}});
-    EXPECT_EQ(m_objTool.getEnumIPNum(), 0);
+    EXPECT_EQ(m_tool.getEnumIPNum(), 0);
     EXPECT_EQ(list(1), (std::vector<std::string>{"10.0.0.7", "10.0.1.7"}));
     EXPECT_EQ(list(2), (std::vector<std::string>{"fe80::7%lan0"}));
     char szText[49];
-    EXPECT_FALSE(m_objTool.getEnumIP(-1, szText));
-    EXPECT_FALSE(m_objTool.getEnumIP(0, nullptr));
+    EXPECT_FALSE(m_tool.getEnumIP(-1, szText));
+    EXPECT_FALSE(m_tool.getEnumIP(0, nullptr));
 
     std::vector<std::string> vecNames{"of before"};
     getAdapterNames(vecNames);
@@ -132,7 +132,7 @@ TEST_F(IPToolAdapters, TheTableIsBounded) {
 TEST_F(IPToolAdapters, AListThatTheSystemRefusesIsAFailure) {
     setAdapterLister([](std::vector<NetworkAdapter>&) { return false; });
     std::vector<std::string> vecNames{"of before"};
-    EXPECT_FALSE(m_objTool.enumIPList(1));
+    EXPECT_FALSE(m_tool.enumIPList(1));
     getAdapterNames(vecNames);
     EXPECT_TRUE(vecNames.empty());
 }
@@ -140,10 +140,10 @@ TEST_F(IPToolAdapters, AListThatTheSystemRefusesIsAFailure) {
 TEST(IPTool, TheSystemsListLeavesOutTheLoopback) {
     std::vector<NetworkAdapter> vecAdapters;
     ASSERT_TRUE(listAdapters(vecAdapters));
-    for (const NetworkAdapter& objAdapter : vecAdapters) {
-        EXPECT_NE(objAdapter.strName, "lo");
-        for (const InetAddr& objAddress : objAdapter.vecAddresses) {
-            EXPECT_THAT(objAddress.getIP(), testing::Not(testing::AnyOf("127.0.0.1", "::1", "")));
+    for (const NetworkAdapter& adapter : vecAdapters) {
+        EXPECT_NE(adapter.strName, "lo");
+        for (const InetAddr& address : adapter.vecAddresses) {
+            EXPECT_THAT(address.getIP(), testing::Not(testing::AnyOf("127.0.0.1", "::1", "")));
         }
     }
 }
@@ -159,10 +159,10 @@ TEST(IPTool, WritesBinaryDigitsWithoutAnEnd) {
 }
 
 TEST(IPTool, SomeQuestionsAreAnsweredWithoutAnAnswer) {
-    IPTool objTool;
+    IPTool tool;
     int nMask = 24;
-    EXPECT_TRUE(objTool.get3GIP(0, nullptr) && objTool.getAdslIP(0, nullptr));
-    EXPECT_TRUE(objTool.getEthIP(0, nullptr) && objTool.getMacAddr(nullptr));
-    EXPECT_TRUE(objTool.getIpv6Mask(nMask));
+    EXPECT_TRUE(tool.get3GIP(0, nullptr) && tool.getAdslIP(0, nullptr));
+    EXPECT_TRUE(tool.getEthIP(0, nullptr) && tool.getMacAddr(nullptr));
+    EXPECT_TRUE(tool.getIpv6Mask(nMask));
     EXPECT_EQ(nMask, 24);
 }

@@ -19,30 +19,30 @@ struct Counter {
 }  // namespace
 
 TEST(KXFunction, CallsABoundMemberOfTheObjectItself) {
-    Counter objCounter;
-    const Function objNext(KX_FUNCTION::bind_funcobj0<int, Counter>(&Counter::next, &objCounter));
-    EXPECT_EQ(objNext(), 1);
-    EXPECT_EQ(objCounter.m_nCount, 1);
+    Counter counter;
+    const Function next(KX_FUNCTION::bind_funcobj0<int, Counter>(&Counter::next, &counter));
+    EXPECT_EQ(next(), 1);
+    EXPECT_EQ(counter.m_nCount, 1);
 }
 
 TEST(KXFunction, CopiesShareOneCallableWhichGoesWithTheLast) {
-    const auto pobjToken = std::make_shared<int>(0);
+    const auto pToken = std::make_shared<int>(0);
     {
-        const Function objFirst([pobjToken, nCalls = 0]() mutable { return ++nCalls; });
+        const Function first([pToken, nCalls = 0]() mutable { return ++nCalls; });
         {
-            const Function objSecond = objFirst;
-            EXPECT_EQ(objFirst(), 1);
-            EXPECT_EQ(objSecond(), 2);
+            const Function second = first;
+            EXPECT_EQ(first(), 1);
+            EXPECT_EQ(second(), 2);
         }
-        EXPECT_EQ(pobjToken.use_count(), 2);
+        EXPECT_EQ(pToken.use_count(), 2);
     }
-    EXPECT_EQ(pobjToken.use_count(), 1);
+    EXPECT_EQ(pToken.use_count(), 1);
 }
 
 TEST(KXFunction, EmptyFunctionCanBeNeitherCopiedNorCalled) {
-    const Function objEmpty;
+    const Function empty;
     captureOutput([&] {
-        EXPECT_THROW(Function objCopy(objEmpty), KXRuntimeError);
-        EXPECT_THROW(objEmpty(), KXRuntimeError);
+        EXPECT_THROW(Function copy(empty), KXRuntimeError);
+        EXPECT_THROW(empty(), KXRuntimeError);
     });
 }

@@ -31,11 +31,11 @@ protected:
     KXLoggerTest() { setenv("TZ", "TEST-2:30", 1); }
     ~KXLoggerTest() override { unsetenv("TZ"); }
 
-    ManualClock m_objClock{0, Moment};
-    ScopedClock m_objScope{m_objClock};
-    TempDir m_objDir;
-    std::string m_strPath = m_objDir.file("log");
-    KXLogger m_objLogger;
+    ManualClock m_clock{0, Moment};
+    ScopedClock m_scope{m_clock};
+    TempDir m_dir;
+    std::string m_strPath = m_dir.file("log");
+    KXLogger m_logger;
 };
 
 }  // namespace
@@ -46,12 +46,12 @@ TEST_F(KXLoggerTest, TimeStringHasTwoForms) {
 }
 
 TEST_F(KXLoggerTest, LinesOfManyThreadsStayWhole) {
-    m_objLogger.init(m_strPath, 1u << 20, 1);
+    m_logger.init(m_strPath, 1u << 20, 1);
     std::vector<std::jthread> vecThreads;
     for (int nThread = 0; nThread < 4; ++nThread) {
         vecThreads.emplace_back([&] {
             for (int nLine = 0; nLine < 50; ++nLine) {
-                m_objLogger.log("Tag", "100%s");
+                m_logger.log("Tag", "100%s");
             }
         });
     }
@@ -78,11 +78,11 @@ TEST_F(KXLoggerTest, RotatesAtTheLimitAndNotBelow) {
 TEST_F(KXLoggerTest, BackupsOfOneLoggerGoRoundByTheFileCount) {
     const std::pair<std::uint32_t, std::string> arrCases[] = {{2, line("2")}, {0, ""}};
     for (const auto& [nFileCount, strSecondBackup] : arrCases) {
-        const std::string strPath = m_objDir.file(std::to_string(nFileCount));
-        KXLogger objLogger;
-        objLogger.init(strPath, 1, nFileCount);  // every line is a file of its own
+        const std::string strPath = m_dir.file(std::to_string(nFileCount));
+        KXLogger logger;
+        logger.init(strPath, 1, nFileCount);  // every line is a file of its own
         for (const char* pMessage : {"1", "2", "3", "4"}) {
-            objLogger.log("Tag", pMessage);
+            logger.log("Tag", pMessage);
         }
         EXPECT_EQ(readFile(strPath), line("4"));
         EXPECT_EQ(readFile(strPath + ".1"), line("3"));
@@ -92,14 +92,14 @@ TEST_F(KXLoggerTest, BackupsOfOneLoggerGoRoundByTheFileCount) {
 }
 
 TEST_F(KXLoggerTest, MissingDirectoryLosesTheLineQuietly) {
-    m_objLogger.init(m_objDir.file("missing/log"), 10240, 1);
-    EXPECT_EQ(captureOutput([&] { m_objLogger.log("Tag", "lost"); }), "");
-    EXPECT_FALSE(std::filesystem::exists(m_objDir.file("missing")));
+    m_logger.init(m_dir.file("missing/log"), 10240, 1);
+    EXPECT_EQ(captureOutput([&] { m_logger.log("Tag", "lost"); }), "");
+    EXPECT_FALSE(std::filesystem::exists(m_dir.file("missing")));
 }
 
 TEST_F(KXLoggerTest, WithoutInitTheLineGoesToTheConsoleLog) {
     setLogFilter(3, {"KXLogger"});
-    EXPECT_EQ(captureOutput([&] { m_objLogger.log("Tag", "text"); }),
+    EXPECT_EQ(captureOutput([&] { m_logger.log("Tag", "text"); }),
               "Logger is not inition," + line("text"));
     setLogFilter(0);
 }
@@ -113,18 +113,18 @@ TEST_F(KXLoggerTest, ModeWordsOpenAsToldOrAreRefused) {
         {{0x42, 0x04, 0x64}, 3, "new"},
         {{0x03, 0x05, 0x06, 0x07, 0x20}, Refused, "old"},
     };
-    LogFile objFile;
+    LogFile file;
     for (const auto& [vecModes, nLength, pContents] : arrCases) {
         for (const unsigned nMode : vecModes) {
             std::ofstream(m_strPath) << "old";
-            EXPECT_EQ(objFile.open(m_strPath, nMode), nLength != Refused) << nMode;
-            objFile.write("new");
-            EXPECT_EQ(objFile.getLength(), nLength) << nMode;
-            objFile.close();
+            EXPECT_EQ(file.open(m_strPath, nMode), nLength != Refused) << nMode;
+            file.write("new");
+            EXPECT_EQ(file.getLength(), nLength) << nMode;
+            file.close();
             EXPECT_EQ(readFile(m_strPath), pContents) << nMode;
         }
     }
-    EXPECT_FALSE(objFile.open(m_objDir.file("absent"), LogFile::Read));
-    EXPECT_FALSE(objFile.open(m_objDir.file("absent"), LogFile::Update));
-    EXPECT_EQ(objFile.write("text"), 0u);
+    EXPECT_FALSE(file.open(m_dir.file("absent"), LogFile::Read));
+    EXPECT_FALSE(file.open(m_dir.file("absent"), LogFile::Update));
+    EXPECT_EQ(file.write("text"), 0u);
 }

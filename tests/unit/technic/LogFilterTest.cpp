@@ -14,10 +14,10 @@ using Printed = std::pair<std::string, int>;
 
 // What a message prints, and the number that it returns.
 Printed print(int nLevel, const char* pFileName, const std::string& strText) {
-    Printed objOut;
-    objOut.first = captureOutput(
-        [&] { objOut.second = logMessage(nLevel, pFileName, "%s", strText.c_str()); });
-    return objOut;
+    Printed out;
+    out.first =
+        captureOutput([&] { out.second = logMessage(nLevel, pFileName, "%s", strText.c_str()); });
+    return out;
 }
 
 std::string g_strTraced;

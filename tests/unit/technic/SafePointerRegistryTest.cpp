@@ -13,13 +13,13 @@ class SafePointerRegistryTest : public testing::Test {
 protected:
     void fill(std::size_t nCount, const char* pTypeName) {
         for (std::size_t nTaken = 0; nTaken < nCount; ++nTaken) {
-            m_vecSlots.push_back(m_objRegistry.allocate(&m_nObject, pTypeName));
+            m_vecSlots.push_back(m_registry.allocate(&m_nObject, pTypeName));
         }
     }
-    std::uint32_t nextIndex() { return m_objRegistry.allocate(&m_nObject, "X")->getIndex(); }
-    void release(std::size_t nIndex) { m_objRegistry.release(*m_vecSlots[nIndex], "X"); }
+    std::uint32_t nextIndex() { return m_registry.allocate(&m_nObject, "X")->getIndex(); }
+    void release(std::size_t nIndex) { m_registry.release(*m_vecSlots[nIndex], "X"); }
 
-    SafePointerRegistry m_objRegistry;
+    SafePointerRegistry m_registry;
     std::vector<SafePointerSlot*> m_vecSlots;
     int m_nObject = 0;
 };
@@ -42,9 +42,9 @@ TEST_F(SafePointerRegistryTest, SearchStartsAtTheGroupOfTheSlotReleasedLast) {
     for (const std::uint32_t nIndex : {33u, 40u, 45u, 100u, 5u}) {
         EXPECT_EQ(nextIndex(), nIndex);
     }
-    EXPECT_EQ(m_objRegistry.getTableSize(), 128u);
+    EXPECT_EQ(m_registry.getTableSize(), 128u);
     EXPECT_EQ(nextIndex(), 128u);
-    EXPECT_EQ(m_objRegistry.getTableSize(), 256u);
+    EXPECT_EQ(m_registry.getTableSize(), 256u);
 }
 
 TEST_F(SafePointerRegistryTest, FullTableIsToldWithTheTypesAboveFifty) {
@@ -53,15 +53,15 @@ TEST_F(SafePointerRegistryTest, FullTableIsToldWithTheTypesAboveFifty) {
     fill(1, nullptr);
     fill(1, "");
     fill(1, "Gone");
-    m_objRegistry.release(*m_vecSlots.back(), "Gone");
+    m_registry.release(*m_vecSlots.back(), "Gone");
     m_vecSlots.pop_back();
     fill(19968 - m_vecSlots.size(), "Many");
-    EXPECT_EQ(m_objRegistry.getTableSize(), 19968u);
+    EXPECT_EQ(m_registry.getTableSize(), 19968u);
     fill(128, "Many");
     EXPECT_EQ(thrownText<KXRuntimeError>([&] { nextIndex(); }),
               "too much safe poniter(NameMapSize=4)(PointerCount=20094)(FiftyOne,51)(Many,19993)");
-    EXPECT_EQ(m_objRegistry.getTableSize(), 20096u);
+    EXPECT_EQ(m_registry.getTableSize(), 20096u);
 
-    m_objRegistry.release(*m_vecSlots[20000], "not in the map");
+    m_registry.release(*m_vecSlots[20000], "not in the map");
     EXPECT_EQ(nextIndex(), 20000u);
 }

@@ -26,14 +26,14 @@ struct Widget {
 
 struct Gadget : Widget {
     using Widget::Widget;
-    SafePointer<Widget> m_objNext;
+    SafePointer<Widget> m_next;
     ~Gadget() noexcept override = default;
 };
 
 // A slot whose fields a test sets, standing outside the registry.
 struct LooseSlot : SafePointerSlot {
     explicit LooseSlot(void* pObject) : SafePointerSlot(0) { m_pObject = pObject; }
-    KXMutexHandle& getMutex() { return m_objMutex; }
+    KXMutexHandle& getMutex() { return m_mutex; }
 };
 
 // A holder whose raw fields a test sets, past all counting.
@@ -42,22 +42,22 @@ struct RawHolder : SafePointer<Widget> {
         m_pPointer = pPointer;
         m_pSlot = pSlot;
     }
-    static SafePointerSlot* slotOf(const SafePointer<Widget>& objHolder) {
-        return objHolder.*(&RawHolder::m_pSlot);
+    static SafePointerSlot* slotOf(const SafePointer<Widget>& holder) {
+        return holder.*(&RawHolder::m_pSlot);
     }
     // Copies itself and, whatever comes of it, lets go of the object without counting.
     void copyAndForget() {
-        const std::shared_ptr<void> objForget(nullptr, [&](void*) { m_pPointer = nullptr; });
-        const SafePointer<Widget> objCopy(*this);
+        const std::shared_ptr<void> forget(nullptr, [&](void*) { m_pPointer = nullptr; });
+        const SafePointer<Widget> copy(*this);
     }
 };
 
 // Expects that an action prints the report of a misuse, and throws the same text.
 template <class Action>
-void expectReport(const std::string& strMessage, const Action& objAction) {
+void expectReport(const std::string& strMessage, const Action& action) {
     const std::string strReport =
         std::string("SafePointer Report:") + typeid(Widget).name() + " " + strMessage;
-    EXPECT_EQ(captureOutput([&] { EXPECT_EQ(thrownText<KXRuntimeError>(objAction), strReport); }),
+    EXPECT_EQ(captureOutput([&] { EXPECT_EQ(thrownText<KXRuntimeError>(action), strReport); }),
               strReport + "\n");
 }
 
@@ -72,19 +72,19 @@ protected:
 
 TEST_F(SafePointerTest, LastHolderDeletesTheObjectOnce) {
     {
-        SafePointer<Widget> objHolder;
-        EXPECT_TRUE(objHolder.isNull());
-        objHolder = *&objHolder;  // to itself: nothing happens, not even to a null one
-        objHolder = makeWidget();
+        SafePointer<Widget> holder;
+        EXPECT_TRUE(holder.isNull());
+        holder = *&holder;  // to itself: nothing happens, not even to a null one
+        holder = makeWidget();
         {
-            const SafePointer<Widget> objCopy = objHolder;
-            EXPECT_EQ(objCopy.get(), objHolder.get());
+            const SafePointer<Widget> copy = holder;
+            EXPECT_EQ(copy.get(), holder.get());
         }
-        objHolder = *&objHolder;
+        holder = *&holder;
         EXPECT_EQ(m_nAlive, 1);
         {
-            const SafePointer<Gadget> objDerived = wrapSafe(std::make_unique<Gadget>(m_nAlive));
-            objHolder = objDerived;
+            const SafePointer<Gadget> derived = wrapSafe(std::make_unique<Gadget>(m_nAlive));
+            holder = derived;
         }
         EXPECT_EQ(m_nAlive, 1);
     }
@@ -92,48 +92,47 @@ TEST_F(SafePointerTest, LastHolderDeletesTheObjectOnce) {
 }
 
 TEST_F(SafePointerTest, MisuseOfNullIsReported) {
-    const SafePointer<Widget> objNull;
-    const SafePointer<Gadget> objNullGadget;
-    SafePointer<Widget> objTarget = makeWidget();
+    const SafePointer<Widget> null;
+    const SafePointer<Gadget> nullGadget;
+    SafePointer<Widget> target = makeWidget();
     expectReport("Construct from NULL original pointer",
-                 [] { SafePointer<Widget> objHolder(static_cast<Widget*>(nullptr)); });
-    expectReport("Construct from NULL <T>pointer", [&] { SafePointer<Widget> objCopy(objNull); });
-    expectReport("Construct from NULL <T>pointer",
-                 [&] { SafePointer<Widget> objCopy(objNullGadget); });
-    expectReport("Assigned NULL <T>pointer", [&] { objTarget = objNull; });
-    expectReport("Use NULL pointer ->", [&] { static_cast<void>(objNull->m_nAlive); });
-    expectReport("Use NULL pointer *", [&] { static_cast<void>(*objNull); });
-    EXPECT_EQ(&objTarget->m_nAlive, &m_nAlive);
+                 [] { SafePointer<Widget> holder(static_cast<Widget*>(nullptr)); });
+    expectReport("Construct from NULL <T>pointer", [&] { SafePointer<Widget> copy(null); });
+    expectReport("Construct from NULL <T>pointer", [&] { SafePointer<Widget> copy(nullGadget); });
+    expectReport("Assigned NULL <T>pointer", [&] { target = null; });
+    expectReport("Use NULL pointer ->", [&] { static_cast<void>(null->m_nAlive); });
+    expectReport("Use NULL pointer *", [&] { static_cast<void>(*null); });
+    EXPECT_EQ(&target->m_nAlive, &m_nAlive);
     EXPECT_EQ(m_nAlive, 1);
 }
 
 TEST_F(SafePointerTest, CopyOfADestructedHolderIsReported) {
-    Widget objWidget(m_nAlive);
-    LooseSlot objDead(&objWidget);
-    objDead.getMutex().destroy();
-    LooseSlot objEmpty(&objWidget);
-    const auto objCopy = [&](SafePointerSlot* pSlot) {
-        return [&objWidget, pSlot] { RawHolder(&objWidget, pSlot).copyAndForget(); };
+    Widget widget(m_nAlive);
+    LooseSlot dead(&widget);
+    dead.getMutex().destroy();
+    LooseSlot empty(&widget);
+    const auto copy = [&](SafePointerSlot* pSlot) {
+        return [&widget, pSlot] { RawHolder(&widget, pSlot).copyAndForget(); };
     };
-    expectReport("Already destructed 1", objCopy(nullptr));
-    expectReport("Already destructed 2", objCopy(&objDead));
-    expectReport("Already destructed 3", objCopy(&objEmpty));
+    expectReport("Already destructed 1", copy(nullptr));
+    expectReport("Already destructed 2", copy(&dead));
+    expectReport("Already destructed 3", copy(&empty));
     // The last of them unlocked its slot, or this would wait for ever.
-    std::jthread([&] { EXPECT_EQ(objEmpty.lock(), 0); }).join();
+    std::jthread([&] { EXPECT_EQ(empty.lock(), 0); }).join();
 }
 
 TEST_F(SafePointerTest, HolderOfAnotherObjectsSlotIsToldOnCopyAndAtItsEnd) {
     // The slot stays locked for good, so this happens in a process of its own.
     const std::string strOutput = outputOfChild([&] {
-        SafePointer<Widget> objHolder = makeWidget();
-        SafePointerSlot* const pSlot = RawHolder::slotOf(objHolder);
-        Widget objStale(m_nAlive);
-        const auto objCopy = [&] { RawHolder(&objStale, pSlot).copyAndForget(); };
-        const auto objEnd = [&] { RawHolder(&objStale, pSlot); };
-        EXPECT_EQ(thrownText<KXRuntimeError>(objCopy), "not valid pointer in inc_reference ");
-        EXPECT_EQ(thrownText<KXRuntimeError>(objEnd), "not valid pointer in dec_reference");
-        objHolder = makeWidget();  // and now the slot has no object at all
-        EXPECT_EQ(thrownText<KXRuntimeError>(objCopy), "not valid pointer in inc_reference ");
+        SafePointer<Widget> holder = makeWidget();
+        SafePointerSlot* const pSlot = RawHolder::slotOf(holder);
+        Widget stale(m_nAlive);
+        const auto copy = [&] { RawHolder(&stale, pSlot).copyAndForget(); };
+        const auto end = [&] { RawHolder(&stale, pSlot); };
+        EXPECT_EQ(thrownText<KXRuntimeError>(copy), "not valid pointer in inc_reference ");
+        EXPECT_EQ(thrownText<KXRuntimeError>(end), "not valid pointer in dec_reference");
+        holder = makeWidget();  // and now the slot has no object at all
+        EXPECT_EQ(thrownText<KXRuntimeError>(copy), "not valid pointer in inc_reference ");
     });
     EXPECT_EQ(strOutput, "");
 }
@@ -142,46 +141,46 @@ TEST_F(SafePointerTest, WrapSafeFreesTheObjectWhenTheTableIsFull) {
     struct Token : Widget {
         using Widget::Widget;
     };
-    const auto objMakeToken = [&] { return wrapSafe(std::make_unique<Token>(m_nAlive)); };
+    const auto makeToken = [&] { return wrapSafe(std::make_unique<Token>(m_nAlive)); };
     outputOfChild([&] {
         std::vector<SafePointer<Token>> vecHolders(20096);
-        for (SafePointer<Token>& objHolder : vecHolders) {
-            objHolder = objMakeToken();
+        for (SafePointer<Token>& holder : vecHolders) {
+            holder = makeToken();
         }
-        const auto pobjRaw = std::make_unique<Token>(m_nAlive);
-        const auto objWrapRaw = [&] { SafePointer<Token> objHolder(pobjRaw.get()); };
-        EXPECT_THAT(thrownText<KXRuntimeError>(objWrapRaw),
+        const auto pRaw = std::make_unique<Token>(m_nAlive);
+        const auto wrapRaw = [&] { SafePointer<Token> holder(pRaw.get()); };
+        EXPECT_THAT(thrownText<KXRuntimeError>(wrapRaw),
                     testing::HasSubstr("(" + std::string(typeid(Token).name()) + ",20096)"));
         EXPECT_EQ(m_nAlive, 20097);  // a raw pointer stays with the caller
-        EXPECT_THROW(objMakeToken(), KXRuntimeError);
+        EXPECT_THROW(makeToken(), KXRuntimeError);
         EXPECT_EQ(m_nAlive, 20097);
         vecHolders.pop_back();
-        vecHolders.push_back(objMakeToken());
+        vecHolders.push_back(makeToken());
         vecHolders.clear();
         EXPECT_EQ(m_nAlive, 1);
     });
 }
 
 TEST_F(SafePointerTest, OldObjectMayHoldTheSourceOfAnAssignment) {
-    auto pobjFirst = std::make_unique<Gadget>(m_nAlive);
-    pobjFirst->m_objNext = makeWidget();
-    const SafePointer<Widget> objKept = pobjFirst->m_objNext;
-    const SafePointer<Widget>& objNext = pobjFirst->m_objNext;
-    SafePointer<Widget> objHead = wrapSafe<Widget>(std::move(pobjFirst));
-    objHead = objNext;
-    EXPECT_EQ(objHead.get(), objKept.get());
+    auto pFirst = std::make_unique<Gadget>(m_nAlive);
+    pFirst->m_next = makeWidget();
+    const SafePointer<Widget> kept = pFirst->m_next;
+    const SafePointer<Widget>& next = pFirst->m_next;
+    SafePointer<Widget> head = wrapSafe<Widget>(std::move(pFirst));
+    head = next;
+    EXPECT_EQ(head.get(), kept.get());
     EXPECT_EQ(m_nAlive, 1);
 }
 
 TEST_F(SafePointerTest, HoldersInManyThreadsKeepOneCount) {
-    const SafePointer<Widget> objShared = makeWidget();
+    const SafePointer<Widget> shared = makeWidget();
     std::vector<std::jthread> vecThreads;
     for (int nThread = 0; nThread < 4; ++nThread) {
         vecThreads.emplace_back([&] {
             for (int nRound = 0; nRound < 300; ++nRound) {
-                const SafePointer<Widget> objCopy = objShared;
-                const SafePointer<Widget> objNew = makeWidget();
-                EXPECT_NE(objCopy.get(), objNew.get());
+                const SafePointer<Widget> copy = shared;
+                const SafePointer<Widget> fresh = makeWidget();
+                EXPECT_NE(copy.get(), fresh.get());
             }
         });
     }

@@ -30,10 +30,10 @@ constexpr std::int32_t TooMuch = 32 << 20;  // more bytes than the buffers of a 
 class BoundSocket : public Socket {
 public:
     BoundSocket(int nIpVersion, int nType) : Socket(nIpVersion, nType) {
-        m_bUp = open() && bind(nIpVersion == 2 ? "::1" : Loopback, 0) && getLocalAddress(m_objOwn);
+        m_bUp = open() && bind(nIpVersion == 2 ? "::1" : Loopback, 0) && getLocalAddress(m_own);
     }
     bool m_bUp;
-    InetAddr m_objOwn;
+    InetAddr m_own;
 };
 
 // Two ends of one connection over the loopback.
@@ -42,43 +42,43 @@ protected:
     void SetUp() override { ASSERT_TRUE(connectOver(1)); }
 
     bool connectOver(int nIpVersion) {
-        BoundSocket objListener(nIpVersion, Socket::Stream);
-        m_pobjClient = std::make_unique<Socket>(nIpVersion, Socket::Stream);
+        BoundSocket listener(nIpVersion, Socket::Stream);
+        m_pClient = std::make_unique<Socket>(nIpVersion, Socket::Stream);
         Socket* pAccepted = nullptr;
-        const bool bUp = objListener.m_bUp && objListener.listen(1) && m_pobjClient->open() &&
-                         m_pobjClient->connect(objListener.m_objOwn, LongMs) &&
-                         objListener.accept(pAccepted, LongMs) == 0;
-        m_pobjServer.reset(pAccepted);
+        const bool bUp = listener.m_bUp && listener.listen(1) && m_pClient->open() &&
+                         m_pClient->connect(listener.m_own, LongMs) &&
+                         listener.accept(pAccepted, LongMs) == 0;
+        m_pServer.reset(pAccepted);
         return bUp;
     }
 
     // Sends until nothing more fits; what the last attempt returned.
     template <class Send>
-    static int fill(const Send& objSend) {
+    static int fill(const Send& send) {
         int nSent = 1;
         for (int nSends = 0; nSends < 100 && nSent > 0; ++nSends) {
-            nSent = objSend();
+            nSent = send();
         }
         return nSent;
     }
 
-    std::unique_ptr<Socket> m_pobjClient;
-    std::unique_ptr<Socket> m_pobjServer;
+    std::unique_ptr<Socket> m_pClient;
+    std::unique_ptr<Socket> m_pServer;
     const std::vector<char> m_vecBytes = std::vector<char>(TooMuch);
     char m_cByte = 0;
 };
 
 template <class Value = int>
-Value option(Socket& objSocket, int nLevel, int nName) {
-    Value objValue{};
-    socklen_t nSize = sizeof objValue;
-    EXPECT_EQ(::getsockopt(objSocket.getHandle(), nLevel, nName, &objValue, &nSize), 0);
-    return objValue;
+Value option(Socket& socket, int nLevel, int nName) {
+    Value value{};
+    socklen_t nSize = sizeof value;
+    EXPECT_EQ(::getsockopt(socket.getHandle(), nLevel, nName, &value, &nSize), 0);
+    return value;
 }
 
 template <class Value>
-void setOption(Socket& objSocket, int nName, const Value& objValue) {
-    ::setsockopt(objSocket.getHandle(), SOL_SOCKET, nName, &objValue, sizeof objValue);
+void setOption(Socket& socket, int nName, const Value& value) {
+    ::setsockopt(socket.getHandle(), SOL_SOCKET, nName, &value, sizeof value);
 }
 
 // Signals to this thread every few milliseconds.
@@ -88,8 +88,8 @@ public:
         struct sigaction action {};
         action.sa_handler = [](int) {};
         ::sigaction(SIGALRM, &action, nullptr);
-        m_objTicker = std::jthread([nTarget = ::pthread_self()](const std::stop_token& objStop) {
-            while (!objStop.stop_requested()) {
+        m_ticker = std::jthread([nTarget = ::pthread_self()](const std::stop_token& stop) {
+            while (!stop.stop_requested()) {
                 ::pthread_kill(nTarget, SIGALRM);
                 std::this_thread::sleep_for(std::chrono::milliseconds(5));
             }
@@ -97,7 +97,7 @@ public:
     }
 
 private:
-    std::jthread m_objTicker;
+    std::jthread m_ticker;
 };
 
 }  // namespace
@@ -108,167 +108,167 @@ TEST_F(ConnectionTest, BytesTravelBothWays) {
             GTEST_SKIP() << "no IPv6 loopback on this machine";
         }
         char szText[6] = {};
-        EXPECT_EQ(m_pobjClient->send("hello", 5), 5);
-        EXPECT_EQ(m_pobjServer->recvAll(szText, 5), 5);
+        EXPECT_EQ(m_pClient->send("hello", 5), 5);
+        EXPECT_EQ(m_pServer->recvAll(szText, 5), 5);
         EXPECT_STREQ(szText, "hello");
-        EXPECT_EQ(m_pobjServer->sendAll("again", 5), 5);
-        EXPECT_EQ(m_pobjClient->recv(szText, 2, LongMs, false), 2);
-        EXPECT_EQ(m_pobjClient->recv(szText + 2, 4), 3);
+        EXPECT_EQ(m_pServer->sendAll("again", 5), 5);
+        EXPECT_EQ(m_pClient->recv(szText, 2, LongMs, false), 2);
+        EXPECT_EQ(m_pClient->recv(szText + 2, 4), 3);
         EXPECT_STREQ(szText, "again");
 
-        InetAddr objLocal;
-        ASSERT_TRUE(m_pobjClient->getLocalAddress(objLocal));
-        EXPECT_EQ(m_pobjServer->getAddress(), objLocal);
-        EXPECT_EQ(objLocal.getIPProtoVer(), nIpVersion);
-        EXPECT_EQ(m_pobjClient->getAddress().getIPProtoVer(), nIpVersion);
-        EXPECT_EQ(m_pobjClient->getIPVersion(), nIpVersion);
-        EXPECT_FALSE(m_pobjClient->isConnected());
+        InetAddr local;
+        ASSERT_TRUE(m_pClient->getLocalAddress(local));
+        EXPECT_EQ(m_pServer->getAddress(), local);
+        EXPECT_EQ(local.getIPProtoVer(), nIpVersion);
+        EXPECT_EQ(m_pClient->getAddress().getIPProtoVer(), nIpVersion);
+        EXPECT_EQ(m_pClient->getIPVersion(), nIpVersion);
+        EXPECT_FALSE(m_pClient->isConnected());
     }
 }
 
 TEST(Socket, OptionsOfStreamsReachTheSystem) {
-    Socket objSocket(1, Socket::Stream);
+    Socket socket(1, Socket::Stream);
     std::int32_t nSize = 0;
-    ASSERT_TRUE(objSocket.open());
-    EXPECT_EQ(option(objSocket, IPPROTO_TCP, TCP_NODELAY), 1);
-    EXPECT_EQ(option(objSocket, SOL_SOCKET, SO_KEEPALIVE), 1);
-    EXPECT_EQ(option(objSocket, IPPROTO_TCP, TCP_KEEPIDLE), 3);
-    EXPECT_EQ(option(objSocket, IPPROTO_TCP, TCP_KEEPINTVL), 3);
-    EXPECT_TRUE(objSocket.setRecvBufferSize(8192) && objSocket.setSendBufferSize(9216));
-    EXPECT_EQ(option(objSocket, SOL_SOCKET, SO_RCVBUF), 2 * 8192);  // as the system reports them
-    EXPECT_EQ(option(objSocket, SOL_SOCKET, SO_SNDBUF), 2 * 9216);
-    EXPECT_TRUE(objSocket.getRecvBufferSize(&nSize));
+    ASSERT_TRUE(socket.open());
+    EXPECT_EQ(option(socket, IPPROTO_TCP, TCP_NODELAY), 1);
+    EXPECT_EQ(option(socket, SOL_SOCKET, SO_KEEPALIVE), 1);
+    EXPECT_EQ(option(socket, IPPROTO_TCP, TCP_KEEPIDLE), 3);
+    EXPECT_EQ(option(socket, IPPROTO_TCP, TCP_KEEPINTVL), 3);
+    EXPECT_TRUE(socket.setRecvBufferSize(8192) && socket.setSendBufferSize(9216));
+    EXPECT_EQ(option(socket, SOL_SOCKET, SO_RCVBUF), 2 * 8192);  // as the system reports them
+    EXPECT_EQ(option(socket, SOL_SOCKET, SO_SNDBUF), 2 * 9216);
+    EXPECT_TRUE(socket.getRecvBufferSize(&nSize));
     EXPECT_EQ(nSize, 2 * 8192);
-    EXPECT_TRUE(objSocket.getSendBufferSize(&nSize));
+    EXPECT_TRUE(socket.getSendBufferSize(&nSize));
     EXPECT_EQ(nSize, 2 * 9216);
-    EXPECT_FALSE(objSocket.getSendBufferSize(nullptr));
+    EXPECT_FALSE(socket.getSendBufferSize(nullptr));
 }
 
 TEST(Socket, WithoutAHandleEverythingFailsAtOnce) {
-    Socket objSocket(1, Socket::Datagram);
-    InetAddr objAddress;
+    Socket socket(1, Socket::Datagram);
+    InetAddr address;
     std::int32_t nValue = 0;
-    ASSERT_TRUE(objSocket.open());
-    const int nFirst = objSocket.getHandle();
-    ASSERT_TRUE(objSocket.open());
-    EXPECT_EQ(objSocket.getHandle(), nFirst) << "the handle of before was given back";
-    EXPECT_TRUE(objSocket.close() && objSocket.close());
-    EXPECT_EQ(objSocket.getHandle(), -1);
-    EXPECT_EQ(objSocket.waitRead(-1), -1);
-    EXPECT_EQ(objSocket.waitWrite(-1), -1);
-    EXPECT_EQ(objSocket.recv(&nValue, 1), -1);
-    EXPECT_EQ(objSocket.recv(&nValue, 1, -1, false), -1);
-    EXPECT_EQ(objSocket.recvFrom(&nValue, 1, objAddress, -1), -1);
-    EXPECT_EQ(objSocket.send(&nValue, 1, false), -1);
-    EXPECT_EQ(objSocket.send(&nValue, 1, true), -1);
-    EXPECT_EQ(objSocket.sendAll(&nValue, 1), -1);
-    EXPECT_FALSE(objSocket.bind(Loopback) || objSocket.connect(Loopback, 1, -1));
-    EXPECT_FALSE(objSocket.getSendBufferSize(&nValue) || objSocket.setNonBlocking(true));
+    ASSERT_TRUE(socket.open());
+    const int nFirst = socket.getHandle();
+    ASSERT_TRUE(socket.open());
+    EXPECT_EQ(socket.getHandle(), nFirst) << "the handle of before was given back";
+    EXPECT_TRUE(socket.close() && socket.close());
+    EXPECT_EQ(socket.getHandle(), -1);
+    EXPECT_EQ(socket.waitRead(-1), -1);
+    EXPECT_EQ(socket.waitWrite(-1), -1);
+    EXPECT_EQ(socket.recv(&nValue, 1), -1);
+    EXPECT_EQ(socket.recv(&nValue, 1, -1, false), -1);
+    EXPECT_EQ(socket.recvFrom(&nValue, 1, address, -1), -1);
+    EXPECT_EQ(socket.send(&nValue, 1, false), -1);
+    EXPECT_EQ(socket.send(&nValue, 1, true), -1);
+    EXPECT_EQ(socket.sendAll(&nValue, 1), -1);
+    EXPECT_FALSE(socket.bind(Loopback) || socket.connect(Loopback, 1, -1));
+    EXPECT_FALSE(socket.getSendBufferSize(&nValue) || socket.setNonBlocking(true));
 }
 
 TEST_F(ConnectionTest, SilenceIsATimeOut) {
-    EXPECT_EQ(m_pobjClient->recv(&m_cByte, 1, 0, false), -2);
-    EXPECT_EQ(m_pobjClient->waitRead(1), -2);
-    EXPECT_EQ(m_pobjClient->waitWrite(0), 0);
-    ASSERT_TRUE(m_pobjClient->setNonBlocking(true));
-    EXPECT_EQ(m_pobjClient->recv(&m_cByte, 1), -3);
-    EXPECT_EQ(m_pobjClient->recv(&m_cByte, 1, 0, true), -2);
+    EXPECT_EQ(m_pClient->recv(&m_cByte, 1, 0, false), -2);
+    EXPECT_EQ(m_pClient->waitRead(1), -2);
+    EXPECT_EQ(m_pClient->waitWrite(0), 0);
+    ASSERT_TRUE(m_pClient->setNonBlocking(true));
+    EXPECT_EQ(m_pClient->recv(&m_cByte, 1), -3);
+    EXPECT_EQ(m_pClient->recv(&m_cByte, 1, 0, true), -2);
 
-    BoundSocket objListener(1, Socket::Stream);
+    BoundSocket listener(1, Socket::Stream);
     Socket* pMade = nullptr;
-    ASSERT_TRUE(objListener.listen(1));
-    EXPECT_EQ(objListener.accept(pMade, 0), -2);
+    ASSERT_TRUE(listener.listen(1));
+    EXPECT_EQ(listener.accept(pMade, 0), -2);
     EXPECT_EQ(pMade, nullptr);
 }
 
 TEST_F(ConnectionTest, APeerThatIsGoneIsAFailureWithoutASignalOrAStickyError) {
     for (const bool bReset : {false, true}) {
         ASSERT_TRUE(connectOver(1));
-        setOption(*m_pobjServer, SO_LINGER, linger{bReset, 0});
-        m_pobjServer->close();
-        EXPECT_EQ(m_pobjClient->recv(&m_cByte, 1, LongMs, false), -1);
-        EXPECT_EQ(m_pobjClient->recv(&m_cByte, 1), -1);
+        setOption(*m_pServer, SO_LINGER, linger{bReset, 0});
+        m_pServer->close();
+        EXPECT_EQ(m_pClient->recv(&m_cByte, 1, LongMs, false), -1);
+        EXPECT_EQ(m_pClient->recv(&m_cByte, 1), -1);
         // The first send draws a reset, a later one meets the broken pipe.
-        EXPECT_EQ(fill([&] { return m_pobjClient->send("x", 1, 0); }), -1);
-        EXPECT_TRUE(m_pobjClient->setReuseAddr(true));
+        EXPECT_EQ(fill([&] { return m_pClient->send("x", 1, 0); }), -1);
+        EXPECT_TRUE(m_pClient->setReuseAddr(true));
     }
 }
 
 TEST(Socket, AStreamRemembersItsFirstFailureUntilItIsOpenedAgain) {
-    BoundSocket objRefusing(1, Socket::Stream);
-    const InetAddr& objPort = objRefusing.m_objOwn;
+    BoundSocket refusing(1, Socket::Stream);
+    const InetAddr& port = refusing.m_own;
     for (const bool bTimed : {false, true}) {
-        Socket objSocket(1, Socket::Stream);
-        InetAddr objAddress;
-        ASSERT_TRUE(objSocket.open());
-        EXPECT_FALSE(bTimed ? objSocket.connect(objPort, LongMs) : objSocket.connect(objPort));
-        EXPECT_FALSE(objSocket.bind(Loopback, 0) || objSocket.bind(Loopback));
-        EXPECT_FALSE(objSocket.listen(1) || objSocket.setReuseAddr(true));
-        EXPECT_FALSE(objSocket.getLocalAddress(objAddress));
-        EXPECT_EQ(objSocket.waitWrite(0), -1);
-        EXPECT_TRUE(objSocket.setNoDelay()) << "not one of those that are refused";
-        EXPECT_TRUE(objSocket.open() && objSocket.bind(Loopback, 0) && objSocket.listen(1));
+        Socket socket(1, Socket::Stream);
+        InetAddr address;
+        ASSERT_TRUE(socket.open());
+        EXPECT_FALSE(bTimed ? socket.connect(port, LongMs) : socket.connect(port));
+        EXPECT_FALSE(socket.bind(Loopback, 0) || socket.bind(Loopback));
+        EXPECT_FALSE(socket.listen(1) || socket.setReuseAddr(true));
+        EXPECT_FALSE(socket.getLocalAddress(address));
+        EXPECT_EQ(socket.waitWrite(0), -1);
+        EXPECT_TRUE(socket.setNoDelay()) << "not one of those that are refused";
+        EXPECT_TRUE(socket.open() && socket.bind(Loopback, 0) && socket.listen(1));
     }
 }
 
 TEST(Socket, AFailedBindIsRememberedUnlessTheAddressIsInUse) {
-    BoundSocket objTaken(1, Socket::Stream);
-    Socket objSocket(1, Socket::Stream);
-    ASSERT_TRUE(objSocket.open());
-    EXPECT_FALSE(objSocket.bind(objTaken.m_objOwn));
-    EXPECT_TRUE(objSocket.bind(Loopback));
+    BoundSocket taken(1, Socket::Stream);
+    Socket socket(1, Socket::Stream);
+    ASSERT_TRUE(socket.open());
+    EXPECT_FALSE(socket.bind(taken.m_own));
+    EXPECT_TRUE(socket.bind(Loopback));
     for (const char* pNoAddress : {"no address", ""}) {
-        ASSERT_TRUE(objSocket.open());
-        EXPECT_FALSE(objSocket.bind(pNoAddress) || objSocket.listen(1)) << pNoAddress;
+        ASSERT_TRUE(socket.open());
+        EXPECT_FALSE(socket.bind(pNoAddress) || socket.listen(1)) << pNoAddress;
     }
 }
 
 TEST_F(ConnectionTest, ShutSocketsRefuseTimedTransfers) {
     struct ShutSocket : Socket {
         ShutSocket() : Socket(1, Stream) { m_nShut = 1; }
-    } objShut;
-    objShut.setHandle(m_pobjClient->getHandle());
-    m_pobjClient->setHandle(-1);
-    EXPECT_EQ(m_pobjServer->send("x", 1, LongMs), 1);
-    EXPECT_EQ(objShut.recv(&m_cByte, 1, LongMs, false), -1);
-    EXPECT_EQ(objShut.send("x", 1, LongMs), -1);
-    EXPECT_EQ(objShut.send("x", 1, false), 1);
-    EXPECT_EQ(objShut.waitRead(LongMs), 0);
-    EXPECT_EQ(objShut.recv(&m_cByte, 1), 1);
+    } shut;
+    shut.setHandle(m_pClient->getHandle());
+    m_pClient->setHandle(-1);
+    EXPECT_EQ(m_pServer->send("x", 1, LongMs), 1);
+    EXPECT_EQ(shut.recv(&m_cByte, 1, LongMs, false), -1);
+    EXPECT_EQ(shut.send("x", 1, LongMs), -1);
+    EXPECT_EQ(shut.send("x", 1, false), 1);
+    EXPECT_EQ(shut.waitRead(LongMs), 0);
+    EXPECT_EQ(shut.recv(&m_cByte, 1), 1);
 }
 
 TEST(Socket, ConnectTakesAddressesAndNoNames) {
-    Socket objSocket(1, Socket::Stream);
+    Socket socket(1, Socket::Stream);
     for (const char* pHost : {"localhost", "", "127.0.0.1.", static_cast<const char*>(nullptr)}) {
-        EXPECT_FALSE(objSocket.open() && objSocket.connect(pHost, 9)) << pHost;
-        EXPECT_FALSE(objSocket.open() && objSocket.connect(pHost, 9, LongMs)) << pHost;
+        EXPECT_FALSE(socket.open() && socket.connect(pHost, 9)) << pHost;
+        EXPECT_FALSE(socket.open() && socket.connect(pHost, 9, LongMs)) << pHost;
     }
 }
 
 TEST(Socket, ConnectEndsWithItsTimeOutWhenNobodyAnswers) {
-    BoundSocket objListener(1, Socket::Stream);
-    ASSERT_TRUE(objListener.listen(0));
+    BoundSocket listener(1, Socket::Stream);
+    ASSERT_TRUE(listener.listen(0));
     // A full queue lets further connections wait.
     std::vector<std::unique_ptr<Socket>> vecClients;
     bool bConnected = true;
     while (vecClients.size() < 8 && bConnected) {
         vecClients.push_back(std::make_unique<Socket>(1, Socket::Stream));
         ASSERT_TRUE(vecClients.back()->open());
-        bConnected = vecClients.back()->connect(objListener.m_objOwn, 100);
+        bConnected = vecClients.back()->connect(listener.m_own, 100);
     }
     EXPECT_FALSE(bConnected);
 }
 
 TEST_F(ConnectionTest, SendingWholeGivesAShortCountInTheEnd) {
-    ASSERT_TRUE(m_pobjClient->setNonBlocking(true));
-    const auto objSend = [&](bool bWhole) {
-        return m_pobjClient->send(m_vecBytes.data(), TooMuch, bWhole);
+    ASSERT_TRUE(m_pClient->setNonBlocking(true));
+    const auto send = [&](bool bWhole) {
+        return m_pClient->send(m_vecBytes.data(), TooMuch, bWhole);
     };
-    const std::int32_t nSent = objSend(true);
+    const std::int32_t nSent = send(true);
     EXPECT_GT(nSent, 0);
     EXPECT_LT(nSent, TooMuch);
-    EXPECT_EQ(fill([&] { return objSend(true); }), -3);
-    EXPECT_EQ(objSend(false), -3);
+    EXPECT_EQ(fill([&] { return send(true); }), -3);
+    EXPECT_EQ(send(false), -3);
 }
 
 TEST_F(ConnectionTest, TheSendTimeOutIsSetOnlyWhenItChanges) {
@@ -279,65 +279,65 @@ TEST_F(ConnectionTest, TheSendTimeOutIsSetOnlyWhenItChanges) {
         {-1, 0},
     };
     for (const auto& [nTimeout, nExpectedMs] : arrCases) {
-        setOption(*m_pobjClient, SO_SNDTIMEO, timeval{7, 0});  // behind its back
-        EXPECT_EQ(m_pobjClient->send("x", 1, nTimeout), 1);
-        const auto objTime = option<timeval>(*m_pobjClient, SOL_SOCKET, SO_SNDTIMEO);
-        EXPECT_EQ(objTime.tv_sec * 1000 + objTime.tv_usec / 1000, nExpectedMs);
+        setOption(*m_pClient, SO_SNDTIMEO, timeval{7, 0});  // behind its back
+        EXPECT_EQ(m_pClient->send("x", 1, nTimeout), 1);
+        const auto time = option<timeval>(*m_pClient, SOL_SOCKET, SO_SNDTIMEO);
+        EXPECT_EQ(time.tv_sec * 1000 + time.tv_usec / 1000, nExpectedMs);
     }
 }
 
 TEST(Socket, DatagramsGoWholeOrInPieces) {
-    BoundSocket objReceiver(1, Socket::Datagram);
-    BoundSocket objSender(1, Socket::Datagram);
-    InetAddr& objTo = objReceiver.m_objOwn;
+    BoundSocket receiver(1, Socket::Datagram);
+    BoundSocket sender(1, Socket::Datagram);
+    InetAddr& to = receiver.m_own;
     const std::pair<std::int32_t, std::vector<std::string>> arrCases[] = {
         {4, {"0123", "4567", "89"}}, {10, {"0123456789"}}, {99, {"0123456789"}}};
     for (const auto& [nChunk, vecPieces] : arrCases) {
-        EXPECT_EQ(objSender.sendTo("0123456789", 10, objTo, nChunk), 10);
+        EXPECT_EQ(sender.sendTo("0123456789", 10, to, nChunk), 10);
         for (const std::string& strPiece : vecPieces) {
             char szText[64] = {};
-            InetAddr objFrom;
-            objReceiver.recvFrom(szText, sizeof szText, objFrom, LongMs);
+            InetAddr from;
+            receiver.recvFrom(szText, sizeof szText, from, LongMs);
             EXPECT_EQ(szText, strPiece);
-            EXPECT_EQ(objFrom, objSender.m_objOwn);
+            EXPECT_EQ(from, sender.m_own);
         }
     }
-    InetAddr objFrom;
+    InetAddr from;
     char cByte = 0;
-    EXPECT_EQ(objSender.sendTo("abc", -3, objTo), -1);
-    EXPECT_EQ(objSender.sendTo(std::vector<char>(70000).data(), 70000, objTo), -1);
-    EXPECT_EQ(objSender.sendTo("x", 1, "no.such.name", 9), -1);
-    EXPECT_EQ(objSender.sendTo("x", 1, std::as_const(objTo)), 1) << "failures are forgotten";
-    EXPECT_EQ(objReceiver.recvFrom(&cByte, 1, objFrom, LongMs), 1);
-    EXPECT_EQ(objReceiver.recvFrom(&cByte, 1, objFrom, 0), -2);
-    EXPECT_EQ(objSender.sendTo("abc", 3, objTo, 0), -1);
+    EXPECT_EQ(sender.sendTo("abc", -3, to), -1);
+    EXPECT_EQ(sender.sendTo(std::vector<char>(70000).data(), 70000, to), -1);
+    EXPECT_EQ(sender.sendTo("x", 1, "no.such.name", 9), -1);
+    EXPECT_EQ(sender.sendTo("x", 1, std::as_const(to)), 1) << "failures are forgotten";
+    EXPECT_EQ(receiver.recvFrom(&cByte, 1, from, LongMs), 1);
+    EXPECT_EQ(receiver.recvFrom(&cByte, 1, from, 0), -2);
+    EXPECT_EQ(sender.sendTo("abc", 3, to, 0), -1);
 }
 
 TEST_F(ConnectionTest, AWaitGoesOnAfterASignal) {
-    const Interruptions objInterruptions;
-    const auto objStart = std::chrono::steady_clock::now();
-    EXPECT_EQ(m_pobjClient->waitRead(100), -2);
-    EXPECT_GE(std::chrono::steady_clock::now() - objStart, std::chrono::milliseconds(100));
+    const Interruptions interruptions;
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(m_pClient->waitRead(100), -2);
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(100));
 }
 
 TEST_F(ConnectionTest, ASendGoesOnAfterASignal) {
-    const std::jthread objReader([&] {
+    const std::jthread reader([&] {
         currentClock().sleepMs(50);
         std::vector<char> vecRead(TooMuch);
-        EXPECT_EQ(m_pobjServer->recvAll(vecRead.data(), TooMuch), TooMuch);
+        EXPECT_EQ(m_pServer->recvAll(vecRead.data(), TooMuch), TooMuch);
     });
     {
-        const Interruptions objInterruptions;
-        EXPECT_EQ(m_pobjClient->send(m_vecBytes.data(), TooMuch, LongMs), TooMuch);
+        const Interruptions interruptions;
+        EXPECT_EQ(m_pClient->send(m_vecBytes.data(), TooMuch, LongMs), TooMuch);
     }
-    m_pobjClient->close();
+    m_pClient->close();
 }
 
 TEST_F(ConnectionTest, ASendEndsWithItsTimeOutInSpiteOfSignals) {
-    const Interruptions objInterruptions;
-    const auto objSend = [&] { return m_pobjClient->send(m_vecBytes.data(), TooMuch, 50); };
-    EXPECT_LT(objSend(), TooMuch);
-    EXPECT_EQ(fill(objSend), -1);
+    const Interruptions interruptions;
+    const auto send = [&] { return m_pClient->send(m_vecBytes.data(), TooMuch, 50); };
+    EXPECT_LT(send(), TooMuch);
+    EXPECT_EQ(fill(send), -1);
 }
 
 TEST_F(ConnectionTest, HandlesAboveAThousandWork) {
@@ -345,28 +345,28 @@ TEST_F(ConnectionTest, HandlesAboveAThousandWork) {
     ::getrlimit(RLIMIT_NOFILE, &limit);
     limit.rlim_cur = limit.rlim_max;
     ::setrlimit(RLIMIT_NOFILE, &limit);
-    const int nHigh = ::fcntl(m_pobjClient->getHandle(), F_DUPFD_CLOEXEC, 1500);
+    const int nHigh = ::fcntl(m_pClient->getHandle(), F_DUPFD_CLOEXEC, 1500);
     if (nHigh < 0) {
         GTEST_SKIP() << "this machine allows no handle that high";
     }
-    m_pobjClient->close();
-    m_pobjClient->setHandle(nHigh);
-    EXPECT_EQ(m_pobjServer->send("x", 1, LongMs), 1);
-    EXPECT_EQ(m_pobjClient->recv(&m_cByte, 1, LongMs, false), 1);
+    m_pClient->close();
+    m_pClient->setHandle(nHigh);
+    EXPECT_EQ(m_pServer->send("x", 1, LongMs), 1);
+    EXPECT_EQ(m_pClient->recv(&m_cByte, 1, LongMs, false), 1);
 }
 
 TEST(Socket, AGroupIsJoinedOnTheInterfaceOfTheLocalAddress) {
-    BoundSocket objSocket(1, Socket::Datagram);
-    InetAddr objGroup;
-    objGroup.setIP("234.5.6.7");
+    BoundSocket socket(1, Socket::Datagram);
+    InetAddr group;
+    group.setIP("234.5.6.7");
     for (const bool bBroadcast : {true, false}) {
-        EXPECT_TRUE(objSocket.setBroadcast(bBroadcast));
-        EXPECT_EQ(option(objSocket, SOL_SOCKET, SO_BROADCAST) != 0, bBroadcast);
+        EXPECT_TRUE(socket.setBroadcast(bBroadcast));
+        EXPECT_EQ(option(socket, SOL_SOCKET, SO_BROADCAST) != 0, bBroadcast);
     }
-    EXPECT_TRUE(objSocket.joinGroup(objGroup));
+    EXPECT_TRUE(socket.joinGroup(group));
     for (const char* pNoGroup : {"234.5.6.7", "127.0.0.1", "", "somewhere"}) {
-        objGroup.setIP(pNoGroup);
-        EXPECT_FALSE(objSocket.joinGroup(objGroup)) << "joined already, or no group: " << pNoGroup;
+        group.setIP(pNoGroup);
+        EXPECT_FALSE(socket.joinGroup(group)) << "joined already, or no group: " << pNoGroup;
     }
 }
 
@@ -374,22 +374,22 @@ TEST(Socket, AGroupIsJoinedOnTheInterfaceOfTheLocalAddress) {
 TEST(Socket, AnOpenedGroupIsSharedAndReceives) {
     const bool bPermitted = runInLoopbackNamespace([] {
         for (const auto& [nIpVersion, pGroup] : {std::pair(1, "234.5.6.7"), {2, "ff12::1%lo"}}) {
-            InetAddr objGroup;
-            objGroup.setIP(pGroup);
-            objGroup.setPORT(31001);
-            Socket objFirst(nIpVersion, Socket::Datagram);
-            Socket objSecond(nIpVersion, Socket::Datagram);
-            BoundSocket objSender(nIpVersion, Socket::Datagram);
-            ASSERT_TRUE(objFirst.open() && objFirst.openGroup(objGroup)) << pGroup;
-            ASSERT_TRUE(objSecond.open() && objSecond.openGroup(objGroup)) << pGroup;
-            ASSERT_EQ(objSender.sendTo("hello", 5, objGroup), 5);
-            for (Socket* pSocket : {&objFirst, &objSecond}) {
+            InetAddr group;
+            group.setIP(pGroup);
+            group.setPORT(31001);
+            Socket first(nIpVersion, Socket::Datagram);
+            Socket second(nIpVersion, Socket::Datagram);
+            BoundSocket sender(nIpVersion, Socket::Datagram);
+            ASSERT_TRUE(first.open() && first.openGroup(group)) << pGroup;
+            ASSERT_TRUE(second.open() && second.openGroup(group)) << pGroup;
+            ASSERT_EQ(sender.sendTo("hello", 5, group), 5);
+            for (Socket* pSocket : {&first, &second}) {
                 char szText[16] = {};
-                InetAddr objFrom;
-                EXPECT_EQ(pSocket->recvFrom(szText, sizeof szText, objFrom, LongMs), 5);
+                InetAddr from;
+                EXPECT_EQ(pSocket->recvFrom(szText, sizeof szText, from, LongMs), 5);
                 EXPECT_STREQ(szText, "hello");
             }
-            EXPECT_FALSE(objFirst.openGroup(objGroup)) << "bound already";
+            EXPECT_FALSE(first.openGroup(group)) << "bound already";
         }
     });
     if (!bPermitted) {

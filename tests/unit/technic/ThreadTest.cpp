@@ -26,8 +26,8 @@
 namespace {
 
 template <class Condition>
-void waitUntil(const Condition& objCondition) {
-    while (!objCondition()) {
+void waitUntil(const Condition& condition) {
+    while (!condition()) {
         std::this_thread::yield();
     }
 }
@@ -35,9 +35,9 @@ void waitUntil(const Condition& objCondition) {
 // The three steps of a worker.
 using Step = std::function<int()>;
 struct Steps {
-    Step m_objSetup;
-    Step m_objBody;
-    Step m_objTeardown;
+    Step m_setup;
+    Step m_body;
+    Step m_teardown;
 };
 
 template <int Result>
@@ -54,34 +54,33 @@ int fail() {
 // A worker that counts how often its steps are called.
 class Worker : public GThread {
 public:
-    explicit Worker(const Steps& objSteps = {Succeed, Succeed, Succeed})
-        : GThread(counting(m_nRounds, objSteps.m_objBody), "Worker",
-                  counting(m_nSetups, objSteps.m_objSetup),
-                  counting(m_nTeardowns, objSteps.m_objTeardown)) {}
+    explicit Worker(const Steps& steps = {Succeed, Succeed, Succeed})
+        : GThread(counting(m_nRounds, steps.m_body), "Worker", counting(m_nSetups, steps.m_setup),
+                  counting(m_nTeardowns, steps.m_teardown)) {}
     ~Worker() noexcept override { stop(); }
 
     void waitForEnd() {
         waitUntil([&] { return !isRunning(); });
     }
 
+    using GThread::m_info;
     using GThread::m_nRoundsLeft;
     using GThread::m_nSkipCount;
-    using GThread::m_objInfo;
     std::atomic<int> m_nSetups{0}, m_nRounds{0}, m_nTeardowns{0};
 
 private:
-    static Function counting(std::atomic<int>& nCalls, const Step& objStep) {
-        return Function([&nCalls, objStep] {
+    static Function counting(std::atomic<int>& nCalls, const Step& step) {
+        return Function([&nCalls, step] {
             ++nCalls;
-            return objStep();
+            return step();
         });
     }
 };
 
 class WorkerTest : public testing::Test {
 protected:
-    ManualClock m_objClock;
-    ScopedClock m_objScope{m_objClock};
+    ManualClock m_clock;
+    ScopedClock m_scope{m_clock};
 };
 
 // The thread exception log, with "#" for dates and for the name and number of a worker.
@@ -109,49 +108,49 @@ std::vector<std::string> g_vecTraces;
 
 TEST_F(WorkerTest, StopPollsForFiveSecondsAndThenWaitsForTheEnd) {
     std::atomic<bool> bGo{false};
-    Worker objWorker({Succeed,
-                      [&] {
-                          waitUntil([&] { return bGo.load(); });
-                          return 0;
-                      },
-                      Succeed});
-    KXThread& objThread = objWorker;
-    EXPECT_EQ(objThread.stop(), -4);
-    ASSERT_TRUE(objWorker.start());
-    EXPECT_EQ(objThread.start(), -5);
-    waitUntil([&] { return objWorker.m_nRounds == 1; });
-    const std::jthread objReleaser([&] {
-        waitUntil([&] { return m_objClock.getSleptMs() >= 5000; });
+    Worker worker({Succeed,
+                   [&] {
+                       waitUntil([&] { return bGo.load(); });
+                       return 0;
+                   },
+                   Succeed});
+    KXThread& thread = worker;
+    EXPECT_EQ(thread.stop(), -4);
+    ASSERT_TRUE(worker.start());
+    EXPECT_EQ(thread.start(), -5);
+    waitUntil([&] { return worker.m_nRounds == 1; });
+    const std::jthread releaser([&] {
+        waitUntil([&] { return m_clock.getSleptMs() >= 5000; });
         std::this_thread::sleep_for(std::chrono::milliseconds(20));  // let the wait begin
         bGo = true;
     });
-    EXPECT_TRUE(objWorker.stop());
-    EXPECT_EQ(m_objClock.getSleptMs(), 5000u);
-    EXPECT_FALSE(objWorker.isRunning());
-    EXPECT_EQ(objThread.join(), -4);
+    EXPECT_TRUE(worker.stop());
+    EXPECT_EQ(m_clock.getSleptMs(), 5000u);
+    EXPECT_FALSE(worker.isRunning());
+    EXPECT_EQ(thread.join(), -4);
 }
 
 TEST_F(WorkerTest, RunsRoundAfterRoundBetweenSetupAndTeardown) {
-    Worker objWorker;
-    ASSERT_TRUE(objWorker.start());
-    waitUntil([&] { return objWorker.m_nRounds >= 3; });
-    EXPECT_TRUE(objWorker.start());  // running already
-    EXPECT_EQ(objWorker.m_nSetups, 1);
-    EXPECT_EQ(objWorker.m_nTeardowns, 0);
-    EXPECT_TRUE(objWorker.stop());
-    EXPECT_FALSE(objWorker.isRunning());
-    EXPECT_TRUE(objWorker.stop());
-    EXPECT_EQ(objWorker.m_nTeardowns, 1);
+    Worker worker;
+    ASSERT_TRUE(worker.start());
+    waitUntil([&] { return worker.m_nRounds >= 3; });
+    EXPECT_TRUE(worker.start());  // running already
+    EXPECT_EQ(worker.m_nSetups, 1);
+    EXPECT_EQ(worker.m_nTeardowns, 0);
+    EXPECT_TRUE(worker.stop());
+    EXPECT_FALSE(worker.isRunning());
+    EXPECT_TRUE(worker.stop());
+    EXPECT_EQ(worker.m_nTeardowns, 1);
 }
 
 TEST_F(WorkerTest, EndsWhenItsBodyFailsAndTearsDownAtStop) {
-    Worker objWorker({Succeed, answer<-3>, Succeed});
+    Worker worker({Succeed, answer<-3>, Succeed});
     g_vecTraces.clear();
     setTraceSink([](const std::string& strText) {
         g_vecTraces.push_back(std::regex_replace(strText, std::regex("Id=[0-9]+"), "Id=ID"));
     });
-    EXPECT_TRUE(objWorker.start());
-    objWorker.waitForEnd();
+    EXPECT_TRUE(worker.start());
+    worker.waitForEnd();
     setTraceSink(nullptr);
     EXPECT_EQ(g_vecTraces,
               (std::vector<std::string>{
@@ -160,29 +159,29 @@ TEST_F(WorkerTest, EndsWhenItsBodyFailsAndTearsDownAtStop) {
                   "in:GThread line:281\n",
                   "stop thread(Worker),threadId=ID in:KXThread line:448\n",
               }));
-    EXPECT_EQ(objWorker.m_nRounds, 1);
-    EXPECT_EQ(objWorker.m_objInfo->getState(), GThreadInfo::Stopped);
-    EXPECT_EQ(objWorker.m_nTeardowns, 0);
-    EXPECT_TRUE(objWorker.stop());
-    EXPECT_EQ(objWorker.m_nTeardowns, 1);
+    EXPECT_EQ(worker.m_nRounds, 1);
+    EXPECT_EQ(worker.m_info->getState(), GThreadInfo::Stopped);
+    EXPECT_EQ(worker.m_nTeardowns, 0);
+    EXPECT_TRUE(worker.stop());
+    EXPECT_EQ(worker.m_nTeardowns, 1);
     EXPECT_TRUE(isSystemRunning());
 }
 
 TEST_F(WorkerTest, HonoursRoundLimitAndSkipCount) {
-    Worker objWorker;
-    objWorker.m_nRoundsLeft = 5;
-    objWorker.m_nSkipCount = 1;
-    ASSERT_TRUE(objWorker.start());
-    objWorker.waitForEnd();
-    EXPECT_EQ(objWorker.m_nRounds, 3);          // rounds 0, 2 and 4
-    EXPECT_EQ(m_objClock.getSleptMs(), 2000u);  // rounds 1 and 3
-    EXPECT_TRUE(objWorker.start());
-    EXPECT_EQ(objWorker.m_nSetups, 2);
+    Worker worker;
+    worker.m_nRoundsLeft = 5;
+    worker.m_nSkipCount = 1;
+    ASSERT_TRUE(worker.start());
+    worker.waitForEnd();
+    EXPECT_EQ(worker.m_nRounds, 3);          // rounds 0, 2 and 4
+    EXPECT_EQ(m_clock.getSleptMs(), 2000u);  // rounds 1 and 3
+    EXPECT_TRUE(worker.start());
+    EXPECT_EQ(worker.m_nSetups, 2);
 }
 
 TEST_F(WorkerTest, FailedStepsAreWrittenAndExceptionsEndEveryWorker) {
     const struct {
-        Steps m_objSteps;
+        Steps m_steps;
         bool m_bStarts;
         bool m_bStops;
         std::string m_strLogged;
@@ -194,29 +193,29 @@ TEST_F(WorkerTest, FailedStepsAreWrittenAndExceptionsEndEveryWorker) {
         {{Succeed, fail, Succeed}, true, true, "running exception,message[broken]", "running"},
         {{Succeed, Succeed, fail}, true, false, "teardown exception,massage[broken]", "teardown"},
     };
-    for (const auto& objCase : arrCases) {
-        SCOPED_TRACE(objCase.m_strLogged);
-        const bool bEndsSystem = !objCase.m_strException.empty();
+    for (const auto& testCase : arrCases) {
+        SCOPED_TRACE(testCase.m_strLogged);
+        const bool bEndsSystem = !testCase.m_strException.empty();
         const std::string strOutput = outputOfChild([&] {
             std::filesystem::create_directories("mnt/mtd/log");
-            Worker objBystander;
-            Worker objWorker(objCase.m_objSteps);
-            objWorker.m_nRoundsLeft = 1;
-            ASSERT_TRUE(objBystander.start());
-            EXPECT_EQ(objWorker.start(), objCase.m_bStarts);
-            objWorker.waitForEnd();
-            EXPECT_EQ(objWorker.stop(), objCase.m_bStops);
-            EXPECT_EQ(objWorker.m_nRounds, objCase.m_bStarts ? 1 : 0);
-            EXPECT_EQ(objWorker.m_nTeardowns, 1);
+            Worker bystander;
+            Worker worker(testCase.m_steps);
+            worker.m_nRoundsLeft = 1;
+            ASSERT_TRUE(bystander.start());
+            EXPECT_EQ(worker.start(), testCase.m_bStarts);
+            worker.waitForEnd();
+            EXPECT_EQ(worker.stop(), testCase.m_bStops);
+            EXPECT_EQ(worker.m_nRounds, testCase.m_bStarts ? 1 : 0);
+            EXPECT_EQ(worker.m_nTeardowns, 1);
             EXPECT_EQ(exceptionLog(),
-                      "#,[ThreadException] thread(#) " + objCase.m_strLogged + "\n");
+                      "#,[ThreadException] thread(#) " + testCase.m_strLogged + "\n");
             EXPECT_EQ(isSystemRunning(), !bEndsSystem);
-            EXPECT_EQ(m_objClock.getSleptMs(), bEndsSystem ? 1000u : 0u);
+            EXPECT_EQ(m_clock.getSleptMs(), bEndsSystem ? 1000u : 0u);
             if (bEndsSystem) {
-                objBystander.waitForEnd();
+                bystander.waitForEnd();
             }
         });
-        const std::string strReason = "GThread " + objCase.m_strException + " exception.";
+        const std::string strReason = "GThread " + testCase.m_strException + " exception.";
         EXPECT_EQ(strOutput, bEndsSystem ? flagText(0, strReason) : "");
     }
 }
@@ -226,8 +225,8 @@ TEST_F(WorkerTest, DestroyedWhileRunningIsStoppedAndTold) {
         std::filesystem::create_directories("mnt/mtd/log");
         setLogFilter(3);
         {
-            GThread objWorker(Succeed, "Worker", Succeed, Succeed);
-            ASSERT_TRUE(objWorker.start());
+            GThread worker(Succeed, "Worker", Succeed, Succeed);
+            ASSERT_TRUE(worker.start());
         }
         EXPECT_EQ(exceptionLog(), "#,[ThreadException] force stop thread(#)\n");
     });

@@ -26,9 +26,9 @@ public:
 };
 
 std::atomic<IClock*>& clockInPlace() noexcept {
-    static SystemClock objSystemClock;
-    static std::atomic<IClock*> pobjClock{&objSystemClock};
-    return pobjClock;
+    static SystemClock systemClock;
+    static std::atomic<IClock*> pClock{&systemClock};
+    return pClock;
 }
 
 }  // namespace
@@ -37,16 +37,15 @@ IClock& currentClock() noexcept {
     return *clockInPlace();
 }
 
-ScopedClock::ScopedClock(IClock& objClock) noexcept
-    : m_pobjPrevious(clockInPlace().exchange(&objClock)) {}
+ScopedClock::ScopedClock(IClock& clock) noexcept : m_pPrevious(clockInPlace().exchange(&clock)) {}
 
 ScopedClock::~ScopedClock() {
-    clockInPlace() = m_pobjPrevious;
+    clockInPlace() = m_pPrevious;
 }
 
 std::tm toLocalTime(std::time_t nTime) noexcept {
-    std::tm objTime{};
+    std::tm time{};
     tzset();
-    localtime_r(&nTime, &objTime);
-    return objTime;
+    localtime_r(&nTime, &time);
+    return time;
 }

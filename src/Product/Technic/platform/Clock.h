@@ -21,13 +21,13 @@ IClock& currentClock() noexcept;
 // that started to use it; scopes nest.
 class ScopedClock {
 public:
-    explicit ScopedClock(IClock& objClock) noexcept;
+    explicit ScopedClock(IClock& clock) noexcept;
     ~ScopedClock();
     ScopedClock(const ScopedClock&) = delete;
     ScopedClock& operator=(const ScopedClock&) = delete;
 
 private:
-    IClock* m_pobjPrevious;
+    IClock* m_pPrevious;
 };
 
 // Breaks a time down by the machine's time zone, which is read anew at every call.

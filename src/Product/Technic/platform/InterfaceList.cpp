@@ -39,10 +39,10 @@ void appendAddress(const sockaddr& raw, std::vector<InetAddr>& vecAddresses) {
     if (SocketApi::describe(address, arrText.data(), arrText.size(), nPort) < 0) {
         return;
     }
-    InetAddr objAddress;
-    objAddress.setIP(arrText.data());
-    objAddress.setIPProtoVer(bIPv6 ? 2 : 1);
-    vecAddresses.push_back(objAddress);
+    InetAddr described;
+    described.setIP(arrText.data());
+    described.setIPProtoVer(bIPv6 ? 2 : 1);
+    vecAddresses.push_back(described);
 }
 
 }  // namespace

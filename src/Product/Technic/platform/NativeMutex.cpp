@@ -16,39 +16,39 @@ std::uint64_t currentThreadNumber() noexcept {
 }  // namespace
 
 std::unique_ptr<NativeMutex> NativeMutex::create() noexcept {
-    pthread_mutexattr_t objAttributes;
-    if (pthread_mutexattr_init(&objAttributes) != 0) {
+    pthread_mutexattr_t attributes;
+    if (pthread_mutexattr_init(&attributes) != 0) {
         return nullptr;
     }
-    pthread_mutexattr_setrobust(&objAttributes, PTHREAD_MUTEX_ROBUST);
+    pthread_mutexattr_setrobust(&attributes, PTHREAD_MUTEX_ROBUST);
     int nResult = 0;
-    std::unique_ptr<NativeMutex> pobjMutex(new (std::nothrow) NativeMutex(objAttributes, nResult));
-    pthread_mutexattr_destroy(&objAttributes);
-    return nResult == 0 ? std::move(pobjMutex) : nullptr;
+    std::unique_ptr<NativeMutex> pMutex(new (std::nothrow) NativeMutex(attributes, nResult));
+    pthread_mutexattr_destroy(&attributes);
+    return nResult == 0 ? std::move(pMutex) : nullptr;
 }
 
-NativeMutex::NativeMutex(const pthread_mutexattr_t& objAttributes, int& nResult) noexcept {
-    nResult = pthread_mutex_init(&m_objMutex, &objAttributes);
+NativeMutex::NativeMutex(const pthread_mutexattr_t& attributes, int& nResult) noexcept {
+    nResult = pthread_mutex_init(&m_mutex, &attributes);
     m_bMade = nResult == 0;
 }
 
 NativeMutex::~NativeMutex() {
     if (m_bMade) {
-        pthread_mutex_destroy(&m_objMutex);
+        pthread_mutex_destroy(&m_mutex);
     }
 }
 
-void NativeMutex::close(std::unique_ptr<NativeMutex> pobjMutex) noexcept {
-    if (pobjMutex->m_nOwner == currentThreadNumber()) {
-        pobjMutex->m_nDepth = 1;
-        pobjMutex->unlock();
+void NativeMutex::close(std::unique_ptr<NativeMutex> pMutex) noexcept {
+    if (pMutex->m_nOwner == currentThreadNumber()) {
+        pMutex->m_nDepth = 1;
+        pMutex->unlock();
     }
-    if (pthread_mutex_trylock(&pobjMutex->m_objMutex) == EBUSY) {
+    if (pthread_mutex_trylock(&pMutex->m_mutex) == EBUSY) {
         // The owner's list of held mutexes still points here, so this memory must stay.
-        static_cast<void>(pobjMutex.release());
+        static_cast<void>(pMutex.release());
         return;
     }
-    pthread_mutex_unlock(&pobjMutex->m_objMutex);
+    pthread_mutex_unlock(&pMutex->m_mutex);
 }
 
 void NativeMutex::lock() noexcept {
@@ -57,8 +57,8 @@ void NativeMutex::lock() noexcept {
         ++m_nDepth;
         return;
     }
-    if (pthread_mutex_lock(&m_objMutex) == EOWNERDEAD) {
-        pthread_mutex_consistent(&m_objMutex);
+    if (pthread_mutex_lock(&m_mutex) == EOWNERDEAD) {
+        pthread_mutex_consistent(&m_mutex);
     }
     m_nOwner.store(nSelf, std::memory_order_relaxed);
     m_nDepth = 1;
@@ -69,5 +69,5 @@ void NativeMutex::unlock() noexcept {
         return;
     }
     m_nOwner.store(0, std::memory_order_relaxed);
-    pthread_mutex_unlock(&m_objMutex);
+    pthread_mutex_unlock(&m_mutex);
 }

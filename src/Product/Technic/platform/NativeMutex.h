@@ -18,7 +18,7 @@ public:
 
     // Gives the mutex back to the system. The levels that the calling thread holds are let go; a
     // mutex that another thread holds at this moment is abandoned to it instead of being freed.
-    static void close(std::unique_ptr<NativeMutex> pobjMutex) noexcept;
+    static void close(std::unique_ptr<NativeMutex> pMutex) noexcept;
 
     ~NativeMutex();
     NativeMutex(const NativeMutex&) = delete;
@@ -28,9 +28,9 @@ public:
     void unlock() noexcept;
 
 private:
-    explicit NativeMutex(const pthread_mutexattr_t& objAttributes, int& nResult) noexcept;
+    explicit NativeMutex(const pthread_mutexattr_t& attributes, int& nResult) noexcept;
 
-    pthread_mutex_t m_objMutex{};
+    pthread_mutex_t m_mutex{};
     bool m_bMade = false;
     std::atomic<std::uint64_t> m_nOwner{0};  // number of the owner thread, 0 when free
     std::uint32_t m_nDepth = 0;              // levels held; touched by the owner only

@@ -8,21 +8,21 @@ std::uint32_t currentThreadId() noexcept {
 }
 
 bool NativeThread::start(Entry pEntry, void* pArgument) noexcept {
-    pthread_t objThread{};
-    if (pthread_create(&objThread, nullptr, pEntry, pArgument) != 0) {
+    pthread_t thread{};
+    if (pthread_create(&thread, nullptr, pEntry, pArgument) != 0) {
         return false;
     }
-    m_objThread = objThread;
+    m_thread = thread;
     return true;
 }
 
 std::uint32_t NativeThread::getId() const noexcept {
-    return m_objThread ? static_cast<std::uint32_t>(*m_objThread) : 0;
+    return m_thread ? static_cast<std::uint32_t>(*m_thread) : 0;
 }
 
 void NativeThread::join() noexcept {
-    if (m_objThread && pthread_join(*m_objThread, nullptr) != 0) {
-        pthread_detach(*m_objThread);
+    if (m_thread && pthread_join(*m_thread, nullptr) != 0) {
+        pthread_detach(*m_thread);
     }
-    m_objThread.reset();
+    m_thread.reset();
 }

@@ -30,5 +30,5 @@ public:
     void join() noexcept;
 
 private:
-    std::optional<pthread_t> m_objThread;
+    std::optional<pthread_t> m_thread;
 };
