@@ -6,9 +6,7 @@ foreach(header IN LISTS record_headers)
   get_filename_component(class "${header}" NAME_WE)
   list(APPEND exported_classes "${class}")
 endforeach()
-set(exported_functions
-  errorMeaning setLogFilter recordDescriptors findRecordDescriptor equalRecords checkDomainId
-  effectiveDomainId commandCatalogue findCommand toRecords toStructure)
+set(exported_functions "fleetkit::" checkDomainId)
 
 set(exported_names "")
 foreach(class IN LISTS exported_classes)

@@ -135,7 +135,7 @@ def record_header(schema, record, exported):
                    f"    {name}& operator=({name}&& other) noexcept;\n"
                    f"    ~{name}() override;\n\n")
     out += [accessors_of(field) for field in members]
-    out.append("\n    static const RecordDescriptor& descriptor() noexcept;\n"
+    out.append("\n    static const fleetkit::RecordDescriptor& descriptor() noexcept;\n"
                f"    friend bool operator==(const {name}& left, const {name}& right) {{\n"
                "        return equalRecords(descriptor(), &left, &right);\n    }\n")
     if members:
@@ -241,7 +241,8 @@ def family_source(schema, family, records, domains):
            '#include "domain/RecordDescriptor.h"\n\n',
            "// Records derive from one base without virtual inheritance, so both compilers know\n"
            "// the place of each member.\n"
-           '#pragma GCC diagnostic ignored "-Winvalid-offsetof"\n\n']
+           '#pragma GCC diagnostic ignored "-Winvalid-offsetof"\n\n'
+           "using namespace fleetkit;\n\n"]
     for record in records:
         if not record.is_element and "by-hand" not in record.flags:
             out.append(special_members(record))
@@ -291,7 +292,7 @@ def command_table(schema):
     rows = "".join(f"    {{{c.request}, {c.response}, {c.group}, {c.operation}}},\n"
                    for c in schema.commands)
     return (generated_by("commands.schema") + '#include "protocol/CommandTable.h"\n\n'
-            f"const CommandDescriptor commandTable[] = {{\n{rows}}};\n"
+            f"const fleetkit::CommandDescriptor commandTable[] = {{\n{rows}}};\n"
             "const std::size_t commandTableSize = "
             "sizeof(commandTable) / sizeof(commandTable[0]);\n")
 

@@ -11,6 +11,8 @@
 #include "FieldAssignment.h"
 #include "UsageError.h"
 
+using namespace fleetkit;
+
 namespace {
 
 constexpr std::size_t AnyNumber = std::numeric_limits<std::size_t>::max();

@@ -13,6 +13,8 @@
 
 #include "UsageError.h"
 
+using namespace fleetkit;
+
 namespace {
 
 constexpr int IPv4 = 1;

@@ -6,6 +6,8 @@
 
 #include "UsageError.h"
 
+using namespace fleetkit;
+
 namespace {
 
 std::vector<std::string> splitPath(const std::string& strPath) {

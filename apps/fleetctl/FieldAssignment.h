@@ -26,4 +26,4 @@ void assign(const FieldAssignment& assignment, const Shape& shape, const std::st
 
 // UsageError, with the missing ones, unless every field of the record is assigned.
 void requireEveryField(const std::vector<FieldAssignment>& vecAssignments,
-                       const RecordDescriptor& descriptor, const std::string& strName);
+                       const fleetkit::RecordDescriptor& descriptor, const std::string& strName);

@@ -30,6 +30,7 @@
 #include "StructRoom.h"
 #include "UsageError.h"
 
+using namespace fleetkit;
 using namespace NS_TARN_STRUCT;
 
 namespace {

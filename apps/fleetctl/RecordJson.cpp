@@ -10,6 +10,8 @@
 #include "Base64Text.h"
 #include "UsageError.h"
 
+using namespace fleetkit;
+
 namespace {
 
 // The shortest decimal that reads back as the same float, so that 0.1 stays 0.1.

@@ -15,8 +15,8 @@ using Json = nlohmann::ordered_json;
 // What stands at one place of a value: a single thing or a list of them, and of which kind.
 struct Shape {
     bool isList = false;
-    const RecordDescriptor* pRecord = nullptr;  // null: a scalar
-    FieldKind nScalar = FieldKind::Int;
+    const fleetkit::RecordDescriptor* pRecord = nullptr;  // null: a scalar
+    fleetkit::FieldKind nScalar = fleetkit::FieldKind::Int;
 
     // What an element of a list is.
     Shape element() const noexcept { return {false, pRecord, nScalar}; }
@@ -29,10 +29,10 @@ struct Value {
 };
 
 // Calls with each field that has a place in JSON, those of the base first.
-void forEachField(const RecordDescriptor& descriptor,
-                  const std::function<void(const FieldDescriptor&)>& visit);
+void forEachField(const fleetkit::RecordDescriptor& descriptor,
+                  const std::function<void(const fleetkit::FieldDescriptor&)>& visit);
 
-Shape shapeOf(const FieldDescriptor& field) noexcept;
+Shape shapeOf(const fleetkit::FieldDescriptor& field) noexcept;
 
 // For people: "a whole number from 0 to 65535".
 std::string describeShape(const Shape& shape);

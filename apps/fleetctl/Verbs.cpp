@@ -11,6 +11,8 @@
 #include "Terminal.h"
 #include "UsageError.h"
 
+using namespace fleetkit;
+
 namespace {
 
 constexpr const char* LoginName = "login";

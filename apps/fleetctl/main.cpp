@@ -13,6 +13,8 @@
 #include "Verbs.h"
 #include "Vocabulary.h"
 
+using namespace fleetkit;
+
 namespace {
 
 int runVerb(const CommandLine& line, Output& output) {

@@ -17,6 +17,8 @@
 #include "virtual-device/CommandHandlers.h"
 #include "virtual-device/DeviceResult.h"
 
+using namespace fleetkit;
+
 namespace {
 
 constexpr std::uint32_t Acknowledgement = 10000;

@@ -11,6 +11,8 @@
 #include "protocol/ProtocolType.h"
 #include "virtual-device/Answer.h"
 
+using namespace fleetkit;
+
 namespace {
 
 constexpr std::size_t ChecksumByte = 22;

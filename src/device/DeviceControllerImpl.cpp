@@ -11,6 +11,8 @@
 #include "domain/StreamId.h"
 #include "protocol/CredentialCipher.h"
 
+using namespace fleetkit;
+
 namespace {
 
 constexpr int AllStreams = -1;

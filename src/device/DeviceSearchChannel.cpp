@@ -19,6 +19,8 @@
 #include "session/SessionCommands.h"
 #include "session/TransferFactoryMap.h"
 
+using namespace fleetkit;
+
 namespace {
 
 constexpr int IPv4 = 1;

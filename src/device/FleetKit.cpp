@@ -11,6 +11,7 @@
 #include "device/SDK_NVRDeviceController.h"
 #include "device/StructConversions.h"
 
+using namespace fleetkit;
 using namespace NS_TARN_STRUCT;
 
 namespace {

@@ -6,6 +6,8 @@
 #include "Product/Technic/ErrorCode.h"
 #include "session/TransferFactoryMap.h"
 
+using namespace fleetkit;
+
 namespace {
 
 constexpr int ReplyTimeoutMs = 5000;

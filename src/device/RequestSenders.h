@@ -53,8 +53,8 @@ int sendGet(const SafePointer<SDKSession>& session, std::uint32_t nCommandId, An
             const Request&... request) {
     DomainList reply;
     const int nCode = sendRecords(session, nCommandId, reply, asRecord(request)...);
-    if (nCode != ErrorCode::Success) {
+    if (nCode != fleetkit::ErrorCode::Success) {
         return nCode;
     }
-    return takeAnswer(reply, answer) ? ErrorCode::Success : ErrorCode::BadReply;
+    return takeAnswer(reply, answer) ? fleetkit::ErrorCode::Success : fleetkit::ErrorCode::BadReply;
 }

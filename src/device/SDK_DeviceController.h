@@ -29,7 +29,7 @@ public:
     int performOn(int nChannelId, int (DeviceControllerImpl::*pOperation)(int, Params...),
                   Args&&... args) {
         return m_pImpl ? (m_pImpl.get()->*pOperation)(nChannelId, std::forward<Args>(args)...)
-                       : ErrorCode::NoTransport;
+                       : fleetkit::ErrorCode::NoTransport;
     }
 
     // The same for the whole device.

@@ -5,6 +5,8 @@
 #include <cstring>
 #include <string>
 
+namespace fleetkit {
+
 using namespace NS_TARN_STRUCT;
 
 namespace {
@@ -240,3 +242,5 @@ void toStructure(const std::vector<OSDUserParam>* pRecords, tagOSDUserParamList*
         writeElements(*pRecords, pParams->Count, pParams->Params, writeOSDUser);
     }
 }
+
+}  // namespace fleetkit

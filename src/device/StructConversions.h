@@ -11,6 +11,8 @@
 #include "domain/ChannelInfo.h"
 #include "domain/OSDUserParam.h"
 
+namespace fleetkit {
+
 // Reading a structure appends a record for each element. No count and no text in it is trusted: the
 // capacities bound what is read. A count below 1 and a null pointer append nothing.
 FLEETKIT_EXPORT void toRecords(const NS_TARN_STRUCT::tagAllAVStreamParam* pStreams,
@@ -29,3 +31,5 @@ FLEETKIT_EXPORT void toStructure(const std::vector<ChannelInfo>* pRecords,
                                  NS_TARN_STRUCT::tagAllChannelInfo* pChannels);
 FLEETKIT_EXPORT void toStructure(const std::vector<OSDUserParam>* pRecords,
                                  NS_TARN_STRUCT::tagOSDUserParamList* pParams);
+
+}  // namespace fleetkit

@@ -5,6 +5,8 @@
 
 #include "Product/Technic/ErrorCode.h"
 
+using namespace fleetkit;
+
 namespace {
 
 // Preview always shows the first stream of the first channel.

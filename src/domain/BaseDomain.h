@@ -8,7 +8,9 @@
 
 #include "Product/Technic/Export.h"
 
+namespace fleetkit {
 struct RecordDescriptor;
+}  // namespace fleetkit
 
 class FLEETKIT_EXPORT BaseDomain {
 public:
@@ -24,7 +26,7 @@ public:
     // The record's type number; 0 for a plain BaseDomain, 99999 for a list of records.
     const std::uint32_t& getDomainId() const noexcept { return m_nDomainId; }
 
-    static const RecordDescriptor& descriptor() noexcept;
+    static const fleetkit::RecordDescriptor& descriptor() noexcept;
 
 protected:
     explicit BaseDomain(std::uint32_t nDomainId) noexcept : m_nDomainId(nDomainId) {}

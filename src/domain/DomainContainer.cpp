@@ -3,10 +3,10 @@
 
 bool checkDomainId(const BaseDomain& record, std::uint32_t nExpectedId, bool& isList) noexcept {
     isList = record.getDomainId() == ContainerDomainId;
-    return effectiveDomainId(record) == nExpectedId;
+    return fleetkit::effectiveDomainId(record) == nExpectedId;
 }
 
-std::uint32_t effectiveDomainId(const BaseDomain& record) noexcept {
+std::uint32_t fleetkit::effectiveDomainId(const BaseDomain& record) noexcept {
     if (record.getDomainId() != ContainerDomainId) {
         return record.getDomainId();
     }

@@ -28,5 +28,9 @@ protected:
 FLEETKIT_EXPORT bool checkDomainId(const BaseDomain& record, std::uint32_t nExpectedId,
                                    bool& isList) noexcept;
 
+namespace fleetkit {
+
 // The id that names a record's type: that of the elements for a list, its own otherwise.
 FLEETKIT_EXPORT std::uint32_t effectiveDomainId(const BaseDomain& record) noexcept;
+
+}  // namespace fleetkit

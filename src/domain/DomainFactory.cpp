@@ -4,6 +4,8 @@
 #include "Product/Technic/LogFilter.h"
 #include "domain/DomainTables.h"
 
+using namespace fleetkit;
+
 namespace {
 
 constexpr int TraceLevel = 3;

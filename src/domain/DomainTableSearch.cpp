@@ -4,6 +4,8 @@
 
 #include "domain/DomainTables.h"
 
+using namespace fleetkit;
+
 namespace DomainTables {
 
 const RecordDescriptor* findById(std::uint32_t nDomainId) noexcept {

@@ -8,7 +8,7 @@
 
 namespace DomainTables {
 
-using DescriptorOf = const RecordDescriptor& (*)() noexcept;
+using DescriptorOf = const fleetkit::RecordDescriptor& (*)() noexcept;
 
 struct IdRow {
     std::uint32_t nDomainId;
@@ -29,7 +29,8 @@ std::span<const IdRow> idRows() noexcept;
 std::span<const NameRow> singleNames() noexcept;
 std::span<const NameRow> listNames() noexcept;
 
-const RecordDescriptor* findById(std::uint32_t nDomainId) noexcept;
-const RecordDescriptor* findByName(std::span<const NameRow> names, const char* szName) noexcept;
+const fleetkit::RecordDescriptor* findById(std::uint32_t nDomainId) noexcept;
+const fleetkit::RecordDescriptor* findByName(std::span<const NameRow> names,
+                                             const char* szName) noexcept;
 
 }  // namespace DomainTables

@@ -6,6 +6,8 @@
 
 #include "domain/DomainTables.h"
 
+namespace fleetkit {
+
 namespace {
 
 template <class T>
@@ -96,3 +98,5 @@ const RecordDescriptor* findRecordDescriptor(const std::string& strClass) {
     }
     return nullptr;
 }
+
+}  // namespace fleetkit

@@ -16,6 +16,8 @@
 #include "domain/BaseDomain.h"
 #include "domain/DomainVectorContainer.h"
 
+namespace fleetkit {
+
 // How a field is held in the record, and which form it has on the wire.
 enum class FieldKind : std::uint8_t {
     Bool,           // bool, an attribute "true" or "false"
@@ -193,3 +195,5 @@ constexpr TypeAccess recordAccess() {
     access.containerList = AccessTo<T>::containerList;
     return access;
 }
+
+}  // namespace fleetkit

@@ -6,6 +6,8 @@
 
 #include "Product/Technic/Base64.h"
 
+using namespace fleetkit;
+
 namespace BlockMapping {
 
 namespace {

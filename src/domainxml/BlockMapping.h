@@ -7,8 +7,8 @@
 namespace BlockMapping {
 
 // A record that never got a block writes no attribute.
-bool write(const FieldDescriptor& field, const void* pRecord, XmlCursor element);
+bool write(const fleetkit::FieldDescriptor& field, const void* pRecord, XmlCursor element);
 // False for a text that is no base64, or that is longer than the length told allows.
-bool read(const FieldDescriptor& field, XmlCursor element, void* pRecord);
+bool read(const fleetkit::FieldDescriptor& field, XmlCursor element, void* pRecord);
 
 }  // namespace BlockMapping

@@ -5,6 +5,8 @@
 #include "domain/RecordDescriptor.h"
 #include "domainxml/RecordXml.h"
 
+using namespace fleetkit;
+
 std::unique_ptr<IDomainXml> createDomainXml(std::uint32_t nDomainId) {
     const RecordDescriptor* pDescriptor = findRecordDescriptor(nDomainId);
     if (pDescriptor == nullptr || pDescriptor->szName == nullptr) {

@@ -6,6 +6,8 @@
 #include "domainxml/JoinedText.h"
 #include "domainxml/XmlText.h"
 
+using namespace fleetkit;
+
 namespace FieldText {
 
 namespace {

@@ -7,10 +7,10 @@
 
 namespace FieldText {
 
-std::string of(const FieldDescriptor& field, const void* pMember);
+std::string of(const fleetkit::FieldDescriptor& field, const void* pMember);
 // A text that is no value of the field's type leaves the member as it was.
-void read(const FieldDescriptor& field, const char* szText, void* pMember);
+void read(const fleetkit::FieldDescriptor& field, const char* szText, void* pMember);
 // To zero, false or empty.
-void clear(const FieldDescriptor& field, void* pMember);
+void clear(const fleetkit::FieldDescriptor& field, void* pMember);
 
 }  // namespace FieldText

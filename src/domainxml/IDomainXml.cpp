@@ -4,6 +4,8 @@
 #include "domain/DomainContainer.h"
 #include "domainxml/DomainXmlFactory.h"
 
+using namespace fleetkit;
+
 bool IDomainXml::createDomainXmlNode(const BaseDomain&, const SafePointer<DomainXmlNode>&) {
     return false;
 }

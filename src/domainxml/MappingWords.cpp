@@ -5,6 +5,8 @@
 
 #include "Product/Technic/LogFilter.h"
 
+using namespace fleetkit;
+
 namespace MappingWords {
 
 namespace {

@@ -9,15 +9,18 @@
 namespace MappingWords {
 
 // An attribute of `element` is absent; strValue is what the field is left with.
-void printMissing(const RecordDescriptor& owner, const FieldDescriptor& field, XmlCursor element,
-                  const std::string& strValue);
+void printMissing(const fleetkit::RecordDescriptor& owner, const fleetkit::FieldDescriptor& field,
+                  XmlCursor element, const std::string& strValue);
 // A child element of `parent` is absent, in these words.
-void printMissingElement(const RecordDescriptor& owner, const FieldDescriptor& field,
-                         const char* szWords, XmlCursor parent);
+void printMissingElement(const fleetkit::RecordDescriptor& owner,
+                         const fleetkit::FieldDescriptor& field, const char* szWords,
+                         XmlCursor parent);
 // The element of a list is absent, its entries are bad, or it could not be written.
-void printMissingList(const RecordDescriptor& owner, const FieldDescriptor& field);
-void printBadList(const RecordDescriptor& owner, const FieldDescriptor& field);
-void printUnwritten(const RecordDescriptor& owner, const FieldDescriptor& field);
+void printMissingList(const fleetkit::RecordDescriptor& owner,
+                      const fleetkit::FieldDescriptor& field);
+void printBadList(const fleetkit::RecordDescriptor& owner, const fleetkit::FieldDescriptor& field);
+void printUnwritten(const fleetkit::RecordDescriptor& owner,
+                    const fleetkit::FieldDescriptor& field);
 
 // "ALARM_LINKAGE_PARAM_LIST" for "AlarmLinkageParamList".
 std::string nodeName(const std::string& strTag);

@@ -6,7 +6,8 @@
 
 class RecordXml : public IDomainXml {
 public:
-    explicit RecordXml(const RecordDescriptor& descriptor) noexcept : m_descriptor(descriptor) {}
+    explicit RecordXml(const fleetkit::RecordDescriptor& descriptor) noexcept
+        : m_descriptor(descriptor) {}
 
     bool createDomainXmlNode(const BaseDomain& record,
                              const SafePointer<DomainXmlNode>& node) override;
@@ -15,5 +16,5 @@ public:
 private:
     bool accepts(const BaseDomain& record) const noexcept;
 
-    const RecordDescriptor& m_descriptor;
+    const fleetkit::RecordDescriptor& m_descriptor;
 };

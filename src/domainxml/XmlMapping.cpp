@@ -10,6 +10,8 @@
 #include "domainxml/OddMapper.h"
 #include "domainxml/XmlText.h"
 
+using namespace fleetkit;
+
 namespace XmlMapping {
 
 namespace {

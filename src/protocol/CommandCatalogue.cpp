@@ -5,6 +5,8 @@
 
 #include "protocol/CommandTable.h"
 
+namespace fleetkit {
+
 const std::vector<CommandDescriptor>& commandCatalogue() {
     static const std::vector<CommandDescriptor> vecRows(commandTable,
                                                         commandTable + commandTableSize);
@@ -16,3 +18,5 @@ const CommandDescriptor* findCommand(std::uint32_t nRequestId) noexcept {
     const auto row = std::ranges::find(vecRows, nRequestId, &CommandDescriptor::nRequestId);
     return row == vecRows.end() ? nullptr : &*row;
 }
+
+}  // namespace fleetkit

@@ -6,6 +6,8 @@
 
 #include "Product/Technic/Export.h"
 
+namespace fleetkit {
+
 // One command.
 struct CommandDescriptor {
     std::uint32_t nRequestId;
@@ -20,3 +22,5 @@ FLEETKIT_EXPORT const std::vector<CommandDescriptor>& commandCatalogue();
 
 // The first row with this request id, or null.
 FLEETKIT_EXPORT const CommandDescriptor* findCommand(std::uint32_t nRequestId) noexcept;
+
+}  // namespace fleetkit

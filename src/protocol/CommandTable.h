@@ -5,5 +5,5 @@
 
 #include "protocol/CommandCatalogue.h"
 
-extern const CommandDescriptor commandTable[];
+extern const fleetkit::CommandDescriptor commandTable[];
 extern const std::size_t commandTableSize;

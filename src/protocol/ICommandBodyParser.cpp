@@ -12,6 +12,8 @@
 #include "protocol/RemoteSnapshotRespBodyParser.h"
 #include "protocol/SDKNormalXmlBodyParser.h"
 
+using namespace fleetkit;
+
 namespace {
 
 using BodyParserMaker = std::unique_ptr<ICommandBodyParser> (*)();

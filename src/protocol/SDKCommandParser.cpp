@@ -13,6 +13,8 @@
 #include "protocol/ProtocolType.h"
 #include "protocol/SDKCommandParam.h"
 
+using namespace fleetkit;
+
 namespace {
 
 constexpr const char* SourceName = "SDKCommandParser";

@@ -13,6 +13,8 @@
 #include "domainxml/XmlCursor.h"
 #include "domainxml/XmlMapping.h"
 
+using namespace fleetkit;
+
 namespace {
 
 constexpr const char* SourceName = "SDKNormalXmlBodyParser";

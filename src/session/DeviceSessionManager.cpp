@@ -12,6 +12,8 @@
 #include "domain/EtSessionId.h"
 #include "session/SessionCommands.h"
 
+using namespace fleetkit;
+
 namespace {
 
 constexpr std::uint32_t HeartBeatCommand = 11007;

@@ -2,6 +2,8 @@
 
 #include "Product/Technic/ErrorCode.h"
 
+using namespace fleetkit;
+
 namespace {
 
 int codeOf(bool bDone, int nFailure) {

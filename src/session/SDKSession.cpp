@@ -12,6 +12,8 @@
 #include "session/SequenceNumber.h"
 #include "session/TransferConnector.h"
 
+using namespace fleetkit;
+
 namespace {
 
 constexpr int SendTimeoutMs = 3000;

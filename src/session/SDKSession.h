@@ -76,8 +76,8 @@ private:
     std::int32_t recvCommand(const SDKCommandHeadInfo& head, DomainList& reply)
         KX_REQUIRES(m_mutex);
     std::int32_t recvMessage(SafePointer<CommandParam>& message) KX_REQUIRES(m_mutex);
-    static std::int32_t takeReply(const SDKCommandParam& answer, const CommandDescriptor& command,
-                                  DomainList& reply);
+    static std::int32_t takeReply(const SDKCommandParam& answer,
+                                  const fleetkit::CommandDescriptor& command, DomainList& reply);
 
     SafePointer<ITransfer> m_pTransfer KX_GUARDED_BY(m_mutex);
     DeviceInfoEx m_deviceInfo;

@@ -15,6 +15,8 @@
 #include "session/SessionCommands.h"
 #include "session/TransferConnector.h"
 
+using namespace fleetkit;
+
 namespace {
 
 constexpr std::uint32_t LoginCommand = 11001;

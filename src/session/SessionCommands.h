@@ -38,14 +38,15 @@ template <class... Request>
 std::int32_t sendRecords(const SafePointer<SDKSession>& session, std::uint32_t nCommandId,
                          DomainList& reply, const Request&... request) {
     if (session.isNull()) {
-        return ErrorCode::NoTransport;
+        return fleetkit::ErrorCode::NoTransport;
     }
     DomainList records;
     const bool bRoom = guardRoom([&] {
         records = {copyOf(request)...};
         return true;
     });
-    return bRoom ? session->sendRecv(nCommandId, records, reply) : ErrorCode::EncodeFailed;
+    return bRoom ? session->sendRecv(nCommandId, records, reply)
+                 : fleetkit::ErrorCode::EncodeFailed;
 }
 
 // One exchange whose reply brings nothing but its result code.
@@ -63,9 +64,9 @@ std::int32_t sendRecord(const SafePointer<SDKSession>& session, std::uint32_t nC
                         const Request& request, Answer& answer) {
     DomainList reply;
     const std::int32_t nResult = sendRecords(session, nCommandId, reply, request);
-    if (nResult != ErrorCode::Success) {
+    if (nResult != fleetkit::ErrorCode::Success) {
         return nResult;
     }
-    return findRecord(Answer::DomainId, 0, reply, answer) ? ErrorCode::Success
-                                                          : ErrorCode::BadReply;
+    return findRecord(Answer::DomainId, 0, reply, answer) ? fleetkit::ErrorCode::Success
+                                                          : fleetkit::ErrorCode::BadReply;
 }

@@ -6,6 +6,8 @@
 #include "Product/Technic/LogFilter.h"
 #include "protocol/SDKCommandHeadInfo.h"
 
+using namespace fleetkit;
+
 namespace {
 
 constexpr std::uint32_t MaxPayload = 256U << 20;

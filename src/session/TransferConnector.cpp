@@ -7,6 +7,8 @@
 #include "Product/Technic/IPTool.h"
 #include "session/TransferFactoryMap.h"
 
+using namespace fleetkit;
+
 InetAddr getDialAddr(const DeviceInfoEx& info) {
     const InetAddr& device = info.getDeviceAddr();
     const bool bMapped = info.getRouterMappingEnableFlag();

@@ -3,6 +3,8 @@
 #include "Product/Technic/ErrorCode.h"
 #include "Product/Technic/LogFilter.h"
 
+using namespace fleetkit;
+
 namespace {
 
 constexpr std::uint32_t MaxDatagram = 5600;

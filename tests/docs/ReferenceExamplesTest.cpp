@@ -11,6 +11,8 @@
 #include "domainxml/XmlMapping.h"
 #include "support/CapturedOutput.h"
 
+using namespace fleetkit;
+
 namespace {
 
 constexpr std::size_t NamedRecords = 649;

@@ -40,7 +40,7 @@ int main() {{
     device.setUserID("admin");
     device.setPassword("secret");
     long session = 0;
-    if (FleetKit::Login(device, session) != ErrorCode::Success) {{
+    if (FleetKit::Login(device, session) != fleetkit::ErrorCode::Success) {{
         return 1;
     }}
     {{

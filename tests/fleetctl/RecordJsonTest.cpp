@@ -7,6 +7,8 @@
 #include "RecordJson.h"
 #include "UsageError.h"
 
+using namespace fleetkit;
+
 namespace {
 
 // JSON of a shape with nothing at its default.

@@ -23,6 +23,7 @@
 #include "virtual-device/DeviceResult.h"
 #include "virtual-device/VirtualDevice.h"
 
+using namespace fleetkit;
 using namespace NS_TARN_STRUCT;
 
 namespace {

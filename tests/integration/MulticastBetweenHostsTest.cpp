@@ -14,6 +14,8 @@
 #include "support/NeighbourHost.h"
 #include "support/SampleRecords.h"
 
+using namespace fleetkit;
+
 namespace {
 
 constexpr const char* NewAddress = "10.77.0.99";

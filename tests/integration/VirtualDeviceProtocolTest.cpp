@@ -32,6 +32,8 @@
 #include "virtual-device/DeviceResult.h"
 #include "virtual-device/VirtualDevice.h"
 
+using namespace fleetkit;
+
 namespace {
 
 constexpr int TimeoutMs = 5000;

@@ -1,7 +1,6 @@
 // The functions that the library's face declares.
 #pragma once
 
-#include <filesystem>
 #include <set>
 #include <string>
 
@@ -9,8 +8,7 @@
 
 // Their names; the second of two overloads has "#2" behind it.
 inline std::set<std::string> declaredFunctions() {
-    const auto path = std::filesystem::path(__FILE__).parent_path() / "../../src/device/FleetKit.h";
-    const std::string strHeader = readFile(path.string());
+    const std::string strHeader = readFile(FLEETKIT_SOURCE_DIR "/src/device/FleetKit.h");
     const std::string strOpening = "    static int ";
     std::set<std::string> setNames;
     for (std::size_t nAt = strHeader.find(strOpening); nAt != std::string::npos;

@@ -14,11 +14,11 @@ public:
     explicit RecordFiller(int nFirst = 1001, bool bFlag = true) : m_nNext(nFirst), m_bFlag(bFlag) {}
 
     // Lists get two entries, blocks a few bytes and the length that belongs to them.
-    void fill(const RecordDescriptor& descriptor, void* pRecord) {
+    void fill(const fleetkit::RecordDescriptor& descriptor, void* pRecord) {
         if (descriptor.base != nullptr) {
             fill(descriptor.base(), pRecord);
         }
-        for (const FieldDescriptor& field : descriptor) {
+        for (const fleetkit::FieldDescriptor& field : descriptor) {
             fillField(field, pRecord);
         }
     }
@@ -29,42 +29,43 @@ private:
         *static_cast<T*>(pMember) = std::move(value);
     }
 
-    void fillField(const FieldDescriptor& field, void* pRecord) {
-        void* pMember = &memberOf<char>(pRecord, field.nOffset);
+    void fillField(const fleetkit::FieldDescriptor& field, void* pRecord) {
+        void* pMember = &fleetkit::memberOf<char>(pRecord, field.nOffset);
         switch (field.nKind) {
-            case FieldKind::Bool:
+            case fleetkit::FieldKind::Bool:
                 return put(pMember, m_bFlag);
-            case FieldKind::Int:
+            case fleetkit::FieldKind::Int:
                 return put(pMember, m_nNext++);
-            case FieldKind::UnsignedShort:
+            case fleetkit::FieldKind::UnsignedShort:
                 return put(pMember, static_cast<unsigned short>(m_nNext++));
-            case FieldKind::Float:
+            case fleetkit::FieldKind::Float:
                 return put(pMember, static_cast<float>(m_nNext++) + 0.5F);
-            case FieldKind::Double:
+            case fleetkit::FieldKind::Double:
                 return put(pMember, m_nNext++ + 0.25);
-            case FieldKind::String:
+            case fleetkit::FieldKind::String:
                 return put(pMember, text());
-            case FieldKind::Record:
-            case FieldKind::Element:
+            case fleetkit::FieldKind::Record:
+            case fleetkit::FieldKind::Element:
                 return fill(field.nested(), pMember);
-            case FieldKind::RecordList:
-            case FieldKind::ElementList:
-            case FieldKind::JoinedRecords:
+            case fleetkit::FieldKind::RecordList:
+            case fleetkit::FieldKind::ElementList:
+            case fleetkit::FieldKind::JoinedRecords:
                 return fillList(field.nested(), pMember);
-            case FieldKind::IntList:
-            case FieldKind::JoinedInts:
+            case fleetkit::FieldKind::IntList:
+            case fleetkit::FieldKind::JoinedInts:
                 put(pMember, std::vector<int>{m_nNext, -m_nNext});
                 ++m_nNext;
                 return;
-            case FieldKind::StringList:
+            case fleetkit::FieldKind::StringList:
                 return put(pMember, std::vector<std::string>{text(), ""});
-            case FieldKind::Block:
-                memberOf<int>(pRecord, field.nOtherOffset) = 3;
-                return put(pMember, OptionalBlock({0, 255, static_cast<std::uint8_t>(m_nNext++)}));
+            case fleetkit::FieldKind::Block:
+                fleetkit::memberOf<int>(pRecord, field.nOtherOffset) = 3;
+                return put(pMember,
+                           fleetkit::OptionalBlock({0, 255, static_cast<std::uint8_t>(m_nNext++)}));
         }
     }
 
-    void fillList(const RecordDescriptor& element, void* pList) {
+    void fillList(const fleetkit::RecordDescriptor& element, void* pList) {
         element.access.listReset(pList, 2);
         fill(element, element.access.listElement(pList, 0));
         fill(element, element.access.listElement(pList, 1));

@@ -6,23 +6,25 @@
 #include "domain/RecordDescriptor.h"
 
 // The 716 records, without the inline elements.
-inline std::vector<const RecordDescriptor*> allRecords() {
-    std::vector<const RecordDescriptor*> vecRecords = recordDescriptors();
-    std::erase_if(vecRecords, [](const RecordDescriptor* p) { return p->isElement; });
+inline std::vector<const fleetkit::RecordDescriptor*> allRecords() {
+    std::vector<const fleetkit::RecordDescriptor*> vecRecords = fleetkit::recordDescriptors();
+    std::erase_if(vecRecords, [](const fleetkit::RecordDescriptor* p) { return p->isElement; });
     return vecRecords;
 }
 
 // The 649 records that have a name.
-inline std::vector<const RecordDescriptor*> namedRecords() {
-    std::vector<const RecordDescriptor*> vecRecords = allRecords();
-    std::erase_if(vecRecords, [](const RecordDescriptor* p) { return p->szName == nullptr; });
+inline std::vector<const fleetkit::RecordDescriptor*> namedRecords() {
+    std::vector<const fleetkit::RecordDescriptor*> vecRecords = allRecords();
+    std::erase_if(vecRecords,
+                  [](const fleetkit::RecordDescriptor* p) { return p->szName == nullptr; });
     return vecRecords;
 }
 
 // Whether two objects hold the same in one field.
-inline bool equalFields(const FieldDescriptor& field, const void* pLeft, const void* pRight) {
-    RecordDescriptor one;
+inline bool equalFields(const fleetkit::FieldDescriptor& field, const void* pLeft,
+                        const void* pRight) {
+    fleetkit::RecordDescriptor one;
     one.pFields = &field;
     one.nFieldCount = 1;
-    return equalRecords(one, pLeft, pRight);
+    return fleetkit::equalRecords(one, pLeft, pRight);
 }

@@ -1,6 +1,8 @@
 // The meanings of the result codes.
 #include "Product/Technic/ErrorCode.h"
 
+namespace fleetkit {
+
 const char* errorMeaning(int nCode) noexcept {
     // No default branch: the compiler tells when a code has no meaning yet.
     switch (static_cast<ErrorCode::Value>(nCode)) {
@@ -61,3 +63,5 @@ const char* errorMeaning(int nCode) noexcept {
     }
     return "the device's own result code";
 }
+
+}  // namespace fleetkit

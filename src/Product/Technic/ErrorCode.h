@@ -6,6 +6,8 @@
 
 #include "Product/Technic/Export.h"
 
+namespace fleetkit {
+
 namespace ErrorCode {
 
 enum Value : int {
@@ -43,3 +45,5 @@ enum Value : int {
 // One line of English for a code of this library; for any other number the text says that it is
 // the device's own. Never null, never to be freed; callable from any thread.
 FLEETKIT_EXPORT const char* errorMeaning(int nCode) noexcept;
+
+}  // namespace fleetkit

@@ -10,6 +10,8 @@
 #include "Product/Technic/SystemRunning.h"
 #include "Product/Technic/platform/Clock.h"
 
+using namespace fleetkit;
+
 namespace {
 
 // Places in the source that failure texts and traces name.

@@ -8,6 +8,8 @@
 #include "Product/Technic/LogFilter.h"
 #include "Product/Technic/platform/Clock.h"
 
+using namespace fleetkit;
+
 namespace {
 
 constexpr std::uint32_t InitialisedKey = 0x99887766;

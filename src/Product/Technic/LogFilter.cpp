@@ -7,6 +7,8 @@
 #include <cstdio>
 #include <memory>
 
+using namespace fleetkit;
+
 namespace {
 
 constexpr std::size_t BufferSize = 2048;
@@ -51,7 +53,7 @@ bool LogFilter::passesFile(const char* pFileName) const {
                                              pFileName) != m_vecFileNames.end();
 }
 
-bool setLogFilter(int nThreshold, const std::vector<std::string>& vecFileNames) {
+bool fleetkit::setLogFilter(int nThreshold, const std::vector<std::string>& vecFileNames) {
     return LogFilter::instance().set(nThreshold, vecFileNames);
 }
 

@@ -8,6 +8,8 @@
 
 #include "Product/Technic/Export.h"
 
+namespace fleetkit {
+
 // Levels of the log's lines.
 namespace LogLevel {
 constexpr int Failure = 1;  // a failed step
@@ -21,3 +23,5 @@ constexpr int Trace = 3;    // everything else
 //     setLogFilter(LogLevel::Failure);
 FLEETKIT_EXPORT bool setLogFilter(int nThreshold,
                                   const std::vector<std::string>& vecFileNames = {});
+
+}  // namespace fleetkit

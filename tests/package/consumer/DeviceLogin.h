@@ -23,7 +23,7 @@ public:
     DeviceLogin(const DeviceLogin&) = delete;
     DeviceLogin& operator=(const DeviceLogin&) = delete;
     ~DeviceLogin() {
-        if (m_nCode == ErrorCode::Success) {
+        if (m_nCode == fleetkit::ErrorCode::Success) {
             FleetKit::Logout(m_nHandle);
         }
     }
@@ -33,5 +33,5 @@ public:
 
 private:
     long m_nHandle = 0;
-    int m_nCode = ErrorCode::Failed;
+    int m_nCode = fleetkit::ErrorCode::Failed;
 };

@@ -10,9 +10,9 @@ int main(int argc, char** argv) {
     }
     const DeviceLogin login(argv[1], argv[2]);
     const int nCode =
-        login.code() != ErrorCode::Success
+        login.code() != fleetkit::ErrorCode::Success
             ? login.code()
             : FleetKit::setDevicePasswd(login.handle(), QString(argv[2]), QString(argv[3]));
-    std::printf("%s\n", errorMeaning(nCode));
-    return nCode == ErrorCode::Success ? 0 : 1;
+    std::printf("%s\n", fleetkit::errorMeaning(nCode));
+    return nCode == fleetkit::ErrorCode::Success ? 0 : 1;
 }

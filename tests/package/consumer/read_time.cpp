@@ -13,14 +13,15 @@ int main(int argc, char** argv) {
     const DeviceLogin login(argv[1], argv[2]);
     DeviceTime time;
     int nCode = login.code();
-    if (nCode == ErrorCode::Success) {
+    if (nCode == fleetkit::ErrorCode::Success) {
         nCode = FleetKit::getDeviceTime(login.handle(), time);
     }
-    if (nCode != ErrorCode::Success) {
-        std::printf("%d %s\n", nCode, errorMeaning(nCode));
+    if (nCode != fleetkit::ErrorCode::Success) {
+        std::printf("%d %s\n", nCode, fleetkit::errorMeaning(nCode));
         return 1;
     }
-    std::printf("%s %04d-%02d-%02d\n", findRecordDescriptor(DeviceTime::DomainId)->szClass,
-                time.getYear(), time.getMonth(), time.getDay());
+    std::printf("%s %04d-%02d-%02d\n",
+                fleetkit::findRecordDescriptor(DeviceTime::DomainId)->szClass, time.getYear(),
+                time.getMonth(), time.getDay());
     return 0;
 }

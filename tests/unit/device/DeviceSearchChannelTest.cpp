@@ -22,6 +22,8 @@
 #include "support/SampleRecords.h"
 #include "unit/device/LoggedInDevice.h"
 
+using namespace fleetkit;
+
 namespace {
 
 using testing::AnyOf;

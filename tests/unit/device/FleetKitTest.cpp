@@ -32,6 +32,7 @@
 #include "support/SampleRecords.h"
 #include "unit/device/LoggedInDevice.h"
 
+using namespace fleetkit;
 using namespace NS_TARN_STRUCT;
 
 namespace {

@@ -15,6 +15,8 @@
 #include "Product/Technic/platform/DynamicLibrary.h"
 #include "device/FleetKitImpl.h"
 
+using namespace fleetkit;
+
 namespace {
 
 using testing::ElementsAreArray;

@@ -25,7 +25,8 @@ inline std::string bodyOf(int nCode, Records records) {
 class LoggedInDevice {
 public:
     LoggedInDevice() {
-        EXPECT_EQ(FleetKit::Login(m_peer.getDeviceInfo(), m_hSession), ErrorCode::Success);
+        EXPECT_EQ(FleetKit::Login(m_peer.getDeviceInfo(), m_hSession),
+                  fleetkit::ErrorCode::Success);
     }
 
     const long& handle() const { return m_hSession; }
@@ -53,7 +54,8 @@ private:
             if (strBody.empty()) {
                 return link.close();
             }
-            const std::uint32_t nReply = findCommand(request.m_head.getCommandID())->nResponseId;
+            const std::uint32_t nReply =
+                fleetkit::findCommand(request.m_head.getCommandID())->nResponseId;
             link.send(peerAnswer(request, nReply, strBody));
         }
     }

@@ -10,6 +10,7 @@
 
 #include "device/StructConversions.h"
 
+using namespace fleetkit;
 using namespace NS_TARN_STRUCT;
 
 namespace {

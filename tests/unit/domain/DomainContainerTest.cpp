@@ -13,6 +13,8 @@
 #include "domain/NTPParam.h"
 #include "domain/PolygonArea.h"
 
+using namespace fleetkit;
+
 namespace {
 
 static_assert(std::has_virtual_destructor_v<BaseDomain>);

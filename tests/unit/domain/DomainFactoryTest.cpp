@@ -12,6 +12,8 @@
 #include "support/RecordFiller.h"
 #include "support/RecordLists.h"
 
+using namespace fleetkit;
+
 namespace {
 
 std::string listName(const std::string& strName) {

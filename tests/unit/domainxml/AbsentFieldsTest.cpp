@@ -12,6 +12,8 @@
 #include "domainxml/MappingWords.h"
 #include "unit/domainxml/MappedRecord.h"
 
+using namespace fleetkit;
+
 namespace {
 
 // ---- the words, written down by hand

@@ -18,6 +18,8 @@
 #include "unit/domainxml/MappedRecord.h"
 #include "unit/domainxml/NodeText.h"
 
+using namespace fleetkit;
+
 namespace {
 
 using testing::HasSubstr;

@@ -13,10 +13,10 @@
 
 class MappedRecord {
 public:
-    explicit MappedRecord(const RecordDescriptor& descriptor)
+    explicit MappedRecord(const fleetkit::RecordDescriptor& descriptor)
         : m_pDescriptor(&descriptor), m_pRecord(descriptor.access.make()) {}
 
-    static MappedRecord filled(const RecordDescriptor& descriptor, int nFirst = 1001,
+    static MappedRecord filled(const fleetkit::RecordDescriptor& descriptor, int nFirst = 1001,
                                bool bFlag = true) {
         MappedRecord record(descriptor);
         RecordFiller(nFirst, bFlag).fill(descriptor, record.get());
@@ -46,10 +46,10 @@ public:
     }
 
     bool equals(const MappedRecord& other) const {
-        return equalRecords(*m_pDescriptor, get(), other.get());
+        return fleetkit::equalRecords(*m_pDescriptor, get(), other.get());
     }
 
 private:
-    const RecordDescriptor* m_pDescriptor;
+    const fleetkit::RecordDescriptor* m_pDescriptor;
     std::unique_ptr<BaseDomain> m_pRecord;
 };

@@ -12,6 +12,8 @@
 #include "unit/domainxml/MappedRecord.h"
 #include "unit/domainxml/NodeText.h"
 
+using namespace fleetkit;
+
 namespace {
 
 constexpr std::uint32_t AlwaysPrints = 1009;

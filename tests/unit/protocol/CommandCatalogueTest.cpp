@@ -6,6 +6,8 @@
 
 #include "protocol/CommandCatalogue.h"
 
+using namespace fleetkit;
+
 namespace {
 
 using Counts = std::map<std::uint32_t, int>;

@@ -14,6 +14,8 @@
 #include "support/RecordLists.h"
 #include "support/WireCommands.h"
 
+using namespace fleetkit;
+
 namespace {
 
 constexpr std::uint32_t HeadLength = SDKCommandHeadInfo::WireLength;

@@ -10,6 +10,8 @@
 #include "support/ChildProcess.h"
 #include "support/WireCommands.h"
 
+using namespace fleetkit;
+
 namespace {
 
 const SDKCommandParser Parser;

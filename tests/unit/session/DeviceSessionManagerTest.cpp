@@ -18,6 +18,8 @@
 #include "support/GatedClock.h"
 #include "unit/session/ConnectedSession.h"
 
+using namespace fleetkit;
+
 namespace {
 
 constexpr std::uint32_t KeepAlive = 11007;

@@ -16,6 +16,8 @@
 #include "support/SampleRecords.h"
 #include "unit/session/ConnectedSession.h"
 
+using namespace fleetkit;
+
 namespace {
 
 constexpr std::uint32_t ReadTime = 30507;

@@ -14,6 +14,8 @@
 #include "support/SampleRecords.h"
 #include "unit/session/ConnectedSession.h"
 
+using namespace fleetkit;
+
 namespace {
 
 constexpr std::uint32_t Login = 11001;

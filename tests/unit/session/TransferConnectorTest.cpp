@@ -6,6 +6,8 @@
 #include "session/TransferConnector.h"
 #include "session/TransferFactoryMap.h"
 
+using namespace fleetkit;
+
 namespace {
 
 constexpr int LongMs = 5000;

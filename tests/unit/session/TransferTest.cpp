@@ -14,6 +14,8 @@
 #include "session/UDPTransfer.h"
 #include "support/WireBytes.h"
 
+using namespace fleetkit;
+
 namespace {
 
 constexpr const char* Loopback = "127.0.0.1";

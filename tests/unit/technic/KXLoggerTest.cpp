@@ -16,6 +16,8 @@
 #include "support/ManualClock.h"
 #include "support/TempDir.h"
 
+using namespace fleetkit;
+
 namespace {
 
 // 2024-02-09 03:04:05 UTC, in a time zone two hours and a half ahead of it.

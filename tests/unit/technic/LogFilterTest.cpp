@@ -8,6 +8,8 @@
 #include "Product/Technic/LogFilter.h"
 #include "support/CapturedOutput.h"
 
+using namespace fleetkit;
+
 namespace {
 
 using Printed = std::pair<std::string, int>;

@@ -23,6 +23,8 @@
 #include "support/ChildProcess.h"
 #include "support/ManualClock.h"
 
+using namespace fleetkit;
+
 namespace {
 
 template <class Condition>
