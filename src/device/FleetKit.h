@@ -72,9 +72,9 @@ struct tagOSDUserParamList;
 //
 // # Result codes
 //
-// Every function returns 0 (Success), a code of `fleetkit::ErrorCode`, or the number that the device
-// itself put into its answer, passed on unchanged; `fleetkit::errorMeaning` tells them in English.
-// Where a function below says "exchange", its codes are:
+// Every function returns 0 (Success), a code of `fleetkit::ErrorCode`, or the number that the
+// device itself put into its answer, passed on unchanged; `fleetkit::errorMeaning` tells them in
+// English. Where a function below says "exchange", its codes are:
 //
 // - Success (0): the device has done it.
 // - Failed (-1): the handle names no session, or no longer does; nothing was sent.
