@@ -10,11 +10,12 @@ set(public_headers
   domain/RecordDescriptor.h protocol/CommandCatalogue.h)
 list(TRANSFORM public_headers PREPEND "${CMAKE_SOURCE_DIR}/src/")
 file(STRINGS "${FLEETKIT_GENERATED}/exported-records.txt" record_headers)
-list(TRANSFORM record_headers PREPEND "${FLEETKIT_GENERATED}/")
+set(generated_headers ${record_headers} device/DeviceType.h protocol/CommandIds.h)
+list(TRANSFORM generated_headers PREPEND "${FLEETKIT_GENERATED}/")
 
 set(staging_list "")
 set(staged_headers "")
-foreach(source IN LISTS public_headers record_headers)
+foreach(source IN LISTS public_headers generated_headers)
   string(REGEX REPLACE "^(${CMAKE_SOURCE_DIR}/src|${FLEETKIT_GENERATED})/(device/)?" "" name
          "${source}")
   string(APPEND staging_list "${source}|${name}\n")
@@ -28,7 +29,7 @@ add_custom_command(
   COMMAND "${CMAKE_COMMAND}" "-DHEADERS=${CMAKE_BINARY_DIR}/public-headers.txt"
           "-DOUT=${FLEETKIT_STAGED_INCLUDE}" "-DSTAMP=${CMAKE_BINARY_DIR}/public-headers.stamp"
           -P "${CMAKE_SOURCE_DIR}/cmake/StageHeaders.cmake"
-  DEPENDS ${public_headers} ${record_headers} "${CMAKE_BINARY_DIR}/public-headers.txt"
+  DEPENDS ${public_headers} ${generated_headers} "${CMAKE_BINARY_DIR}/public-headers.txt"
           "${CMAKE_SOURCE_DIR}/cmake/StageHeaders.cmake"
   COMMENT "Staging the public headers")
 add_custom_target(fleetkit-headers DEPENDS "${CMAKE_BINARY_DIR}/public-headers.stamp")

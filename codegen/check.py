@@ -2,7 +2,7 @@
 
 import re
 
-from schema import ACKNOWLEDGEMENT, SCALARS, SchemaError
+from schema import ACKNOWLEDGEMENT, DEVICE_TYPES, SCALARS, Carried, SchemaError
 
 PLACEHOLDERS = {"tag", "parent", "mapper", "value", "file", "line"}
 ROOMS = ("domain", "Product/Technic")
@@ -229,6 +229,58 @@ def check_commands(schema):
                 command.place, f"{command.request} stands already with another content")
 
 
+# What a generated function asks for and gets, by the verb of its command.
+CHANNEL = Carried("ChannelId")
+OPTIONS = ("type", "channel", "stream", "language", "timezone")
+
+
+def is_plain(command):
+    """Whether the command asks for the channel, and for one record there or back."""
+    beside = command.carries[1:] + command.answers
+    return (command.carries[:1] == [CHANNEL] and len(beside) < 2
+            and not any(carried.is_list for carried in beside))
+
+
+def check_function(schema, domains, function, command):
+    if command is None:
+        if not function.flags & {"by-hand"} or function.sends or function.uses:
+            raise SchemaError(function.place, f"{function.name} sends no command: by-hand, no more")
+        return
+    for carried in function.sends:
+        check_carried(domains, function, carried, False)
+    if function.is_generated and (function.sends or not is_plain(command)):
+        raise SchemaError(function.place, f"{function.name} is not plain: it is written by-hand")
+    for name in function.serves:
+        if name not in DEVICE_TYPES or name not in schema.device_types:
+            raise SchemaError(function.place, f"unknown device type: {name}")
+    if function.serves and function.is_generated and len(command.answers) != 1:
+        raise SchemaError(function.place, f"{function.name} gets nothing of a device type")
+    for use in function.uses:
+        for option in use.needs + use.takes:
+            if option not in OPTIONS:
+                raise SchemaError(use.place, f"unknown option: {option}")
+
+
+def check_functions(schema):
+    domains = {domain.class_name: domain for domain in schema.domains}
+    commands, uses = {}, {}
+    for function, command in schema.sending():
+        check_function(schema, domains, function, command)
+        first = commands.setdefault(function.name, (function, command))
+        if first[0] is not function and (first[1] is not command or function.is_generated):
+            raise SchemaError(
+                function.place, f"{function.name} stands already at {first[0].place}")
+        for use in function.uses:
+            uses.setdefault(use.name, []).append((use, function))
+    for name, those in uses.items():
+        place = those[0][0].place
+        if sum(bool(use.summary) for use, _ in those) != 1:
+            raise SchemaError(place, f"{name} needs one summary")
+        options = [(set(use.needs), set(use.takes)) for use, _ in those]
+        if any(one != options[0] for one in options):
+            raise SchemaError(place, f"the uses of {name} differ in their options")
+
+
 def check_schema(schema):
     for record in schema.records.values():
         check_record(schema, record)
@@ -237,6 +289,7 @@ def check_schema(schema):
     check_ids(schema)
     check_domains(schema)
     check_commands(schema)
+    check_functions(schema)
     for name, place in schema.exported:
         if name not in schema.records:
             raise SchemaError(place, f"no such record: {name}")

@@ -3,6 +3,7 @@
 import re
 from pathlib import Path
 
+from operations import files_of_operations
 from schema import capital
 from vocabulary import entries_source
 
@@ -288,15 +289,6 @@ def domain_tables(schema):
             "}  // namespace DomainTables\n")
 
 
-def command_table(schema):
-    rows = "".join(f"    {{{c.request}, {c.response}, {c.group}, {c.operation}}},\n"
-                   for c in schema.commands)
-    return (generated_by("commands.schema") + '#include "protocol/CommandTable.h"\n\n'
-            f"const fleetkit::CommandDescriptor commandTable[] = {{\n{rows}}};\n"
-            "const std::size_t commandTableSize = "
-            "sizeof(commandTable) / sizeof(commandTable[0]);\n")
-
-
 def mapper_header(schema, family, records):
     names = [r.name for r in records if not r.is_element]
     headers = ["domain/BaseDomain.h" if "by-hand" in r.flags else r.header
@@ -337,7 +329,7 @@ def files_of(schema):
         files[f"domainxml/{title}RecordsXml.h"] = mapper_header(schema, family, records)
     files["domain/DomainTables.cpp"] = domain_tables(schema)
     files["domainxml/OddMappers.cpp"] = odd_mappers(schema)
-    files["protocol/CommandTable.cpp"] = command_table(schema)
+    files.update(files_of_operations(schema, generated_by))
     files["fleetctl/VocabularyEntries.cpp"] = generated_by("*.schema") + entries_source(schema)
     files["exported-records.txt"] = "".join(schema.records[name].header + "\n"
                                             for name in sorted(exported))

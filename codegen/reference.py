@@ -13,7 +13,8 @@ HERE = Path(__file__).resolve().parent
 # Facts of a command, a column each.
 COMMAND_COLUMNS = {"command": "Request", "reply": "Reply", "group": "Group",
                    "operation": "Operation", "carries": "Request carries",
-                   "answers": "Reply carries", "sameGroup": "Same group"}
+                   "answers": "Reply carries", "sameGroup": "Same group",
+                   "sentBy": "Functions"}
 
 
 def title_of_fact(key):
@@ -107,8 +108,8 @@ takes the first line that matches.</p>
 <p>A command answers with the id under Reply. {ACKNOWLEDGEMENT} is the plain acknowledgement, which
 carries a {self.link(ACKNOWLEDGING_RECORD)} and nothing else. Commands of one group work on one
 parameter. "other" is a third operation on it, such as reading its default. The records are told
-where they are known; a reply holds a {self.link(ACKNOWLEDGING_RECORD)} in front of them. The notes
-name the functions of the library that send the command, or a form of its own.</p>
+where they are known; a reply holds a {self.link(ACKNOWLEDGING_RECORD)} in front of them. Functions
+are those of the class <code>FleetKit</code> that send the command.</p>
 <div class="scroll"><table><thead><tr>{titles}</tr></thead>
 <tbody>
 {"".join(self.command_rows())}</tbody></table></div>
@@ -146,8 +147,9 @@ name the functions of the library that send the command, or a form of its own.</
             operation = self.vocabulary.command_facts(command)["operation"]
             kind = f"command, {operation}"
             reply = "" if command.response == ACKNOWLEDGEMENT else str(command.response)
+            functions = " ".join(function.name for function in command.functions)
             entries.append([str(command.request), kind, f"commands.html#c{command.request}",
-                            f"{reply} {command.comment}".strip()])
+                            f"{reply} {functions} {command.comment}".strip()])
         lines = ",\n".join(json.dumps(entry, ensure_ascii=False) for entry in entries)
         return f"const searchIndex = [\n{lines}\n];\n"
 

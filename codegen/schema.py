@@ -11,6 +11,8 @@ SCALARS = ("bool", "int", "u16", "float", "double", "string")
 PRESENCES = ("kept", "logged", "required", "falls")
 OPERATIONS = {"write": 1, "read": 2, "other": 3, "action": 4}
 ACKNOWLEDGEMENT = 10000
+VERBS = ("get", "set", "do")
+DEVICE_TYPES = ("camera", "recorder")
 
 
 def capital(text):
@@ -90,6 +92,37 @@ class Carried:
 
 
 @dataclass
+class Use:
+    """What fleetctl has a function for: a verb, a name and what it asks for."""
+    verb: str
+    name: str
+    place: str
+    needs: list = field(default_factory=list)  # options that have to be given
+    takes: list = field(default_factory=list)  # options that may be given
+    summary: str = ""
+
+
+@dataclass
+class Function:
+    """A function of the library, told below the command that it sends."""
+    name: str
+    place: str
+    sends: list = field(default_factory=list)  # the request, where it is not what the command says
+    serves: list = field(default_factory=list)  # of DEVICE_TYPES, for one that is told the type
+    uses: list = field(default_factory=list)
+    # by-hand, internal, endangers, ignored-int
+    flags: set = field(default_factory=set)
+
+    @property
+    def is_exported(self):
+        return "internal" not in self.flags
+
+    @property
+    def is_generated(self):
+        return not self.flags & {"by-hand", "internal"}
+
+
+@dataclass
 class Command:
     request: int
     response: int
@@ -98,6 +131,7 @@ class Command:
     place: str
     carries: list = field(default_factory=list)  # what the request holds, as Carried
     answers: list = field(default_factory=list)  # what the reply holds besides its result code
+    functions: list = field(default_factory=list)  # those that send it
     comment: str = ""
 
 
@@ -107,11 +141,20 @@ class Schema:
     families: dict = field(default_factory=dict)  # name -> the comment that opens the file
     domains: list = field(default_factory=list)
     commands: list = field(default_factory=list)
+    functions: list = field(default_factory=list)  # those that send no command
+    device_types: dict = field(default_factory=dict)  # of DEVICE_TYPES -> its numbers
     exported: list = field(default_factory=list)  # (class name, place)
 
+    def sending(self):
+        """Each function with its command, which is None where there is none."""
+        yield from ((one, command) for command in self.commands for one in command.functions)
+        yield from ((one, None) for one in self.functions)
+
     def exported_closure(self):
-        """The exported classes: those named, and what they hold."""
+        """The exported classes: those named, those of generated functions, and what they hold."""
         names, waiting = set(), [name for name, _ in self.exported]
+        waiting += [carried.type for function, command in self.sending() if function.is_generated
+                    for carried in (command.carries + command.answers)[1:]]
         while waiting:
             name = waiting.pop()
             if name not in names and name in self.records:
@@ -293,13 +336,60 @@ def parse_command(words):
             raise SchemaError(words.place, f"unknown word: {word}")
         if getattr(result, word):
             raise SchemaError(words.place, f"{word} stands twice")
-        setattr(result, word, parse_carried(words, word))
+        setattr(result, word, parse_carried(words, word, COMMAND_WORDS))
     return result
 
 
-def parse_carried(words, keyword):
+def parse_function(words):
+    result = Function(words.take_name("a function"), words.place)
+    while words:
+        word = words.take("a modifier")
+        if word == "sends":
+            result.sends = parse_carried(words, word, FUNCTION_WORDS)
+        elif word == "of":
+            result.serves = [words.take("a device type")]
+            if words.peek() in DEVICE_TYPES:
+                result.serves.append(words.take("a device type"))
+        elif word in VERBS:
+            result.uses.append(parse_use(words, word))
+        elif word in ("by-hand", "internal", "endangers", "ignored-int"):
+            result.flags.add(word)
+        else:
+            raise SchemaError(words.place, f"unknown word: {word}")
+    return result
+
+
+def parse_use(words, verb):
+    """An option in brackets may be left out."""
+    result = Use(verb, words.take(f"the name to {verb}"), words.place)
+    while words and not words.peek().startswith('"') and words.peek() not in FUNCTION_WORDS:
+        option = words.take("an option")
+        if option.startswith("["):
+            result.takes.append(option.strip("[]"))
+        else:
+            result.needs.append(option)
+    if words.peek().startswith('"'):
+        result.summary = words.take_text("the summary")
+    return result
+
+
+def parse_device_type(words):
+    name = words.take("a device type")
+    if name not in DEVICE_TYPES:
+        raise SchemaError(words.place, f"unknown device type: {name}")
+    numbers = []
+    while words or not numbers:
+        numbers.append(words.take_number("the number of a device type"))
+    return name, numbers
+
+
+COMMAND_WORDS = ("carries", "answers")
+FUNCTION_WORDS = ("sends", "of", *VERBS, "by-hand", "internal", "endangers", "ignored-int")
+
+
+def parse_carried(words, keyword, others):
     result = []
-    while not result or (words and words.peek() not in ("carries", "answers")):
+    while not result or (words and words.peek() not in others):
         name = words.take_name(f"a record that the command {keyword}")
         is_list = name == "list"
         if is_list:
@@ -333,6 +423,9 @@ def read_file(schema, path):
         if text.startswith(" "):
             if current is None:
                 raise SchemaError(place, "a field without a record")
+            if isinstance(current, Command):
+                current.functions.append(parse_function(words))
+                continue
             if current.is_element and words.peek() == "absent":
                 words.take("absent")
                 current.absent = words.take_text("the words of absent")
@@ -359,8 +452,16 @@ def read_file(schema, path):
         elif keyword == "domain":
             schema.domains.append(parse_domain(words))
         elif keyword == "command":
-            schema.commands.append(parse_command(words))
-            schema.commands[-1].comment = comment
+            current = parse_command(words)
+            current.comment = comment
+            schema.commands.append(current)
+        elif keyword == "function":
+            schema.functions.append(parse_function(words))
+        elif keyword == "device-type":
+            name, numbers = parse_device_type(words)
+            if name in schema.device_types:
+                raise SchemaError(place, f"{name} stands twice")
+            schema.device_types[name] = numbers
         elif keyword == "export":
             schema.exported.append((words.take_name("a class"), place))
             words.end()

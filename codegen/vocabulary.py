@@ -128,6 +128,12 @@ class Vocabulary:
                 if field.type in schema.records:
                     self.nested_in.setdefault(field.type, []).append(
                         f"[{record.name}].{field.name}")
+        self.names = {}  # what fleetctl calls a record, by the record's class
+        for function, command in schema.sending():
+            if command:
+                carried = (command.answers or function.sends or command.carries)[-1:]
+                for use in function.uses:
+                    self.names.setdefault(carried[0].type, []).append(use.name)
         for command in schema.commands:
             self.groups.setdefault(command.group, {})[f"[{command.request}]"] = None
             for bodies, carried in ((self.carried_by, command.carries),
@@ -212,6 +218,7 @@ class Vocabulary:
             "group": command.group, "operation": OPERATION_NAMES[command.operation],
             "carries": carried_names(command.carries),
             "answers": answers,
+            "sentBy": list(dict.fromkeys(one.name for one in command.functions if one.is_exported)),
             "sameGroup": [other for other in self.groups[command.group]
                           if other != f"[{command.request}]"],
         }
@@ -229,6 +236,7 @@ def record_entry(vocabulary, record):
     domain = vocabulary.domains.get(record.name)
     names = [record.name] + ([domain.name, domain.list_name] if domain else [])
     names += [str(record.id)] if record.has_id and not record.is_element else []
+    names += vocabulary.names.get(record.name, [])
     fields = [present({**field, "type": plain(field["type"])})
               for field in vocabulary.fields(record)]
     facts = {key: plain(value) for key, value in vocabulary.facts(record).items()}
@@ -239,7 +247,8 @@ def record_entry(vocabulary, record):
 
 def command_entry(vocabulary, command):
     facts = vocabulary.command_facts(command)
-    return [str(command.request)], present({**{key: plain(value) for key, value in facts.items()},
+    names = [str(command.request)] + [one.name for one in command.functions]
+    return names, present({**{key: plain(value) for key, value in facts.items()},
                                             "notes": command.comment})
 
 

@@ -13,19 +13,25 @@ struct ActionInput {
     const long& nHandle;                // 0 for an action without a session
 };
 
-struct Action {
-    const char* szName;
+// How an action is called, and what it needs.
+struct ActionForm {
     const char* szArguments;  // for the help
-    const char* szSummary;
-    bool isDestructive;  // asks before it starts
-    bool needsSession;
-    bool needsNewPassword;
     std::size_t nLeastArguments;
     std::size_t nMostArguments;
+    bool needsSession;
+    bool needsNewPassword;
     // Throws UsageError before anything is sent.
     int (*run)(const ActionInput& input);
 };
 
+struct Action {
+    const char* szName;
+    const char* szSummary;
+    bool endangers;  // asks before it starts
+    ActionForm form;
+};
+
+// In the order of their names.
 const std::vector<Action>& actions();
 
 // UsageError, with the names that are valid, for another one.

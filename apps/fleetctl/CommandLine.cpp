@@ -21,7 +21,7 @@ std::string actionHelp() {
     std::vector<std::vector<std::string>> vecRows;
     for (const Action& action : actions()) {
         vecRows.push_back(
-            {std::string(action.szName) + ' ' + action.szArguments, action.szSummary});
+            {std::string(action.szName) + ' ' + action.form.szArguments, action.szSummary});
     }
     return "Actions:\n" + formatTable(vecRows, 2);
 }

@@ -46,6 +46,7 @@ struct Property {
     unsigned nNeeds = 0;                                // selectors that have to be given
 };
 
+// In the order of their names.
 const std::vector<Property>& properties();
 
 // UsageError, with the names that are valid, for another one.

@@ -133,14 +133,14 @@ int setOne(const CommandLine& line, Output& output, const Property& property,
 
 void checkArguments(const Action& action, const CommandLine& line) {
     const std::size_t nCount = line.vecArguments.size();
-    if (nCount < action.nLeastArguments || nCount > action.nMostArguments) {
-        throw UsageError(std::string("usage: do ") + action.szName + ' ' + action.szArguments);
+    if (nCount < action.form.nLeastArguments || nCount > action.form.nMostArguments) {
+        throw UsageError(std::string("usage: do ") + action.szName + ' ' + action.form.szArguments);
     }
 }
 
 // Whether the user wants it. UsageError when there is nobody to say so.
 bool isConfirmed(const Action& action, const CommandLine& line) {
-    if (!action.isDestructive || line.bYes) {
+    if (!action.endangers || line.bYes) {
         return true;
     }
     if (!canAsk()) {
@@ -201,15 +201,15 @@ int runDo(const CommandLine& line, Output& output) {
     checkArguments(action, line);
     std::string strNewPassword;
     const auto run = [&](const std::string& strPassword, const long& nHandle) {
-        const int nCode = action.run({line, strPassword, strNewPassword, nHandle});
+        const int nCode = action.form.run({line, strPassword, strNewPassword, nHandle});
         return report(line, output, action.szName, nCode, nullptr);
     };
-    if (!action.needsSession) {
+    if (!action.form.needsSession) {
         requireUser(line);
         return run(loginPassword(line.strPasswordFile, line.strUser), 0);
     }
     const Target target(line);
-    if (action.needsNewPassword) {
+    if (action.form.needsNewPassword) {
         strNewPassword = newPassword(line.strNewPasswordFile);
     }
     if (!isConfirmed(action, line)) {

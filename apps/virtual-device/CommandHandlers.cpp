@@ -1,4 +1,4 @@
-// The commands, each in a few lines over the state.
+// The commands over the state: the plain ones by the catalogue, the others in a few lines each.
 #include "virtual-device/CommandHandlers.h"
 
 #include <algorithm>
@@ -8,6 +8,8 @@
 
 #include "Product/Technic/Base64.h"
 #include "Product/Technic/platform/Clock.h"
+#include "domain/DevicePort.h"
+#include "domain/DeviceSummaryInfo.h"
 #include "domain/DeviceTime.h"
 #include "domain/EtChangePasswordReq.h"
 #include "domain/EtHoldTypeList.h"
@@ -15,11 +17,18 @@
 #include "domain/EtSystemReq.h"
 #include "domain/EtSystemResp.h"
 #include "domain/KXInterger.h"
+#include "domain/LanguageAbility.h"
 #include "domain/LanguageId.h"
+#include "domain/RecordDescriptor.h"
 #include "domain/StreamId.h"
 #include "domain/UserParam.h"
+#include "domain/VideoAbility.h"
+#include "protocol/CommandCatalogue.h"
+#include "protocol/CommandIds.h"
 #include "protocol/CredentialCipher.h"
 #include "virtual-device/DeviceResult.h"
+
+using namespace fleetkit;
 
 namespace {
 
@@ -54,27 +63,53 @@ bool hasChannel(const CommandCall& call) {
     return nChannel == Request::All || (nChannel >= 1 && nChannel <= call.options.nChannels);
 }
 
-// --- Commands that only hand out, or only take over, one field of the state.
+// --- Commands that only hand out, or only take over, records that the device keeps.
 
-template <auto Field>
-int give(CommandCall& call) {
-    appendRecord(call.vecReply, call.state.*Field);
+int give(CommandCall& call, const Rows<CarriedRecord>& asked) {
+    for (const CarriedRecord& carried : asked) {
+        const RecordDescriptor& descriptor = carried.descriptor();
+        const BaseDomain* pRecord = call.state.records.find(descriptor.nDomainId);
+        if (!pRecord || carried.isList) {
+            return DeviceResult::NotSupported;
+        }
+        call.vecReply.push_back(wrapSafe<BaseDomain>(descriptor.access.makeCopy(*pRecord)));
+    }
     return DeviceResult::Success;
 }
 
-template <auto Field>
-int giveOfChannel(CommandCall& call) {
-    return hasChannel(call) ? give<Field>(call) : DeviceResult::NoSuchChannel;
-}
-
-template <class Record, Record DeviceState::*Field>
-int take(CommandCall& call) {
-    const auto* pRecord = findRecord<Record>(call.request.vecRecords);
+// The channel of the request comes first, then the one record that is set.
+int take(CommandCall& call, const CarriedRecord& carried) {
+    const std::uint32_t nId = carried.descriptor().nDomainId;
+    if (carried.isList || !call.state.records.find(nId)) {
+        return DeviceResult::NotSupported;
+    }
+    const BaseDomain* pRecord = findRecordOfType(call.request.vecRecords, nId);
     if (!pRecord) {
         return DeviceResult::MissingRecord;
     }
-    call.state.*Field = *pRecord;
+    call.state.records.put(*pRecord);
     return DeviceResult::Success;
+}
+
+// Whether the device is of a type that the command's function serves.
+bool isServed(const CommandCall& call, const CommandDescriptor& command) {
+    const FunctionDescriptor* pFunction = findFunction(command.nRequestId);
+    const auto nOwnType = call.options.nKind == DeviceKind::IPC ? OfCamera : OfRecorder;
+    return !pFunction || pFunction->nServes == 0 || (pFunction->nServes & nOwnType) != 0;
+}
+
+int handlePlainly(CommandCall& call, const CommandDescriptor& command) {
+    if (!isServed(call, command)) {
+        return DeviceResult::NotSupported;
+    }
+    if (!hasChannel(call)) {
+        return DeviceResult::NoSuchChannel;
+    }
+    if (!command.answer.empty()) {
+        return give(call, command.answer);
+    }
+    return command.request.size() == 2 ? take(call, command.request[1])
+                                       : static_cast<int>(DeviceResult::NotSupported);
 }
 
 // --- Sessions and users.
@@ -141,7 +176,7 @@ int reset(CommandCall& call) {
     const auto& vecHeld = pHold->getType();
     if (std::find(vecHeld.begin(), vecHeld.end(), HoldNetwork) != vecHeld.end()) {
         state.vecHostNetworks = call.state.vecHostNetworks;
-        state.ports = call.state.ports;
+        state.records.put(call.state.records.get<DevicePort>());
     }
     call.state = state;
     return DeviceResult::Success;
@@ -199,11 +234,12 @@ int giveSummary(CommandCall& call) {
     std::snprintf(szTime, sizeof szTime, "%04d-%02d-%02d %02d:%02d:%02d", time.getYear(),
                   time.getMonth(), time.getDay(), time.getHour(), time.getMinute(),
                   time.getSecond());
-    DeviceSummaryInfo summary = call.state.summary;
+    const auto& ports = call.state.records.get<DevicePort>();
+    auto summary = call.state.records.get<DeviceSummaryInfo>();
     summary.setDeviceTime(szTime);
     summary.setDeviceIP(call.state.vecHostNetworks.front().getLocalIp());
-    summary.setDevicePort(call.state.ports.getControlPort());
-    summary.setHttpPort(std::to_string(call.state.ports.getHttpPort()));
+    summary.setDevicePort(ports.getControlPort());
+    summary.setHttpPort(std::to_string(ports.getHttpPort()));
     appendRecord(call.vecReply, summary);
     return DeviceResult::Success;
 }
@@ -239,10 +275,11 @@ int takeTime(CommandCall& call) {
 int giveTimeZone(CommandCall& call) {
     const Records& vecRecords = call.request.vecRecords;
     if (vecRecords.empty() || vecRecords.front()->getDomainId() != KXInterger::DomainId) {
-        return give<&DeviceState::timeZone>(call);
+        appendRecord(call.vecReply, call.state.records.get<TimeZoneParam>());
+        return DeviceResult::Success;
     }
     const int nAsked = findRecord<KXInterger>(vecRecords)->getValue();
-    const int nZone = nAsked == 0 ? factoryState(call.options).timeZone.getTimeZone() : nAsked;
+    const int nZone = nAsked == 0 ? call.state.vecTimeZoneDefaults.front().getTimeZone() : nAsked;
     for (const TimeZoneParam& zone : call.state.vecTimeZoneDefaults) {
         if (zone.getTimeZone() == nZone) {
             appendRecord(call.vecReply, zone);
@@ -258,7 +295,7 @@ int giveTimeZoneAbility(CommandCall& call) {
     if (!pLanguage) {
         return DeviceResult::MissingRecord;
     }
-    const auto& vecLanguages = call.state.languages.getLanguageTypeList();
+    const auto& vecLanguages = call.state.records.get<LanguageAbility>().getLanguageTypeList();
     for (std::size_t n = 0; n < vecLanguages.size(); ++n) {
         if (pLanguage->getId() <= 0 || vecLanguages[n].getLanguageID() == pLanguage->getId()) {
             appendRecord(call.vecReply, call.state.vecTimeZones.at(n));
@@ -288,15 +325,11 @@ int giveVideoAbility(CommandCall& call) {
         return DeviceResult::NoSuchChannel;
     }
     VideoAbility video;
-    video.setVideoAbilityParamList(ofAskedChannel(call, call.state.video.getVideoAbilityParamList(),
-                                                  &VideoAbilityParam::getChannelId));
+    video.setVideoAbilityParamList(
+        ofAskedChannel(call, call.state.records.get<VideoAbility>().getVideoAbilityParamList(),
+                       &VideoAbilityParam::getChannelId));
     appendRecord(call.vecReply, video);
     return DeviceResult::Success;
-}
-
-int giveSensor(CommandCall& call) {
-    return call.options.nKind == DeviceKind::IPC ? give<&DeviceState::sensor>(call)
-                                                 : static_cast<int>(DeviceResult::NotSupported);
 }
 
 // A list answers what there is: a channel or stream that the device lacks is an empty list.
@@ -371,55 +404,46 @@ int takeOSD(CommandCall& call) {
     return DeviceResult::Success;
 }
 
-constexpr CommandHandler Handlers[] = {
-    {LoginCommand, "login", login},
-    {11003, "logout", logout},
-    {11007, "keep-alive", keepAlive},
-    {18001, "reset", reset},
-    {18002, "restart", restart},
-    {30003, "get hardware", give<&DeviceState::hardware>},
-    {30005, "get software", give<&DeviceState::software>},
-    {30007, "get languages", give<&DeviceState::languages>},
-    {30009, "get video ability", giveVideoAbility},
-    {30011, "get text ability", giveOfChannel<&DeviceState::osdAbility>},
-    {30013, "get audio ability", giveOfChannel<&DeviceState::audio>},
-    {30015, "get PTZ ability", giveOfChannel<&DeviceState::ptz>},
-    {30017, "get network ability", give<&DeviceState::networkCards>},
-    {30021, "get motion ability", giveOfChannel<&DeviceState::motion>},
-    {30025, "get blind ability", giveOfChannel<&DeviceState::blind>},
-    {30031, "get sensor ability", giveSensor},
-    {30033, "get time zone names", giveTimeZoneAbility},
-    {30507, "get time", giveTime},
-    {30509, "set time", takeTime},
-    {30515, "get time zone", giveTimeZone},
-    {30517, "set time zone", take<TimeZoneParam, &DeviceState::timeZone>},
-    {30523, "get ports", give<&DeviceState::ports>},
-    {30525, "set ports", take<DevicePort, &DeviceState::ports>},
-    {30541, "get summary", giveSummary},
-    {30547, "system command", systemCommand},
-    {32021, "get protocol security", give<&DeviceState::security>},
-    {32023, "set protocol security", take<ProtocolSecurityParam, &DeviceState::security>},
-    {32504, "get host network", giveHostNetworks},
-    {32506, "set host network", takeHostNetworks},
-    {32712, "get NTP", give<&DeviceState::ntp>},
-    {32714, "set NTP", take<NTPParam, &DeviceState::ntp>},
-    {33509, "change password", changePassword},
-    {35008, "get streams", giveStreams},
-    {35010, "set streams", takeStreams},
-    {35021, "set text", takeOSD},
-    {35022, "get text", giveOSD},
-    {41259, "get channels", giveChannels},
-    {41275, "get disks", give<&DeviceState::disks>},
-    {41278, "get serial ports", give<&DeviceState::uart>},
+// The commands that are not plain.
+struct Handler {
+    std::uint32_t nCommandId;
+    int (*handle)(CommandCall& call);
+};
+
+constexpr Handler Handlers[] = {
+    {CommandId::Login, login},
+    {CommandId::Logout, logout},
+    {CommandId::keepAlive, keepAlive},
+    {CommandId::setDevicePasswd, changePassword},
+    {CommandId::setDeviceRestart, restart},
+    {CommandId::setDeviceReset, reset},
+    {CommandId::exeCommand, systemCommand},
+    {CommandId::getHostNetwork, giveHostNetworks},
+    {CommandId::setDeviceHostNetwork, takeHostNetworks},
+    {CommandId::getDeviceTime, giveTime},
+    {CommandId::setDeviceReSetTime, takeTime},
+    {CommandId::getDeviceSummaryInfo, giveSummary},
+    {CommandId::getTimeZoneParam, giveTimeZone},
+    {CommandId::getTimeZoneAbility, giveTimeZoneAbility},
+    {CommandId::getVideoAbility, giveVideoAbility},
+    {CommandId::getAllChannelInfo, giveChannels},
+    {CommandId::getAVStreamParam, giveStreams},
+    {CommandId::setAVStreamParam, takeStreams},
+    {CommandId::getAllOSDUserParam, giveOSD},
+    {CommandId::setOSDUserParam, takeOSD},
 };
 
 }  // namespace
 
-const CommandHandler* findCommandHandler(std::uint32_t nCommandId) {
-    const auto* pHandler =
-        std::find_if(std::begin(Handlers), std::end(Handlers),
-                     [&](const auto& handler) { return handler.nCommandId == nCommandId; });
-    return pHandler == std::end(Handlers) ? nullptr : pHandler;
+int handleCommand(CommandCall& call) {
+    const std::uint32_t nCommandId = call.request.head.getCommandID();
+    const auto* pHandler = std::ranges::find(Handlers, nCommandId, &Handler::nCommandId);
+    if (pHandler != std::end(Handlers)) {
+        return pHandler->handle(call);
+    }
+    const CommandDescriptor* pCommand = findCommand(nCommandId);
+    return pCommand ? handlePlainly(call, *pCommand)
+                    : static_cast<int>(DeviceResult::UnknownCommand);
 }
 
 bool areCredentials(const DeviceOptions& options, const DeviceState& state,

@@ -1,4 +1,4 @@
-// What the virtual device does for each command that it serves: one table from id to function.
+// What the virtual device does for each command that it serves.
 #pragma once
 
 #include <cstdint>
@@ -18,17 +18,8 @@ struct CommandCall {
     bool bRestarts = false;
 };
 
-struct CommandHandler {
-    std::uint32_t nCommandId;
-    const char* szName;                // for the log
-    int (*handle)(CommandCall& call);  // gives a DeviceResult
-};
-
-// The one command that is served without a session.
-inline constexpr std::uint32_t LoginCommand = 11001;
-
-// The handler of this command, or null.
-const CommandHandler* findCommandHandler(std::uint32_t nCommandId);
+// Does what the request asks for; gives a DeviceResult.
+int handleCommand(CommandCall& call);
 
 // Whether enciphered credentials, as they came in a request, are those of the device.
 bool areCredentials(const DeviceOptions& options, const DeviceState& state,

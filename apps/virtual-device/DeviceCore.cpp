@@ -13,6 +13,7 @@
 #include "domain/HostNetwork.h"
 #include "domain/User.h"
 #include "protocol/CommandCatalogue.h"
+#include "protocol/CommandIds.h"
 #include "protocol/ProtocolType.h"
 #include "virtual-device/CommandHandlers.h"
 #include "virtual-device/DeviceResult.h"
@@ -21,14 +22,11 @@ using namespace fleetkit;
 
 namespace {
 
-constexpr std::uint32_t Acknowledgement = 10000;
-constexpr std::uint32_t SetHostNetwork = 32506;
-constexpr std::uint32_t SetHostNetworkReply = 32505;  // over multicast
 constexpr std::size_t MaxReceived = 1000;
 
 std::uint32_t responseTo(std::uint32_t nCommandId) {
     const CommandDescriptor* pCommand = findCommand(nCommandId);
-    return pCommand ? pCommand->nResponseId : Acknowledgement;
+    return pCommand ? pCommand->nResponseId : CommandId::Acknowledgement;
 }
 
 Answer answerTo(const SDKCommandHeadInfo& request, std::uint32_t nResponseId) {
@@ -63,8 +61,8 @@ bool hasBinaryForm(std::uint32_t nResponseId) {
 }
 
 std::string describe(std::uint32_t nCommandId, int nCode) {
-    const CommandHandler* pHandler = findCommandHandler(nCommandId);
-    return std::to_string(nCommandId) + (pHandler ? std::string(" ") + pHandler->szName : "") +
+    const FunctionDescriptor* pFunction = findFunction(nCommandId);
+    return std::to_string(nCommandId) + (pFunction ? std::string(" ") + pFunction->szName : "") +
            " -> " + std::to_string(nCode);
 }
 
@@ -110,8 +108,8 @@ std::optional<Answer> DeviceCore::answerMulticast(const Request& request,
     const auto* pUser = findRecord<User>(request.vecRecords);
     const auto* pDeviceId = findRecord<DeviceId>(request.vecRecords);
     const auto* pNetwork = findRecord<HostNetwork>(request.vecRecords);
-    if (request.head.getCommandID() != SetHostNetwork || !pUser || !pDeviceId || !pNetwork ||
-        pDeviceId->getId() != m_options.strDeviceId) {
+    if (request.head.getCommandID() != CommandId::setDeviceHostNetwork || !pUser || !pDeviceId ||
+        !pNetwork || pDeviceId->getId() != m_options.strDeviceId) {
         return std::nullopt;
     }
     remember(request);
@@ -119,11 +117,11 @@ std::optional<Answer> DeviceCore::answerMulticast(const Request& request,
         areCredentials(m_options, m_state, pUser->getUserName(), pUser->getPassword());
     const int nCode = bKnown ? setHostNetworks(m_state, {*pNetwork})
                              : static_cast<int>(DeviceResult::WrongCredentials);
-    log(strPeer, "multicast " + describe(SetHostNetwork, nCode));
-    Answer answer = answerTo(request.head, SetHostNetworkReply);
+    log(strPeer, "multicast " + describe(CommandId::setDeviceHostNetwork, nCode));
+    Answer answer = answerTo(request.head, CommandId::getHostNetworkReply);
     putResult(answer, nCode);
     appendRecord(answer.vecRecords, *pDeviceId);
-    spoil(SetHostNetwork, answer);
+    spoil(CommandId::setDeviceHostNetwork, answer);
     return answer;
 }
 
@@ -150,16 +148,12 @@ void DeviceCore::remember(const Request& request) {
 
 int DeviceCore::handle(const Request& request, std::uint32_t& nSession, Answer& answer) {
     const std::uint32_t nCommandId = request.head.getCommandID();
-    const CommandHandler* pHandler = findCommandHandler(nCommandId);
     const bool bHasSession = nSession != 0 && request.head.getSessionId() == nSession;
-    if (!bHasSession && nCommandId != LoginCommand) {
+    if (!bHasSession && nCommandId != CommandId::Login) {
         return DeviceResult::NoSession;
     }
-    if (!pHandler) {
-        return findCommand(nCommandId) ? DeviceResult::NotSupported : DeviceResult::UnknownCommand;
-    }
     CommandCall call{request, m_options, m_state, nSession, m_nLastSession + 1, {}};
-    const int nCode = pHandler->handle(call);
+    const int nCode = handleCommand(call);
     if (nCode != DeviceResult::Success) {
         return nCode;
     }

@@ -4,6 +4,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "domain/VideoAbility.h"
 #include "protocol/SDKNormalXmlBodyParser.h"
 #include "virtual-device/DeviceState.h"
 #include "virtual-device/FactoryText.h"
@@ -115,37 +116,28 @@ Values streamValues(int nChannel, int nStream) {
             {"bit-rate", std::to_string(size.nBitRate)}};
 }
 
-void addKind(const DeviceOptions& options, DeviceState& state) {
-    const bool bIsRecorder = options.nKind == DeviceKind::NVR;
-    const Records vecRecords =
-        recordsOf(bIsRecorder ? "recorder" : "camera", deviceValues(options));
-    state.hardware = single<HardwareCapability>(vecRecords);
-    state.summary = single<DeviceSummaryInfo>(vecRecords);
+// Keeps what stands in a text once; a list is for its own place.
+void keepSingles(const Records& vecRecords, DeviceState& state) {
+    for (const auto& record : vecRecords) {
+        if (record->getDomainId() != ContainerDomainId) {
+            state.records.put(*record);
+        }
+    }
 }
 
 void addDevice(const DeviceOptions& options, DeviceState& state) {
+    const bool bIsRecorder = options.nKind == DeviceKind::NVR;
+    keepSingles(recordsOf(bIsRecorder ? "recorder" : "camera", deviceValues(options)), state);
     const Records vecRecords = recordsOf("device", deviceValues(options));
-    state.software = single<SoftwareCapability>(vecRecords);
-    state.osdAbility = single<OSDAbility>(vecRecords);
-    state.audio = single<AudioExAbility>(vecRecords);
-    state.ptz = single<PTZAbilityParam>(vecRecords);
-    state.networkCards = single<NetworkAbility>(vecRecords);
-    state.motion = single<MotionDetectionAbility>(vecRecords);
-    state.blind = single<BlindAbility>(vecRecords);
-    state.sensor = single<SensorAbility>(vecRecords);
-    state.disks = single<DiskAbility>(vecRecords);
-    state.uart = single<ExternUARTAbility>(vecRecords);
+    keepSingles(vecRecords, state);
     state.vecHostNetworks = listOf<HostNetwork>(vecRecords);
-    state.ports = single<DevicePort>(vecRecords);
-    state.ntp = single<NTPParam>(vecRecords);
-    state.security = single<ProtocolSecurityParam>(vecRecords);
 }
 
 void addTimeZones(DeviceState& state) {
     const Records vecRecords = recordsOf("time-zones", {});
+    keepSingles(vecRecords, state);
     state.vecTimeZoneDefaults = listOf<TimeZoneParam>(vecRecords);
-    state.timeZone = state.vecTimeZoneDefaults.front();
-    state.languages = single<LanguageAbility>(vecRecords);
+    state.records.put(state.vecTimeZoneDefaults.front());
     state.vecTimeZones = listOf<TimeZoneAbility>(vecRecords);
 }
 
@@ -177,13 +169,14 @@ VideoAbilityParam addChannel(const DeviceOptions& options, int nChannel, DeviceS
 DeviceState factoryState(const DeviceOptions& options) {
     DeviceState state;
     state.strPassword = options.strPassword;
-    addKind(options, state);
     addDevice(options, state);
     addTimeZones(state);
     std::vector<VideoAbilityParam> vecVideo;
     for (int nChannel = 1; nChannel <= options.nChannels; ++nChannel) {
         vecVideo.push_back(addChannel(options, nChannel, state));
     }
-    state.video.setVideoAbilityParamList(vecVideo);
+    VideoAbility video;
+    video.setVideoAbilityParamList(vecVideo);
+    state.records.put(video);
     return state;
 }

@@ -13,14 +13,18 @@
 using Records = std::vector<SafePointer<BaseDomain>>;
 
 // The first record of this type, or null.
-template <class T>
-const T* findRecord(const Records& vecRecords) {
+inline const BaseDomain* findRecordOfType(const Records& vecRecords, std::uint32_t nDomainId) {
     for (const auto& record : vecRecords) {
-        if (record->getDomainId() == T::DomainId) {
-            return static_cast<const T*>(record.get());
+        if (record->getDomainId() == nDomainId) {
+            return record.get();
         }
     }
     return nullptr;
+}
+
+template <class T>
+const T* findRecord(const Records& vecRecords) {
+    return static_cast<const T*>(findRecordOfType(vecRecords, T::DomainId));
 }
 
 // The elements of the first list of this type, or null.

@@ -9,6 +9,7 @@
 #include "domain/KXInterger.h"
 #include "domain/LanguageId.h"
 #include "domain/StreamId.h"
+#include "protocol/CommandIds.h"
 #include "protocol/CredentialCipher.h"
 
 using namespace fleetkit;
@@ -32,14 +33,14 @@ int takeFirst(int nCode, const std::vector<Element>& vecElements, int nEmptyCode
 
 }  // namespace
 
-int DeviceControllerImpl::restart(int nChannelId) {
-    return sendSet(m_pSession, DeviceCommand::Restart, withId<ChannelId>(nChannelId));
+int DeviceControllerImpl::act(int nChannelId, std::uint32_t nCommandId) {
+    return sendSet(m_pSession, nCommandId, withId<ChannelId>(nChannelId));
 }
 
 int DeviceControllerImpl::reset(int nChannelId, const std::vector<int>& vecHoldTypes) {
     EtHoldTypeList holdTypes;
     holdTypes.setType(vecHoldTypes);
-    return sendSet(m_pSession, DeviceCommand::Reset, withId<ChannelId>(nChannelId), holdTypes);
+    return sendSet(m_pSession, CommandId::setDeviceReset, withId<ChannelId>(nChannelId), holdTypes);
 }
 
 int DeviceControllerImpl::setPassword(int nChannelId, const std::string& strOld,
@@ -52,25 +53,25 @@ int DeviceControllerImpl::setPassword(int nChannelId, const std::string& strOld,
     EtChangePasswordReq request;
     request.setOldPassword(strOldCipher);
     request.setNewPassword(strNewCipher);
-    return sendSet(m_pSession, DeviceCommand::ChangePassword, withId<ChannelId>(nChannelId),
-                   request, KXBool());
+    return sendSet(m_pSession, CommandId::setDevicePasswd, withId<ChannelId>(nChannelId), request,
+                   KXBool());
 }
 
 int DeviceControllerImpl::setHostNetwork(int nChannelId, const HostNetwork& network) {
-    return sendSet(m_pSession, DeviceCommand::WriteHostNetwork, withId<ChannelId>(nChannelId),
+    return sendSet(m_pSession, CommandId::setDeviceHostNetwork, withId<ChannelId>(nChannelId),
                    std::vector{network});
 }
 
 int DeviceControllerImpl::execute(int nChannelId, const std::string& strCommand) {
     EtSystemReq request;
     request.setSystemCommand(strCommand);
-    return sendSet(m_pSession, DeviceCommand::Execute, withId<ChannelId>(nChannelId), request,
+    return sendSet(m_pSession, CommandId::exeCommand, withId<ChannelId>(nChannelId), request,
                    EtSystemResp());
 }
 
 int DeviceControllerImpl::getTimeZoneAbility(int nChannelId, int nLanguageId,
                                              TimeZoneAbility& ability) {
-    return sendGet(m_pSession, DeviceCommand::ReadTimeZoneAbility, ability,
+    return sendGet(m_pSession, CommandId::getTimeZoneAbility, ability,
                    withId<ChannelId>(nChannelId), withId<LanguageId>(nLanguageId));
 }
 
@@ -78,52 +79,51 @@ int DeviceControllerImpl::getTimeZoneDefault(int nChannelId, int nTimeZoneId,
                                              TimeZoneParam& timeZone) {
     KXInterger number;
     number.setValue(nTimeZoneId);
-    return sendGet(m_pSession, DeviceCommand::Read<TimeZoneParam>, timeZone, number,
+    return sendGet(m_pSession, CommandId::getTimeZoneDefaultParam, timeZone, number,
                    withId<ChannelId>(nChannelId));
 }
 
 int DeviceControllerImpl::getAllAVStreams(int nChannelId, std::vector<AVStreamParam>& vecStreams) {
-    return sendGet(m_pSession, DeviceCommand::ReadAVStreams, vecStreams,
+    return sendGet(m_pSession, CommandId::getAVStreamParam, vecStreams,
                    withId<ChannelId>(nChannelId), withId<StreamId>(AllStreams));
 }
 
 int DeviceControllerImpl::getAVStream(int nChannelId, int nStreamId, AVStreamParam& stream) {
     std::vector<AVStreamParam> vecStreams;
-    const int nCode = sendGet(m_pSession, DeviceCommand::ReadAVStreams, vecStreams,
+    const int nCode = sendGet(m_pSession, CommandId::getAVStreamParam, vecStreams,
                               withId<ChannelId>(nChannelId), withId<StreamId>(nStreamId));
     return takeFirst(nCode, vecStreams, ErrorCode::EmptyStreamList, stream);
 }
 
 int DeviceControllerImpl::setAllAVStreams(int nChannelId,
                                           const std::vector<AVStreamParam>& vecStreams) {
-    return sendSet(m_pSession, DeviceCommand::WriteAVStreams, withId<ChannelId>(nChannelId),
+    return sendSet(m_pSession, CommandId::setAVStreamParam, withId<ChannelId>(nChannelId),
                    withId<StreamId>(AllStreams), vecStreams);
 }
 
 int DeviceControllerImpl::setAVStream(int nChannelId, const AVStreamParam& stream) {
-    return sendSet(m_pSession, DeviceCommand::WriteAVStreams, withId<ChannelId>(nChannelId),
+    return sendSet(m_pSession, CommandId::setAVStreamParam, withId<ChannelId>(nChannelId),
                    withId<StreamId>(nChannelId), std::vector{stream});
 }
 
 int DeviceControllerImpl::setOSDUserParam(int nChannelId, const OSDUserParam& param) {
-    return sendSet(m_pSession, DeviceCommand::WriteOSDUserParam, withId<ChannelId>(nChannelId),
-                   param);
+    return sendSet(m_pSession, CommandId::setOSDUserParam, withId<ChannelId>(nChannelId), param);
 }
 
 int DeviceControllerImpl::setAllOSDUserParams(int nChannelId,
                                               const std::vector<OSDUserParam>& vecParams) {
-    return sendSet(m_pSession, DeviceCommand::WriteOSDUserParam, withId<ChannelId>(nChannelId),
+    return sendSet(m_pSession, CommandId::setOSDUserParam, withId<ChannelId>(nChannelId),
                    vecParams);
 }
 
 int DeviceControllerImpl::getAllOSDUserParams(int nChannelId,
                                               std::vector<OSDUserParam>& vecParams) {
-    return sendGet(m_pSession, DeviceCommand::ReadOSDUserParams, vecParams,
+    return sendGet(m_pSession, CommandId::getAllOSDUserParam, vecParams,
                    withId<ChannelId>(nChannelId));
 }
 
 int DeviceControllerImpl::getAllChannels(int nChannelId, std::vector<ChannelInfo>& vecChannels) {
-    return sendGet(m_pSession, DeviceCommand::ReadChannels, vecChannels,
+    return sendGet(m_pSession, CommandId::getAllChannelInfo, vecChannels,
                    withId<ChannelId>(nChannelId));
 }
 

@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "device/BaseController.h"
-#include "device/DeviceCommands.h"
 #include "device/RequestSenders.h"
 #include "domain/AVStreamParam.h"
 #include "domain/ChannelId.h"
@@ -13,6 +12,7 @@
 #include "domain/HostNetwork.h"
 #include "domain/OSDUserParam.h"
 #include "domain/TimeZoneAbility.h"
+#include "domain/TimeZoneParam.h"
 
 // Knows which command serves an operation, which records its request holds, in which order, and
 // which record of the reply is the answer; knows nothing of connections.
@@ -21,21 +21,17 @@
 // Success. The first argument is the channel that the request names, -1 for the whole device.
 class DeviceControllerImpl : public BaseController {
 public:
-    // One record of those that `DeviceCommand` lists.
+    // The plain operations: one record there or back, or none.
     template <class Record>
-    int get(int nChannelId, Record& record) {
-        static_assert(DeviceCommand::Read<Record> != DeviceCommand::None);
-        return sendGet(m_pSession, DeviceCommand::Read<Record>, record,
-                       withId<ChannelId>(nChannelId));
+    int get(int nChannelId, std::uint32_t nCommandId, Record& record) {
+        return sendGet(m_pSession, nCommandId, record, withId<ChannelId>(nChannelId));
     }
     template <class Record>
-    int set(int nChannelId, const Record& record) {
-        static_assert(DeviceCommand::Write<Record> != DeviceCommand::None);
-        return sendSet(m_pSession, DeviceCommand::Write<Record>, withId<ChannelId>(nChannelId),
-                       record);
+    int set(int nChannelId, std::uint32_t nCommandId, const Record& record) {
+        return sendSet(m_pSession, nCommandId, withId<ChannelId>(nChannelId), record);
     }
+    int act(int nChannelId, std::uint32_t nCommandId);
 
-    int restart(int nChannelId);
     int reset(int nChannelId, const std::vector<int>& vecHoldTypes);
     // CipherFailed, and nothing is sent, when a password cannot be enciphered.
     int setPassword(int nChannelId, const std::string& strOld, const std::string& strNew);

@@ -8,10 +8,10 @@
 #include "Product/Technic/ErrorCode.h"
 #include "Product/Technic/RoomGuard.h"
 #include "Product/Technic/platform/NameResolution.h"
-#include "device/DeviceCommands.h"
 #include "domain/DeviceId.h"
 #include "domain/EtAdapterType.h"
 #include "domain/EtIPProtoVer.h"
+#include "protocol/CommandIds.h"
 #include "protocol/CredentialCipher.h"
 #include "protocol/ICommandProtocolParser.h"
 #include "protocol/SDKCommandParam.h"
@@ -162,7 +162,7 @@ int DeviceSearchChannel::encode(std::uint16_t nSequence, const std::string& strD
     SDKCommandHeadInfo head;
     head.setProtocolType(ProtocolType::SDK);
     head.setSequence(nSequence);
-    head.setCommandID(DeviceCommand::WriteHostNetwork);
+    head.setCommandID(CommandId::setDeviceHostNetwork);
     head.setSessionId(m_nSessionId);
     auto pParam = std::make_unique<SDKCommandParam>();
     pParam->setHead(head);
@@ -188,7 +188,7 @@ int DeviceSearchChannel::waitForReply(ITransfer& transfer, std::uint16_t nSequen
             return ErrorCode::DecodeFailed;
         }
         const SDKCommandHeadInfo& head = static_cast<const SDKCommandParam&>(*message).getHead();
-        if (head.getCommandID() == DeviceCommand::HostNetworkWritten &&
+        if (head.getCommandID() == CommandId::getHostNetworkReply &&
             head.getSessionId() == m_nSessionId && head.getSequence() == nSequence) {
             return ErrorCode::Success;
         }

@@ -12,7 +12,7 @@
 //
 //     SDK_DeviceController controller;
 //     if (controller.attachSession(hSession)) {
-//         nCode = controller.perform(&DeviceControllerImpl::restart);
+//         nCode = controller.perform(&DeviceControllerImpl::act, CommandId::setDeviceRestart);
 //     }
 class SDK_DeviceController : public IDeviceController {
 public:

@@ -65,8 +65,9 @@ struct TypeAccess {
     // Drops what the list holds; it then has nSize default objects.
     void (*listReset)(void* pList, std::size_t nSize) = nullptr;
     void (*listSwap)(void* pList, void* pOther) = nullptr;
-    // Records only: a new default record, and what takes over the content of one.
+    // Records only: a new default record, a copy of one, and what takes over the content of one.
     BaseDomain* (*create)() = nullptr;
+    BaseDomain* (*copy)(const BaseDomain& source) = nullptr;
     void (*moveInto)(void* pTarget, BaseDomain& source) = nullptr;
     // Records only: a new list container of the type, and the vector inside of one.
     DomainContainer* (*createContainer)() = nullptr;
@@ -75,6 +76,9 @@ struct TypeAccess {
     // For records. The tables give plain pointers, which their caller owns, because a smart pointer
     // for each type would double the time that they take to compile.
     std::unique_ptr<BaseDomain> make() const { return std::unique_ptr<BaseDomain>(create()); }
+    std::unique_ptr<BaseDomain> makeCopy(const BaseDomain& source) const {
+        return std::unique_ptr<BaseDomain>(copy(source));
+    }
     std::unique_ptr<DomainContainer> makeContainer() const {
         return std::unique_ptr<DomainContainer>(createContainer());
     }
@@ -167,6 +171,9 @@ struct AccessTo {
     static void listReset(void* pList, std::size_t nSize) { List(nSize).swap(listOf(pList)); }
     static void listSwap(void* pList, void* pOther) { listOf(pList).swap(listOf(pOther)); }
     static BaseDomain* create() { return new T; }
+    static BaseDomain* copy(const BaseDomain& source) {
+        return new T(static_cast<const T&>(source));
+    }
     static void moveInto(void* pTarget, BaseDomain& source) {
         *static_cast<T*>(pTarget) = std::move(static_cast<T&>(source));
     }
@@ -190,6 +197,7 @@ template <class T>
 constexpr TypeAccess recordAccess() {
     TypeAccess access = elementAccess<T>();
     access.create = AccessTo<T>::create;
+    access.copy = AccessTo<T>::copy;
     access.moveInto = AccessTo<T>::moveInto;
     access.createContainer = AccessTo<T>::createContainer;
     access.containerList = AccessTo<T>::containerList;

@@ -1,9 +1,13 @@
-// The generated table of commands, for the catalogue alone.
+// The generated tables of commands and functions, for the catalogue alone.
 #pragma once
 
-#include <cstddef>
+#include <iterator>
 
 #include "protocol/CommandCatalogue.h"
 
-extern const fleetkit::CommandDescriptor commandTable[];
-extern const std::size_t commandTableSize;
+namespace fleetkit {
+
+extern const Rows<CommandDescriptor> commandTable;
+extern const Rows<FunctionDescriptor> functionTable;
+
+}  // namespace fleetkit

@@ -10,13 +10,13 @@
 #include "Product/Technic/RoomGuard.h"
 #include "Product/Technic/platform/Clock.h"
 #include "domain/EtSessionId.h"
+#include "protocol/CommandIds.h"
 #include "session/SessionCommands.h"
 
 using namespace fleetkit;
 
 namespace {
 
-constexpr std::uint32_t HeartBeatCommand = 11007;
 constexpr std::uint32_t KeepAliveSeconds = 60;
 constexpr std::int32_t MostFailures = 3;
 
@@ -145,5 +145,5 @@ std::int32_t sendHeartBeat(const SafePointer<SDKSession>& session) {
     }
     EtSessionId sessionId;
     sessionId.setSessionId(static_cast<int>(session->getSessionId()));
-    return sendRecord(session, HeartBeatCommand, sessionId);
+    return sendRecord(session, CommandId::keepAlive, sessionId);
 }

@@ -8,6 +8,7 @@
 #include "Product/Technic/KXMutex.h"
 #include "domain/EtSessionId.h"
 #include "domain/UserParam.h"
+#include "protocol/CommandIds.h"
 #include "protocol/CredentialCipher.h"
 #include "protocol/ProtocolType.h"
 #include "protocol/SDKCommandHeadParser.h"
@@ -19,8 +20,6 @@ using namespace fleetkit;
 
 namespace {
 
-constexpr std::uint32_t LoginCommand = 11001;
-constexpr std::uint32_t LogoutCommand = 11003;
 constexpr int ConnectTimeoutMs = 3000;
 
 std::uint32_t nextSessionHandle() {
@@ -93,7 +92,7 @@ std::int32_t SDK_DeviceSessionCreator::login(SafePointer<SDKSession>& session) {
         return nResult;
     }
     EtSessionId sessionId;
-    nResult = sendRecord(session, LoginCommand, user, sessionId);
+    nResult = sendRecord(session, CommandId::Login, user, sessionId);
     if (nResult == ErrorCode::Success) {
         session->setSessionId(static_cast<std::uint32_t>(sessionId.getSessionId()));
     }
@@ -106,7 +105,7 @@ std::int32_t SDK_DeviceSessionCreator::logout(SafePointer<SDKSession>& session) 
     if (nResult != ErrorCode::Success) {
         return nResult;
     }
-    nResult = sendRecord(session, LogoutCommand, user);
+    nResult = sendRecord(session, CommandId::Logout, user);
     if (nResult == ErrorCode::Success) {
         session->setSessionId(0);
     }

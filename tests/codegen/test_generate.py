@@ -93,7 +93,7 @@ class Generate(SchemaCase):
         self.assertIn('{"EventList", &DoorEvent::descriptor}', lists)
         self.assertNotIn("DoorKeeper", lists)
         self.assert_holds("protocol/CommandTable.cpp",
-                          "    {70, 71, 7, 2},", "    {72, 10000, 7, 1},")
+                          "    {70, 71, 7, 2, {}, {}},", "    {72, 10000, 7, 1, {}, {}},")
         self.assertEqual(
             self.text("exported-records.txt"),
             "domain/DoorKeeper.h\ndomain/DoorParam.h\ndomain/Latch.h\n")

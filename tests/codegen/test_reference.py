@@ -37,7 +37,8 @@ record DoorEvent 7003 : DoorKeeper
 domain 7001 DoorParam list GateList
 domain 7002 DoorKeeper no-list
 domain 7003 Event class DoorEvent
-command 70 71 7 read carries DoorKeeper answers list DoorParam  # openDoors
+command 70 71 7 read carries DoorKeeper answers list DoorParam  # all at once
+    openDoors  by-hand  get doors "All doors"
 command 72 ack 7 write carries list DoorParam
 """
 
@@ -138,9 +139,9 @@ Length="3" Picture="AQID" Secret="text">
         cells = {int(number): [text(cell) for cell in re.findall(r"<td>(.*?)</td>", row)]
                  for number, row in rows}
         self.assertEqual(cells[70], ["70", "71", "7", "read", "DoorKeeper",
-                                     "EtResult , list of DoorParam", "72", "openDoors"])
+                                     "EtResult , list of DoorParam", "72", "openDoors", "all at once"])
         self.assertEqual(cells[72], ["72", "10000", "7", "write", "list of DoorParam", "EtResult",
-                                     "70", ""])
+                                     "70", "", ""])
 
 
 class RealReference(ReferenceCase):

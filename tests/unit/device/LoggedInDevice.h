@@ -11,6 +11,7 @@
 #include "device/FleetKit.h"
 #include "domain/EtResult.h"
 #include "protocol/CommandCatalogue.h"
+#include "protocol/CommandIds.h"
 #include "support/SampleRecords.h"
 #include "support/ScriptedPeer.h"
 
@@ -43,10 +44,6 @@ public:
     }
 
 private:
-    static constexpr std::uint32_t LoginCommand = 11001;
-    static constexpr std::uint32_t LogoutCommand = 11003;
-    static constexpr std::uint32_t KeepAliveCommand = 11007;
-
     void serve(PeerLink& link) {
         PeerRequest request;
         while (link.read(request)) {
@@ -61,8 +58,10 @@ private:
     }
 
     std::string bodyFor(const PeerRequest& request) {
+        using namespace fleetkit;
         const std::uint32_t nCommand = request.m_head.getCommandID();
-        if (nCommand == LoginCommand || nCommand == LogoutCommand || nCommand == KeepAliveCommand) {
+        if (nCommand == CommandId::Login || nCommand == CommandId::Logout ||
+            nCommand == CommandId::keepAlive) {
             return peerResult(0, "<SessionId SessionId=\"77\" />");
         }
         const std::lock_guard guard(m_mutex);

@@ -21,10 +21,10 @@ TEST(CommandCatalogueTest, HoldsEveryCommandOfTheProtocol) {
         ++mapRowsOfOperation[row.nOperation];
     }
     EXPECT_EQ(mapRowsOfOperation, (Counts{{1, 149}, {2, 223}, {3, 38}, {4, 99}}));
-    EXPECT_EQ(rows.front().nRequestId, 11004U);
+    EXPECT_EQ(rows[0].nRequestId, 11004U);
     EXPECT_EQ(rows[9].nRequestId, 11001U);
-    EXPECT_EQ(rows.back().nRequestId, 32765U);
-    EXPECT_EQ(rows.back().nParamGroup, 1006U);
+    EXPECT_EQ(rows[rows.size() - 1].nRequestId, 32765U);
+    EXPECT_EQ(rows[rows.size() - 1].nParamGroup, 1006U);
 }
 
 TEST(CommandCatalogueTest, OnlyTwoRequestsStandMoreThanOnceAndAlwaysAlike) {
