@@ -30,10 +30,19 @@ local:
 target_link_options(FleetKit PRIVATE
   "LINKER:--version-script=${version_script}" "LINKER:--as-needed")
 set_property(TARGET FleetKit APPEND PROPERTY LINK_DEPENDS "${version_script}")
-# The run-time library of a sanitizer is found when the program starts.
-if(NOT FLEETKIT_SANITIZE)
-  target_link_options(FleetKit PRIVATE "LINKER:--no-undefined")
-endif()
+
+# It calls nothing of the C library itself, and every library of a package is to name that one.
+target_link_options(FleetKitQt PRIVATE "LINKER:--no-as-needed")
+
+# What a library calls inside itself is bound inside: a user's class of the name of a record must not
+# take its place.
+foreach(library FleetKit FleetKitQt)
+  target_link_options(${library} PRIVATE "LINKER:-Bsymbolic")
+  # The run-time library of a sanitizer is found when the program starts.
+  if(NOT FLEETKIT_SANITIZE)
+    target_link_options(${library} PRIVATE "LINKER:--no-undefined")
+  endif()
+endforeach()
 
 # The descriptors are tables of pointers: packed, their relocations take a tenth of the place.
 include(CheckLinkerFlag)

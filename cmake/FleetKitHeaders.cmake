@@ -3,7 +3,7 @@
 set(FLEETKIT_STAGED_INCLUDE "${CMAKE_BINARY_DIR}/include")
 
 set(public_headers
-  device/FleetKit.h device/StructConversions.h device/TarnStruct.h
+  device/FleetKit.h device/StructConversions.h device/TarnStruct.h device/TextFunctions.h
   Product/Technic/ErrorCode.h Product/Technic/Export.h Product/Technic/IPTool.h
   Product/Technic/LogThreshold.h
   domain/BaseDomain.h domain/DomainContainer.h domain/DomainVectorContainer.h

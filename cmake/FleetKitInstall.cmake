@@ -1,4 +1,5 @@
-# What is installed, in three parts: runtime (the library), development, tools (the programs).
+# What is installed, in parts: runtime (the library), development, tools (the programs), and the
+# library over texts of Qt with its own development files.
 include(CMakePackageConfigHelpers)
 
 set(config_directory "${CMAKE_INSTALL_LIBDIR}/cmake/FleetKit")
@@ -9,6 +10,9 @@ target_compile_features(FleetKit INTERFACE cxx_std_17)
 install(TARGETS FleetKit EXPORT FleetKitTargets
   LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
   COMPONENT runtime NAMELINK_COMPONENT development)
+install(TARGETS FleetKitQt EXPORT FleetKitQtTargets
+  LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
+  COMPONENT qt NAMELINK_COMPONENT qtdevelopment)
 
 # Headers, CMake package, pkg-config.
 install(DIRECTORY "${CMAKE_BINARY_DIR}/include/fleetkit"
@@ -16,6 +20,8 @@ install(DIRECTORY "${CMAKE_BINARY_DIR}/include/fleetkit"
   FILES_MATCHING PATTERN "*.h")
 install(EXPORT FleetKitTargets NAMESPACE FleetKit::
   DESTINATION "${config_directory}" COMPONENT development)
+install(EXPORT FleetKitQtTargets NAMESPACE FleetKit::
+  DESTINATION "${config_directory}" COMPONENT qtdevelopment)
 configure_package_config_file("${CMAKE_SOURCE_DIR}/cmake/FleetKitConfig.cmake.in"
   "${CMAKE_BINARY_DIR}/FleetKitConfig.cmake" INSTALL_DESTINATION "${config_directory}")
 write_basic_package_version_file("${CMAKE_BINARY_DIR}/FleetKitConfigVersion.cmake"
@@ -26,8 +32,12 @@ install(FILES
 file(RELATIVE_PATH FLEETKIT_PC_TO_PREFIX "/${pc_directory}" "/")
 string(REGEX REPLACE "/$" "" FLEETKIT_PC_TO_PREFIX "${FLEETKIT_PC_TO_PREFIX}")
 configure_file("${CMAKE_SOURCE_DIR}/cmake/fleetkit.pc.in" "${CMAKE_BINARY_DIR}/fleetkit.pc" @ONLY)
+configure_file("${CMAKE_SOURCE_DIR}/cmake/fleetkit-qt.pc.in"
+  "${CMAKE_BINARY_DIR}/fleetkit-qt.pc" @ONLY)
 install(FILES "${CMAKE_BINARY_DIR}/fleetkit.pc"
   DESTINATION "${pc_directory}" COMPONENT development)
+install(FILES "${CMAKE_BINARY_DIR}/fleetkit-qt.pc"
+  DESTINATION "${pc_directory}" COMPONENT qtdevelopment)
 
 # The programs, which find the library beside them wherever the tree is put.
 file(RELATIVE_PATH library_from_program "/${CMAKE_INSTALL_BINDIR}" "/${CMAKE_INSTALL_LIBDIR}")

@@ -11,7 +11,7 @@ set(CPACK_STRIP_FILES ON)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
   OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 
-set(CPACK_COMPONENTS_ALL runtime development tools)
+set(CPACK_COMPONENTS_ALL runtime development qt qtdevelopment tools)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SOURCE fleetkit)
@@ -36,10 +36,29 @@ parameters, and asks what they can do.")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libfleetkit-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${library_dependency}")
-set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS "qt${QT_VERSION_MAJOR}-base-dev")
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS libfleetkitqt-dev)
 set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "management of network video devices, development files
 Headers of FleetKit, and its files for CMake and pkg-config. Two of its
-functions take a text of Qt; only who calls them needs Qt.")
+functions take texts of Qt; who calls them needs libfleetkitqt-dev.")
+
+set(qt_library_package "libfleetkitqt${PROJECT_VERSION_MAJOR}")
+set(qt_library_dependency
+  "${qt_library_package} (= ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})")
+set(CPACK_DEBIAN_QT_PACKAGE_NAME ${qt_library_package})
+set(CPACK_DEBIAN_QT_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_QT_PACKAGE_DEPENDS "${library_dependency}")
+set(CPACK_DEBIAN_QT_PACKAGE_CONTROL_EXTRA "${PROJECT_SOURCE_DIR}/packaging/triggers")
+set(CPACK_COMPONENT_QT_DESCRIPTION "management of network video devices, functions with texts of Qt
+Two functions of FleetKit take texts of Qt. They stand in this library, so
+that those who do without them do without Qt.")
+
+set(CPACK_DEBIAN_QTDEVELOPMENT_PACKAGE_NAME libfleetkitqt-dev)
+set(CPACK_DEBIAN_QTDEVELOPMENT_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_QTDEVELOPMENT_PACKAGE_DEPENDS
+  "${qt_library_dependency}, libfleetkit-dev (= ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE}), qt${QT_VERSION_MAJOR}-base-dev")
+set(CPACK_COMPONENT_QTDEVELOPMENT_DESCRIPTION "management of network video devices, development with texts of Qt
+What CMake and pkg-config need to link the functions of FleetKit that take
+texts of Qt.")
 
 set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME fleetkit-tools)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION net)
@@ -54,7 +73,7 @@ add_custom_command(OUTPUT "${changelog}"
   COMMAND gzip -9nc "${CMAKE_SOURCE_DIR}/packaging/changelog" > "${changelog}"
   DEPENDS "${CMAKE_SOURCE_DIR}/packaging/changelog")
 add_custom_target(fleetkit-changelog ALL DEPENDS "${changelog}")
-foreach(component runtime development tools)
+foreach(component ${CPACK_COMPONENTS_ALL})
   string(TOUPPER ${component} name)
   install(FILES "${CMAKE_SOURCE_DIR}/packaging/copyright" "${changelog}"
     DESTINATION "${CMAKE_INSTALL_DATAROOTDIR}/doc/${CPACK_DEBIAN_${name}_PACKAGE_NAME}"

@@ -3,9 +3,9 @@
 
 #include <fleetkit/FleetKit.h>
 #include <fleetkit/StructConversions.h>
+#include <fleetkit/TextFunctions.h>
 #include <fleetkit/domain/User.h>
 
-#include <QString>
 #include <algorithm>
 
 #include "FieldAssignment.h"
@@ -142,13 +142,12 @@ const ActionForm Calls::doNetworkByMulticast{
         user.setUserName(input.line.strUser);
         user.setPassword(input.strPassword);
         const auto& strDeviceId = input.line.vecArguments.front();
-        return FleetKit::setDeviceHostNetwork(QString::fromStdString(strDeviceId), network, user);
+        return fleetkit::setDeviceHostNetwork(strDeviceId, network, user);
     }};
 
 const ActionForm Calls::doPasswd{
     "[--new-password-file FILE]", 0, 0, true, true, [](const ActionInput& input) {
-        return FleetKit::setDevicePasswd(input.nHandle, QString::fromStdString(input.strPassword),
-                                         QString::fromStdString(input.strNewPassword));
+        return fleetkit::setDevicePasswd(input.nHandle, input.strPassword, input.strNewPassword);
     }};
 
 const ActionForm Calls::doReset{"[--hold N,...]", 0, 0, true, false, [](const ActionInput& input) {

@@ -1,10 +1,6 @@
 // The exported functions that ask for more, or less, than one record; the others are generated.
 #include "device/FleetKit.h"
 
-#include <QByteArray>
-#include <QString>
-
-#include "device/DeviceSearchChannel.h"
 #include "device/FacadeCalls.h"
 #include "device/StructConversions.h"
 
@@ -50,24 +46,12 @@ int FleetKit::Logout(const long& handle) {
     return pImpl ? pImpl->logout(handle) : ErrorCode::Failed;
 }
 
-int FleetKit::setDevicePasswd(const long& handle, const QString& oldPassword,
-                              const QString& newPassword) {
-    return perform(handle, &Operations::setPassword, oldPassword.toStdString(),
-                   newPassword.toStdString());
-}
-
 int FleetKit::setDeviceReset(const long& handle, const std::vector<int>& holdTypes) {
     return perform(handle, &Operations::reset, holdTypes);
 }
 
 int FleetKit::setDeviceHostNetwork(const long& handle, const int&, const HostNetwork& network) {
     return perform(handle, &Operations::setHostNetwork, network);
-}
-
-int FleetKit::setDeviceHostNetwork(const QString& deviceId, HostNetwork& network, User& user) {
-    return FleetKitImpl::instance()
-               ? setHostNetworkByMulticast(deviceId.toLocal8Bit().toStdString(), network, user)
-               : ErrorCode::Failed;
 }
 
 int FleetKit::exeCommand(const long& handle, const std::string& command, std::string&) {

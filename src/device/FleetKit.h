@@ -143,7 +143,8 @@ public:
 
     // ---- Device actions and settings
 
-    // Changes the password of the session's user. Both travel enciphered.
+    // Changes the password of the session's user. Both travel enciphered. Stands in libFleetKitQt,
+    // as the texts are Qt's; `fleetkit::setDevicePasswd` takes those of the standard library.
     // An exchange, or CipherFailed (-663) and nothing is sent.
     // The session goes on; a later `Logout` still shows the device the password of the login.
     static int setDevicePasswd(const long& handle, const QString& oldPassword,
@@ -171,7 +172,8 @@ public:
                                     const HostNetwork& network);
 
     // Sets the network parameters of a device that cannot be logged in to, by UDP multicast (group
-    // 234.5.6.7, port 31001, from local port 31002): no session is needed.
+    // 234.5.6.7, port 31001, from local port 31002): no session is needed. Stands in libFleetKitQt;
+    // `fleetkit::setDeviceHostNetwork` does the same for texts of the standard library.
     //
     // `deviceId` names the device, `user` holds `UserName` and `Password` of an account on it (they
     // travel enciphered). Neither `network` nor `user` is changed.
