@@ -16,7 +16,7 @@ endforeach()
 foreach(function IN LISTS exported_functions)
   string(APPEND exported_names "    ${function}*;\n")
 endforeach()
-set(version_script "${CMAKE_BINARY_DIR}/FleetKit.map")
+set(version_script "${PROJECT_BINARY_DIR}/FleetKit.map")
 file(CONFIGURE OUTPUT "${version_script}" @ONLY CONTENT
 "FLEETKIT_@PROJECT_VERSION_MAJOR@ {
 global:

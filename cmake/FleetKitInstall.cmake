@@ -5,8 +5,7 @@ include(CMakePackageConfigHelpers)
 set(config_directory "${CMAKE_INSTALL_LIBDIR}/cmake/FleetKit")
 set(pc_directory "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
 
-# The library, whose headers ask for less than its sources do.
-target_compile_features(FleetKit INTERFACE cxx_std_17)
+# The library.
 install(TARGETS FleetKit EXPORT FleetKitTargets
   LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
   COMPONENT runtime NAMELINK_COMPONENT development)
@@ -15,28 +14,28 @@ install(TARGETS FleetKitQt EXPORT FleetKitQtTargets
   COMPONENT qt NAMELINK_COMPONENT qtdevelopment)
 
 # Headers, CMake package, pkg-config.
-install(DIRECTORY "${CMAKE_BINARY_DIR}/include/fleetkit"
+install(DIRECTORY "${PROJECT_BINARY_DIR}/include/fleetkit"
   DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" COMPONENT development
   FILES_MATCHING PATTERN "*.h")
 install(EXPORT FleetKitTargets NAMESPACE FleetKit::
   DESTINATION "${config_directory}" COMPONENT development)
 install(EXPORT FleetKitQtTargets NAMESPACE FleetKit::
   DESTINATION "${config_directory}" COMPONENT qtdevelopment)
-configure_package_config_file("${CMAKE_SOURCE_DIR}/cmake/FleetKitConfig.cmake.in"
-  "${CMAKE_BINARY_DIR}/FleetKitConfig.cmake" INSTALL_DESTINATION "${config_directory}")
-write_basic_package_version_file("${CMAKE_BINARY_DIR}/FleetKitConfigVersion.cmake"
+configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/FleetKitConfig.cmake.in"
+  "${PROJECT_BINARY_DIR}/FleetKitConfig.cmake" INSTALL_DESTINATION "${config_directory}")
+write_basic_package_version_file("${PROJECT_BINARY_DIR}/FleetKitConfigVersion.cmake"
   COMPATIBILITY SameMajorVersion)
 install(FILES
-  "${CMAKE_BINARY_DIR}/FleetKitConfig.cmake" "${CMAKE_BINARY_DIR}/FleetKitConfigVersion.cmake"
+  "${PROJECT_BINARY_DIR}/FleetKitConfig.cmake" "${PROJECT_BINARY_DIR}/FleetKitConfigVersion.cmake"
   DESTINATION "${config_directory}" COMPONENT development)
 file(RELATIVE_PATH FLEETKIT_PC_TO_PREFIX "/${pc_directory}" "/")
 string(REGEX REPLACE "/$" "" FLEETKIT_PC_TO_PREFIX "${FLEETKIT_PC_TO_PREFIX}")
-configure_file("${CMAKE_SOURCE_DIR}/cmake/fleetkit.pc.in" "${CMAKE_BINARY_DIR}/fleetkit.pc" @ONLY)
-configure_file("${CMAKE_SOURCE_DIR}/cmake/fleetkit-qt.pc.in"
-  "${CMAKE_BINARY_DIR}/fleetkit-qt.pc" @ONLY)
-install(FILES "${CMAKE_BINARY_DIR}/fleetkit.pc"
+configure_file("${PROJECT_SOURCE_DIR}/cmake/fleetkit.pc.in" "${PROJECT_BINARY_DIR}/fleetkit.pc" @ONLY)
+configure_file("${PROJECT_SOURCE_DIR}/cmake/fleetkit-qt.pc.in"
+  "${PROJECT_BINARY_DIR}/fleetkit-qt.pc" @ONLY)
+install(FILES "${PROJECT_BINARY_DIR}/fleetkit.pc"
   DESTINATION "${pc_directory}" COMPONENT development)
-install(FILES "${CMAKE_BINARY_DIR}/fleetkit-qt.pc"
+install(FILES "${PROJECT_BINARY_DIR}/fleetkit-qt.pc"
   DESTINATION "${pc_directory}" COMPONENT qtdevelopment)
 
 # The programs, which find the library beside them wherever the tree is put.
@@ -48,11 +47,11 @@ install(TARGETS fleetctl virtual-device
 # Their manual pages are their own help.
 set(pages "")
 foreach(program fleetctl virtual-device)
-  set(page "${CMAKE_BINARY_DIR}/man/${program}.1.gz")
+  set(page "${PROJECT_BINARY_DIR}/man/${program}.1.gz")
   add_custom_command(OUTPUT "${page}"
-    COMMAND "${Python3_EXECUTABLE}" -B "${CMAKE_SOURCE_DIR}/packaging/manual_page.py"
+    COMMAND "${Python3_EXECUTABLE}" -B "${PROJECT_SOURCE_DIR}/packaging/manual_page.py"
             "$<TARGET_FILE:${program}>" "${PROJECT_VERSION}" "${page}"
-    DEPENDS ${program} "${CMAKE_SOURCE_DIR}/packaging/manual_page.py"
+    DEPENDS ${program} "${PROJECT_SOURCE_DIR}/packaging/manual_page.py"
     COMMENT "Writing the manual page of ${program}")
   list(APPEND pages "${page}")
 endforeach()

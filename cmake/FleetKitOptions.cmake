@@ -1,5 +1,5 @@
-# Language level, warnings and sanitizers, one place for all targets.
-option(FLEETKIT_TESTS "Build the tests" ON)
+# Language level, warnings and sanitizers, one place for all targets. What only our own builds want
+# (warnings as errors, tests) is set by CMakePresets.json.
 set(FLEETKIT_SANITIZE "" CACHE STRING "Sanitizers to build with, as in -fsanitize=")
 
 set(CMAKE_CXX_STANDARD 20)
@@ -9,15 +9,13 @@ set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(CMAKE_CXX_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 
-set(CMAKE_CXX_FLAGS_DEV "-O1 -g1")
-set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG")
-if(NOT CMAKE_BUILD_TYPE)
+if(PROJECT_IS_TOP_LEVEL AND NOT CMAKE_BUILD_TYPE)
   set(CMAKE_BUILD_TYPE Release)
 endif()
 
 add_library(fleetkit-options INTERFACE)
 target_compile_options(fleetkit-options INTERFACE
-  -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+  -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
   target_compile_options(fleetkit-options INTERFACE -Wthread-safety)
 endif()

@@ -1,6 +1,6 @@
 # The Debian packages: one for each part that is installed.
 set(CPACK_GENERATOR DEB)
-set(CPACK_PACKAGE_DIRECTORY "${CMAKE_BINARY_DIR}/packages")
+set(CPACK_PACKAGE_DIRECTORY "${PROJECT_BINARY_DIR}/packages")
 set(CPACK_PACKAGE_NAME fleetkit)
 set(CPACK_PACKAGE_VERSION "${PROJECT_VERSION}")
 set(CPACK_PACKAGE_CONTACT "FleetKit contributors <fleetkit@example.org>")
@@ -18,7 +18,7 @@ set(CPACK_DEBIAN_PACKAGE_SOURCE fleetkit)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${CMAKE_BINARY_DIR}/src")
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${PROJECT_BINARY_DIR}/src")
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 
@@ -28,7 +28,7 @@ set(library_dependency
 
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME ${library_package})
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA "${CMAKE_SOURCE_DIR}/packaging/triggers")
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA "${PROJECT_SOURCE_DIR}/packaging/triggers")
 set(CPACK_COMPONENT_RUNTIME_DESCRIPTION "management of network video devices, library
 FleetKit logs in to IP cameras and recorders, reads and changes their
 parameters, and asks what they can do.")
@@ -68,14 +68,14 @@ fleetctl reads and changes IP cameras and recorders from the command line;
 virtual-device is a device to talk to where there is no hardware.")
 
 # What Debian wants to see in each package, and other installations do without.
-set(changelog "${CMAKE_BINARY_DIR}/changelog.Debian.gz")
+set(changelog "${PROJECT_BINARY_DIR}/changelog.Debian.gz")
 add_custom_command(OUTPUT "${changelog}"
-  COMMAND gzip -9nc "${CMAKE_SOURCE_DIR}/packaging/changelog" > "${changelog}"
-  DEPENDS "${CMAKE_SOURCE_DIR}/packaging/changelog")
+  COMMAND gzip -9nc "${PROJECT_SOURCE_DIR}/packaging/changelog" > "${changelog}"
+  DEPENDS "${PROJECT_SOURCE_DIR}/packaging/changelog")
 add_custom_target(fleetkit-changelog ALL DEPENDS "${changelog}")
 foreach(component ${CPACK_COMPONENTS_ALL})
   string(TOUPPER ${component} name)
-  install(FILES "${CMAKE_SOURCE_DIR}/packaging/copyright" "${changelog}"
+  install(FILES "${PROJECT_SOURCE_DIR}/packaging/copyright" "${changelog}"
     DESTINATION "${CMAKE_INSTALL_DATAROOTDIR}/doc/${CPACK_DEBIAN_${name}_PACKAGE_NAME}"
     COMPONENT ${component} EXCLUDE_FROM_ALL)
 endforeach()
