@@ -3,8 +3,8 @@
     doxygen_filter.py FILE
 
 The comments of the headers are written for those who read the headers. Here `//` becomes `///`, a
-comment behind a member `///<`, the comment that opens a file the file's own, and `// ---- Title` the
-heading of a group of members.
+comment behind a member `///<`, the comment that opens a file the file's own, and `// ---- Title`
+the heading of a group of members.
 """
 
 import re

@@ -23,7 +23,8 @@ def escape(text):
 
 def split_help(text):
     """The paragraphs before the usage line, the usage, and the sections as (title, lines)."""
-    lead, usage, sections = [], "", []
+    lead, usage = [], ""
+    sections: list[tuple[str, list[str]]] = []
     for line in text.rstrip().splitlines():
         if line.startswith("Usage:"):
             usage = line.removeprefix("Usage:").strip()

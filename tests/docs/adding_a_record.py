@@ -17,7 +17,9 @@ CLASS = "WiperParam"
 
 
 class AddingARecord(unittest.TestCase):
-    compiler, flags, libraries = "c++", [], []
+    compiler = "c++"
+    flags: list[str] = []
+    libraries: list[str] = []
 
     def setUp(self):
         directory = tempfile.TemporaryDirectory()

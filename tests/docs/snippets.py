@@ -11,13 +11,13 @@ class Snippet:
     language: str
     text: str
     place: str  # document and line
-    output: str = None  # what the document says that it prints
+    output: str | None = None  # what the document says that it prints
 
 
 def snippets_of(path):
     """The blocks of a document; an `output` block belongs to the block before it."""
     document = path.read_text(encoding="utf-8")
-    result = []
+    result: list[Snippet] = []
     for match in FENCE.finditer(document):
         line = document.count("\n", 0, match.start()) + 1
         if match[1] == "output":

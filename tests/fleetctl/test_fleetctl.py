@@ -123,7 +123,7 @@ class FleetctlTest(unittest.TestCase):
 
     def test_wrong_usage_gives_2_and_changes_nothing(self):
         before = self.results("get", "ntp", "ports")
-        cases = [
+        cases: list[tuple[list[str], str]] = [
             ([], "verbs are: get set do"),
             (["fetch"], "verbs are: get set do"),
             (["get"], "get --list"),
