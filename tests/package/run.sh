@@ -80,7 +80,7 @@ consume() {
     flags=$(PKG_CONFIG_PATH="$library/pkgconfig" pkg-config --cflags --libs fleetkit)
     # shellcheck disable=SC2086 # the flags are words
     g++ -std=c++17 -Wall -Wextra -Wpedantic -Werror "$here/consumer/read_time.cpp" \
-        -o "$scratch/by-hand/read_time" $flags -Wl,-rpath,"$library"
+        -o "$scratch/by-hand/read_time" $flags
     # shellcheck disable=SC2086
     if g++ -std=c++17 -M "$here/consumer/read_time.cpp" $flags | grep -i 'qt\|qstring'; then
         fail 'a program without texts of Qt includes headers of Qt'
@@ -89,7 +89,7 @@ consume() {
     start_device "$prefix"
     export FLEETCTL_PASSWORD=secret FLEETCTL_USER=admin FLEETCTL_DEVICE=127.0.0.1:$port
     "$prefix/bin/fleetctl" -o json set time Year=2031 Month=2 Day=3 Hour=4 >/dev/null
-    uses "$scratch/by-hand" secret
+    LD_LIBRARY_PATH=$library uses "$scratch/by-hand" secret
     uses "$scratch/by-cmake" secret
     stop_device
     rm -rf "$scratch/by-cmake" "$scratch/by-hand"
@@ -123,9 +123,40 @@ test_packages() {
     consume "$root/usr"
 }
 
+# What a reader of the first page does, installation and removal included, word by word: in a mount
+# namespace, where /usr/local is empty and /etc, with the list of libraries in the loader, a copy.
+test_first_page() {
+    say "the first page, as it is written"
+    if ! "${as_root[@]}" unshare --mount true 2>/dev/null; then
+        say "skipped: this machine gives no mount namespace"
+        return
+    fi
+    "${as_root[@]}" unshare --mount bash -euo pipefail -s "$here/../.." "$scratch" <<'END'
+cd "$1"
+cp -a /etc "$2/etc"
+mkdir "$2/local"
+mount --bind "$2/etc" /etc
+mount --bind "$2/local" /usr/local
+mount -t tmpfs tmpfs /var/cache/ldconfig
+./dev install /usr/local
+link=()
+for word in $(pkg-config --cflags --libs fleetkit \
+        "Qt$(pkg-config --variable=qt_version_major fleetkit)Core"); do
+    link+=("--link=$word")
+done
+python3 -B tests/docs/run_examples.py --compiler=g++ "${link[@]}" \
+    --fleetctl=/usr/local/bin/fleetctl --virtual-device=/usr/local/bin/virtual-device \
+    docs/getting-started.md
+./dev uninstall /usr/local
+left=$(find /usr/local -type f -o -iname '*fleetkit*')
+[ -z "$left" ] || { printf 'left behind: %s\n' "$left"; exit 1; }
+END
+}
+
 say "what the library shows"
 python3 -B "$here/check_library.py" "$build/generated/exported-records.txt" \
     "$build/src/libFleetKit.so" "$build/src/libFleetKitQt.so"
 test_installed_tree
 test_packages
+test_first_page
 say "installed tree and packages are as they should be"
