@@ -79,7 +79,7 @@ struct tagOSDUserParamList;
 // - Success (0): the device has done it.
 // - Failed (-1): the handle names no session, or no longer does; nothing was sent.
 // - NoTransport (-4): the session was closed while the call was under way.
-// - SendFailed (-210), SendTimedOut (-211): the request could not be sent within 3 s.
+// - SendFailed (-210): the request could not be sent, or not all of it within 3 s.
 // - ReceiveFailed (-212): the connection broke. ReceiveTimedOut (-213): no answer within 5 s.
 // - HeadRefused (-402): what came is not this protocol; the session stays so, log in again.
 // - NoMemory (-2): an answer of more than 256 MiB, or no memory for it.
@@ -104,6 +104,13 @@ struct tagOSDUserParamList;
 // After three failures in a row it is dropped, and its handle is gone: the next call gives Failed.
 //
 // A handle is a small positive number and never used again while the process lives.
+//
+// # Standard output
+//
+// The log goes to standard output and is silent until `fleetkit::setLogFilter` says otherwise. Some
+// lines belong to no threshold and cannot be silenced: a device that leaves out a field that it
+// should have sent makes the reader of the record say so on standard output. A program whose
+// standard output is data gives the library another descriptor 1, as `fleetctl` does.
 //
 // # Exceptions
 //
@@ -184,9 +191,8 @@ public:
     // prove that a device was there. A device that two adapters reach gets the command twice.
     // Otherwise the code of the last adapter: Failed (-1) when the machine has no adapter,
     // SocketOpenFailed (-202), CipherFailed (-663), EncodeFailed (-234), SendFailed (-210),
-    // SendTimedOut (-211), ReceiveFailed (-212), DecodeFailed (-233), BadReply (-501) after four
-    // answers to something else. Two calls at once see each other's answers and sort them out as
-    // strays.
+    // ReceiveFailed (-212), DecodeFailed (-233), BadReply (-501) after four answers to something
+    // else. Two calls at once see each other's answers and sort them out as strays.
     //
     //     FleetKit::setDeviceHostNetwork(QString("IPC-0042"), network, user);
     static int setDeviceHostNetwork(const QString& deviceId, HostNetwork& network, User& user);
