@@ -5,7 +5,7 @@ import unittest
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[2]
-DOCUMENTS = [ROOT / "README.md", *sorted((ROOT / "docs").glob("*.md"))]
+DOCUMENTS = [*sorted(ROOT.glob("*.md")), *sorted((ROOT / "docs").glob("*.md"))]
 
 
 def read(name):
@@ -65,6 +65,14 @@ class Structures(unittest.TestCase):
             self.assertEqual(capacities[name], count, msg=outer)
             expected = sizes.get(outer.strip("`"), 4 + int(count) * sizes[inner])
             self.assertEqual(int(size), expected, msg=outer)
+
+
+class Pictures(unittest.TestCase):
+    def test_all_have_one_look(self):
+        pictures = sorted((ROOT / "docs/pictures").glob("*.svg"))
+        styles = {re.search("<style>.*?</defs>", path.read_text(encoding="utf-8"), re.S)[0]
+                  for path in pictures}
+        self.assertEqual(len(styles), 1, msg=pictures)
 
 
 class Links(unittest.TestCase):
