@@ -2,14 +2,14 @@
 
 import json
 import re
-import shutil
 from html import escape
 from pathlib import Path
 
+from page import page
 from schema import ACKNOWLEDGEMENT, capital
 from vocabulary import ACKNOWLEDGING_RECORD, MARK, Vocabulary
 
-HERE = Path(__file__).resolve().parent
+ROOT = "../"  # of the documentation, from these pages
 # Facts of a command, a column each.
 COMMAND_COLUMNS = {"command": "Request", "reply": "Reply", "group": "Group",
                    "operation": "Operation", "carries": "Request carries",
@@ -87,7 +87,7 @@ class Reference:
         contents = "".join(f'<li><a href="#{r.name}">{r.name}</a></li>\n' for r in records)
         return page(title, f'<h1>{escape(title)}</h1>\n<p class="lead">{escape(lead)}</p>\n'
                     f'<ul class="contents">\n{contents}</ul>\n'
-                    + "".join(self.article(record) for record in records))
+                    + "".join(self.article(record) for record in records), ROOT)
 
     # Commands
 
@@ -113,7 +113,7 @@ are those of the class <code>FleetKit</code> that send the command.</p>
 <div class="scroll"><table><thead><tr>{titles}</tr></thead>
 <tbody>
 {"".join(self.command_rows())}</tbody></table></div>
-""")
+""", ROOT)
 
     # Index and search
 
@@ -122,7 +122,7 @@ are those of the class <code>FleetKit</code> that send the command.</p>
         families = "".join(self.family_item(family) for family in self.families())
         return page("Records and commands", INDEX.format(
             records=len(records), domains=len(self.schema.domains),
-            commands=len(self.schema.commands), families=families))
+            commands=len(self.schema.commands), families=families), ROOT)
 
     def families(self):
         names = {record.family for record in self.schema.records.values()}
@@ -170,28 +170,6 @@ def title_of(schema, family):
     return title, lead[:1].upper() + lead[1:]
 
 
-def page(title, body):
-    return f"""<!DOCTYPE html>
-<html lang="en">
-<head>
-<meta charset="utf-8">
-<meta name="viewport" content="width=device-width, initial-scale=1">
-<title>{escape(title)} - FleetKit reference</title>
-<link rel="stylesheet" href="reference.css">
-<script src="search-index.js" defer></script>
-<script src="reference.js" defer></script>
-</head>
-<body>
-<header><a href="index.html">FleetKit reference</a> <a href="commands.html">Commands</a>
-<div class="search"><input type="search" placeholder="Search records, fields, ids"
-aria-label="Search records, fields, ids"><ol></ol></div></header>
-<main>
-{body}</main>
-</body>
-</html>
-"""
-
-
 INDEX = """<h1>Records and commands</h1>
 <p class="lead">What devices and this library say to each other: {records} records, {domains} of
 which may stand at the top of a command's body, and <a href="commands.html">{commands}
@@ -235,8 +213,6 @@ def write_reference(schema, out):
     out.mkdir(parents=True, exist_ok=True)
     for name, text in Reference(schema).pages().items():
         (out / name).write_text(text, encoding="utf-8")
-    for name in ("reference.css", "reference.js"):
-        shutil.copyfile(HERE / name, out / name)
 
 
 def write_examples(schema, path):

@@ -1,4 +1,4 @@
-"""Hands a file to Doxygen: the headers' plain comments as documentation, pages as they are.
+"""Hands a header to Doxygen, with its plain comments as documentation.
 
     doxygen_filter.py FILE
 
@@ -14,7 +14,6 @@ from pathlib import Path
 HEADING = re.compile(r"^(\s*)// ---- (.*)$")
 COMMENT = re.compile(r"^(\s*)//(?!/)( ?.*)$")
 TRAILING = re.compile(r"^(\s*[^\s/].*[;,{]\s*)//(?!/) ?(.*)$")
-OUTPUT = re.compile(r"^```(output|schema)$")
 
 
 def documented(lines):
@@ -43,10 +42,7 @@ def documented(lines):
 def main():
     path = Path(sys.argv[1])
     lines = path.read_text(encoding="utf-8").splitlines()
-    if path.suffix == ".md":
-        print("\n".join("```" if OUTPUT.match(line) else line for line in lines))
-    else:
-        print("\n".join(documented(lines)))
+    print("\n".join(documented(lines)))
 
 
 if __name__ == "__main__":
