@@ -32,7 +32,8 @@ def command_ids(schema):
             if command.response not in (ACKNOWLEDGEMENT, command.request):
                 ids[function.name + "Reply"] = command.response
     rows = "".join(f"constexpr std::uint32_t {name} = {number};\n" for name, number in ids.items())
-    return ("// The ids of the commands that the functions of these names send, and of their replies.\n"
+    return ("// The ids of the commands that the functions of these names send, and of their "
+            "replies.\n"
             "#pragma once\n\n#include <cstdint>\n\nnamespace fleetkit {\nnamespace CommandId {\n\n"
             f"{rows}\n}}  // namespace CommandId\n}}  // namespace fleetkit\n")
 
@@ -207,7 +208,8 @@ def plain_functions(schema):
         rows.append(f'    visitor.{kind}("{function.name}", fleetkit::CommandId::{function.name}, '
                     f"FleetKit::{function.name});\n")
     records = {record_of(command) for _, command in generated_functions(schema)} - {None}
-    return ("// Hands each generated function to a visitor: name, command, function.\n#pragma once\n\n"
+    return ("// Hands each generated function to a visitor: name, command, function.\n"
+            "#pragma once\n\n"
             '#include "device/FleetKit.h"\n' + includes_of(schema, records)
             + '#include "protocol/CommandIds.h"\n\ntemplate <class Visitor>\n'
             "void visitPlainFunctions(Visitor& visitor) {\n" + "".join(rows) + "}\n")

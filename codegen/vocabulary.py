@@ -249,7 +249,7 @@ def command_entry(vocabulary, command):
     facts = vocabulary.command_facts(command)
     names = [str(command.request)] + [one.name for one in command.functions]
     return names, present({**{key: plain(value) for key, value in facts.items()},
-                                            "notes": command.comment})
+                           "notes": command.comment})
 
 
 def entry_row(names, told):

@@ -139,7 +139,8 @@ Length="3" Picture="AQID" Secret="text">
         cells = {int(number): [text(cell) for cell in re.findall(r"<td>(.*?)</td>", row)]
                  for number, row in rows}
         self.assertEqual(cells[70], ["70", "71", "7", "read", "DoorKeeper",
-                                     "EtResult , list of DoorParam", "72", "openDoors", "all at once"])
+                                     "EtResult , list of DoorParam", "72", "openDoors",
+                                     "all at once"])
         self.assertEqual(cells[72], ["72", "10000", "7", "write", "list of DoorParam", "EtResult",
                                      "70", "", ""])
 

@@ -3,8 +3,8 @@
 usage: check_library.py EXPORTED-RECORDS LIBRARY...
 
 Every dynamic symbol has to belong to a function of exported-functions.txt (beside this file), to
-one of facade-functions.txt (beside EXPORTED-RECORDS) or to an exported record, and each of these has
-to be there. EXPORTED-RECORDS is the generator's list of the records' headers.
+one of facade-functions.txt (beside EXPORTED-RECORDS) or to an exported record, and each of these
+has to be there. EXPORTED-RECORDS is the generator's list of the records' headers.
 """
 
 import re

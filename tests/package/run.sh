@@ -140,8 +140,7 @@ mount --bind "$2/local" /usr/local
 mount -t tmpfs tmpfs /var/cache/ldconfig
 ./dev install /usr/local
 link=()
-for word in $(pkg-config --cflags --libs fleetkit \
-        "Qt$(pkg-config --variable=qt_version_major fleetkit)Core"); do
+for word in $(pkg-config --cflags --libs fleetkit); do
     link+=("--link=$word")
 done
 python3 -B tests/docs/run_examples.py --compiler=g++ "${link[@]}" \
