@@ -2,11 +2,13 @@
 
 import json
 import re
+from collections.abc import Iterator
 from html import escape
 from pathlib import Path
+from typing import Any
 
 from page import page
-from schema import ACKNOWLEDGEMENT, capital
+from schema import ACKNOWLEDGEMENT, Record, Schema, capital
 from vocabulary import ACKNOWLEDGING_RECORD, MARK, Vocabulary
 
 ROOT = "../"  # of the documentation, from these pages
@@ -17,7 +19,7 @@ COMMAND_COLUMNS = {"command": "Request", "reply": "Reply", "group": "Group",
                    "sentBy": "Functions"}
 
 
-def title_of_fact(key):
+def title_of_fact(key: str) -> str:
     """nestedIn is Nested in."""
     return capital(re.sub("[A-Z]", lambda letter: " " + letter[0].lower(), key))
 
@@ -25,25 +27,25 @@ def title_of_fact(key):
 class Reference:
     """The pages."""
 
-    def __init__(self, schema):
+    def __init__(self, schema: Schema) -> None:
         self.schema = schema
         self.vocabulary = Vocabulary(schema)
 
     # Small pieces
 
-    def link(self, name):
+    def link(self, name: str) -> str:
         if name.isdigit():
             return f'<a href="commands.html#c{name}">{name}</a>'
         return f'<a href="{self.schema.records[name].family}.html#{name}">{name}</a>'
 
-    def markup(self, fact):
+    def markup(self, fact: str | list[str]) -> str:
         """A fact as the pages show it."""
         if isinstance(fact, list):
             return ", ".join(self.markup(one) for one in fact)
         return MARK.sub(lambda mark: self.link(mark[2]) if mark[2] else f"<code>{mark[1]}</code>",
                         escape(str(fact), quote=False))
 
-    def field_row(self, field):
+    def field_row(self, field: dict[str, Any]) -> str:
         words = "".join(f"<code>{escape(line)}</code>" for line in field["printed"])
         extra = "".join(f'<span class="note">{escape(note)}</span>' for note in field["notes"])
         mark = ' class="inherited"' if "inheritedFrom" in field else ""
@@ -51,7 +53,7 @@ class Reference:
                 f"<td>{self.markup(field['type'])}</td><td>{escape(field['default'])}</td>"
                 f"<td>{escape(field['absent'])}</td><td class=\"words\">{words}</td></tr>\n")
 
-    def field_table(self, record):
+    def field_table(self, record: Record) -> str:
         rows = [self.field_row(field) for field in self.vocabulary.fields(record)]
         if not rows:
             return "<p>It has no fields.</p>\n"
@@ -61,12 +63,12 @@ class Reference:
 
     # Records
 
-    def facts(self, record):
+    def facts(self, record: Record) -> str:
         items = "".join(f"<dt>{title_of_fact(key)}</dt><dd>{self.markup(fact)}</dd>\n"
                         for key, fact in self.vocabulary.facts(record).items())
         return f"<dl>\n{items}</dl>\n" if items else ""
 
-    def article(self, record):
+    def article(self, record: Record) -> str:
         kind = "element" if record.is_element else "record"
         comment = f"<p>{escape(capital(record.comment))}</p>\n" if record.comment else ""
         absent = ""
@@ -78,10 +80,10 @@ class Reference:
                 f"{self.field_table(record)}"
                 f"<details><summary>Example</summary><pre>{example}</pre></details>\n</article>\n")
 
-    def records_of(self, family):
+    def records_of(self, family: str) -> list[Record]:
         return [r for r in self.schema.records.values() if r.family == family]
 
-    def family_page(self, family):
+    def family_page(self, family: str) -> str:
         title, lead = title_of(self.schema, family)
         records = self.records_of(family)
         contents = "".join(f'<li><a href="#{r.name}">{r.name}</a></li>\n' for r in records)
@@ -91,7 +93,7 @@ class Reference:
 
     # Commands
 
-    def command_rows(self):
+    def command_rows(self) -> Iterator[str]:
         seen = set()
         for command in self.schema.commands:
             anchor = "" if command.request in seen else f' id="c{command.request}"'
@@ -100,7 +102,7 @@ class Reference:
             cells = "".join(f"<td>{self.markup(facts[key])}</td>" for key in COMMAND_COLUMNS)
             yield f"<tr{anchor}>{cells}<td>{escape(command.comment)}</td></tr>\n"
 
-    def commands_page(self):
+    def commands_page(self) -> str:
         titles = "".join(f"<th>{title}</th>" for title in (*COMMAND_COLUMNS.values(), "Notes"))
         return page("Commands", f"""<h1>Commands</h1>
 <p class="lead">The {len(self.schema.commands)} commands of the catalogue, in its order: a look-up
@@ -117,24 +119,24 @@ are those of the class <code>FleetKit</code> that send the command.</p>
 
     # Index and search
 
-    def index_page(self):
+    def index_page(self) -> str:
         records = [r for r in self.schema.records.values() if not r.is_element]
         families = "".join(self.family_item(family) for family in self.families())
         return page("Records and commands", INDEX.format(
             records=len(records), domains=len(self.schema.domains),
             commands=len(self.schema.commands), families=families), ROOT)
 
-    def families(self):
+    def families(self) -> list[str]:
         names = {record.family for record in self.schema.records.values()}
         return sorted(names, key=lambda family: title_of(self.schema, family)[0])
 
-    def family_item(self, family):
+    def family_item(self, family: str) -> str:
         title, lead = title_of(self.schema, family)
         count = sum(not record.is_element for record in self.records_of(family))
         return (f'<dt><a href="{family}.html">{escape(title)}</a></dt>'
                 f"<dd>{escape(lead)} <span class=\"kind\">{count} records</span></dd>\n")
 
-    def search_index(self):
+    def search_index(self) -> str:
         entries = []
         for record in self.schema.records.values():
             domain = self.vocabulary.domains.get(record.name)
@@ -153,7 +155,7 @@ are those of the class <code>FleetKit</code> that send the command.</p>
         lines = ",\n".join(json.dumps(entry, ensure_ascii=False) for entry in entries)
         return f"const searchIndex = [\n{lines}\n];\n"
 
-    def pages(self):
+    def pages(self) -> dict[str, str]:
         result = {"index.html": self.index_page(), "commands.html": self.commands_page(),
                   "search-index.js": self.search_index()}
         for family in self.families():
@@ -161,7 +163,7 @@ are those of the class <code>FleetKit</code> that send the command.</p>
         return result
 
 
-def title_of(schema, family):
+def title_of(schema: Schema, family: str) -> tuple[str, str]:
     """The opening of a schema file: its title, and what it says behind the colon."""
     text = schema.families[family]
     title, colon, lead = text.partition(": ")
@@ -208,14 +210,13 @@ left out, and <code>createDomainXmlNode NAME failed \\n</code> is printed.</li>
 """
 
 
-def write_reference(schema, out):
-    out = Path(out)
-    out.mkdir(parents=True, exist_ok=True)
+def write_reference(schema: Schema, out: str) -> None:
+    Path(out).mkdir(parents=True, exist_ok=True)
     for name, text in Reference(schema).pages().items():
-        (out / name).write_text(text, encoding="utf-8")
+        Path(out, name).write_text(text, encoding="utf-8")
 
 
-def write_examples(schema, path):
+def write_examples(schema: Schema, path: str) -> None:
     """An example of each record that may stand in a body: its class name, then the element."""
     vocabulary = Vocabulary(schema)
     text = "".join(f"{name}\n{vocabulary.example(schema.records[name])}\n"

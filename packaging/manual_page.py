@@ -14,17 +14,18 @@ from pathlib import Path
 
 # "  --name VALUE   what it does": two blanks, what is listed, two blanks or more, its meaning.
 ENTRY = re.compile(r"  (\S.*?)(?:\s{2,}(\S.*))?$")
+Section = tuple[str, list[str]]  # its title and its lines
 
 
-def escape(text):
+def escape(text: str) -> str:
     text = text.replace("\\", "\\e").replace("-", "\\-").replace("`", "\\(ga").replace("'", "\\(aq")
     return "\\&" + text if text.startswith(".") else text
 
 
-def split_help(text):
+def split_help(text: str) -> tuple[list[str], str, list[Section]]:
     """The paragraphs before the usage line, the usage, and the sections as (title, lines)."""
     lead, usage = [], ""
-    sections: list[tuple[str, list[str]]] = []
+    sections: list[Section] = []
     for line in text.rstrip().splitlines():
         if line.startswith("Usage:"):
             usage = line.removeprefix("Usage:").strip()
@@ -37,7 +38,7 @@ def split_help(text):
     return lead, usage, sections
 
 
-def prose(lines):
+def prose(lines: list[str]) -> str:
     """Paragraphs; indented lines keep their form."""
     out, verbatim = [], False
     for line in lines:
@@ -53,7 +54,7 @@ def prose(lines):
     return "\n".join(out) + "\n"
 
 
-def entries(lines):
+def entries(lines: list[str]) -> str:
     """A list of options or names as tagged paragraphs."""
     out = []
     for line in lines:
@@ -67,22 +68,22 @@ def entries(lines):
     return "\n".join(out) + "\n"
 
 
-def names(lines):
+def names(lines: list[str]) -> list[str]:
     return [entry[1].split()[0] for entry in map(ENTRY.match, lines)
             if entry and not entry[0].startswith("   ")]
 
 
 class Program:
-    def __init__(self, path):
+    def __init__(self, path: str) -> None:
         self.path = path
         self.name = Path(path).name
 
-    def run(self, *arguments):
+    def run(self, *arguments: str) -> str:
         return subprocess.run([self.name, *arguments], executable=self.path, check=True, text=True,
                               stdout=subprocess.PIPE, timeout=60).stdout
 
 
-def verb_sections(program, verbs):
+def verb_sections(program: Program, verbs: list[str]) -> str:
     out = ".SH VERBS\n"
     for verb in verbs:
         lead, usage, sections = split_help(program.run(verb, "--help"))
@@ -94,7 +95,7 @@ def verb_sections(program, verbs):
     return out
 
 
-def topic_sections(program, lines):
+def topic_sections(program: Program, lines: list[str]) -> str:
     out = ""
     for topic in names(lines):
         title = topic.replace("-", " ").upper()
@@ -102,7 +103,7 @@ def topic_sections(program, lines):
     return out
 
 
-def page(program, version):
+def page(program: Program, version: str) -> str:
     text = program.run("--help")
     lead, usage, sections = split_help(text)
     summary = " ".join(lead).split(":")[0].split(".")[0]
@@ -123,7 +124,7 @@ def page(program, version):
     return out
 
 
-def main():
+def main() -> None:
     path, version, target = sys.argv[1:]
     Path(target).parent.mkdir(parents=True, exist_ok=True)
     # A fixed time makes the same page from the same help.

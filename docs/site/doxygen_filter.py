@@ -9,6 +9,7 @@ the heading of a group of members.
 
 import re
 import sys
+from collections.abc import Iterator
 from pathlib import Path
 
 HEADING = re.compile(r"^(\s*)// ---- (.*)$")
@@ -16,7 +17,7 @@ COMMENT = re.compile(r"^(\s*)//(?!/)( ?.*)$")
 TRAILING = re.compile(r"^(\s*[^\s/].*[;,{]\s*)//(?!/) ?(.*)$")
 
 
-def documented(lines):
+def documented(lines: list[str]) -> Iterator[str]:
     in_group = opens_group = False
     yield "/// @file"
     for line in lines:
@@ -39,7 +40,7 @@ def documented(lines):
             yield f"{trailing[1]}///< {trailing[2]}" if trailing else line
 
 
-def main():
+def main() -> None:
     path = Path(sys.argv[1])
     lines = path.read_text(encoding="utf-8").splitlines()
     print("\n".join(documented(lines)))

@@ -158,7 +158,8 @@ def main() -> int:
     for name in ("header.html", "footer.html", "library.tag"):
         (out / name).unlink()
     problems = check_links(out)
-    print("\n".join(f"leads nowhere: {problem}" for problem in problems), end="")
+    for problem in problems:
+        print(f"leads nowhere: {problem}", file=sys.stderr)
     return 1 if problems else 0
 
 

@@ -38,6 +38,7 @@ expect() {
 
 # start_device PREFIX: its port is in $port, its password is "secret".
 start_device() {
+    : >"$scratch/listening"
     VIRTUAL_DEVICE_PASSWORD=secret "$1/bin/virtual-device" --port 0 --seconds 300 \
         >"$scratch/listening" &
     device=$!
