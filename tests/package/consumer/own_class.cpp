@@ -1,4 +1,5 @@
-// Has a class of the name of a record, of which the library is to know nothing: own_class PORT PASSWORD
+// Has a class of the name of a record, of which the library is to know nothing: own_class PORT
+// PASSWORD
 #include <fleetkit/TarnStruct.h>
 
 #include <cstdio>

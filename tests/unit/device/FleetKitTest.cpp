@@ -223,7 +223,8 @@ struct TypedFunctions {
     Records vecAnswers;
 
     template <class Target>
-    void add(int (*function)(Handle, const int&, int, Target&), bool bOfCameras, bool bOfRecorders) {
+    void add(int (*function)(Handle, const int&, int, Target&), bool bOfCameras,
+             bool bOfRecorders) {
         vecRows.push_back({[=, target = Target()](Handle handle, int nType) mutable {
                                return function(handle, nType, 2, target);
                            },
