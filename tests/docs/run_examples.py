@@ -21,7 +21,7 @@ PORT = "31000"
 DEVICE = ["--port", PORT, "--user", "admin", "--password", "secret"]
 SECONDS = 60
 # These programs use the library from inside; another test builds them.
-INSIDE = {"adding-a-record.md"}
+INSIDE = {"adding-a-record.md", "adding-an-operation.md"}
 
 FRAME = """\
 #include <cstdio>
