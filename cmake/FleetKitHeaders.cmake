@@ -4,13 +4,14 @@ set(FLEETKIT_STAGED_INCLUDE "${PROJECT_BINARY_DIR}/include")
 
 set(public_headers
   device/FleetKit.h device/StructConversions.h device/TarnStruct.h device/TextFunctions.h
-  Product/Technic/ErrorCode.h Product/Technic/Export.h Product/Technic/IPTool.h
+  Product/Technic/Export.h Product/Technic/IPTool.h
   Product/Technic/LogThreshold.h
   domain/BaseDomain.h domain/DomainContainer.h domain/DomainVectorContainer.h
   domain/RecordDescriptor.h protocol/CommandCatalogue.h)
 list(TRANSFORM public_headers PREPEND "${PROJECT_SOURCE_DIR}/src/")
 file(STRINGS "${FLEETKIT_GENERATED}/exported-records.txt" record_headers)
-set(generated_headers ${record_headers} device/DeviceType.h protocol/CommandIds.h)
+set(generated_headers ${record_headers}
+  Product/Technic/ErrorCode.h device/DeviceType.h protocol/CommandIds.h)
 list(TRANSFORM generated_headers PREPEND "${FLEETKIT_GENERATED}/")
 
 set(staging_list "")

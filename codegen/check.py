@@ -281,6 +281,14 @@ def check_functions(schema):
             raise SchemaError(place, f"the uses of {name} differ in their options")
 
 
+def check_codes(schema):
+    numbers, names = {}, {}
+    for code in schema.codes:
+        for seen, what in ((numbers, code.number), (names, code.name)):
+            if seen.setdefault(what, code) is not code:
+                raise SchemaError(code.place, f"{what} stands already at {seen[what].place}")
+
+
 def check_schema(schema):
     for record in schema.records.values():
         check_record(schema, record)
@@ -290,6 +298,7 @@ def check_schema(schema):
     check_domains(schema)
     check_commands(schema)
     check_functions(schema)
+    check_codes(schema)
     for name, place in schema.exported:
         if name not in schema.records:
             raise SchemaError(place, f"no such record: {name}")

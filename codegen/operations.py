@@ -1,4 +1,4 @@
-"""Writes what is made of the commands and of the functions that send them."""
+"""Writes what is made of the codes, the commands and the functions that send them."""
 
 from schema import ACKNOWLEDGEMENT, capital
 
@@ -19,6 +19,51 @@ def generated_functions(schema):
 def includes_of(schema, types):
     return "".join(f'#include "{name}"\n'
                    for name in sorted({schema.records[one].header for one in types}))
+
+
+# Codes
+
+def error_codes(schema):
+    width = max((len(f"{code.name} = {code.number},") for code in schema.codes), default=0)
+    rows = "".join(f"    {f'{code.name} = {code.number},':<{width}}  // {code.meaning}\n"
+                   for code in schema.codes)
+    return f"""// Every result code of this library, by name, with its meaning.
+//
+// An operation returns 0 for success, a negative code of this list, or the number that the device
+// itself put into its answer, passed on unchanged.
+#pragma once
+
+#include "Product/Technic/Export.h"
+
+namespace fleetkit {{
+
+namespace ErrorCode {{
+
+enum Value : int {{
+{rows}}};
+
+}}  // namespace ErrorCode
+
+// One line of English for a code of this library; for any other number the text says that it is
+// the device's own. Never null, never to be freed; callable from any thread.
+FLEETKIT_EXPORT const char* errorMeaning(int nCode) noexcept;
+
+}}  // namespace fleetkit
+"""
+
+
+def error_meanings(schema):
+    cases = "".join(f"        case ErrorCode::{code.name}:\n"
+                    f'            return "{code.meaning}";\n' for code in schema.codes)
+    return f"""#include "Product/Technic/ErrorCode.h"
+
+const char* fleetkit::errorMeaning(int nCode) noexcept {{
+    switch (nCode) {{
+{cases}        default:
+            return "the device's own result code";
+    }}
+}}
+"""
 
 
 # Ids
@@ -217,8 +262,10 @@ def plain_functions(schema):
 
 def files_of_operations(schema, generated_by):
     """The generated files by their paths."""
-    written = generated_by("commands.schema")
+    written, codes = generated_by("commands.schema"), generated_by("codes.schema")
     return {
+        "Product/Technic/ErrorCode.h": codes + error_codes(schema),
+        "Product/Technic/ErrorCode.cpp": codes + error_meanings(schema),
         "protocol/CommandIds.h": written + command_ids(schema),
         "protocol/CommandTable.cpp": written + command_table(schema),
         "device/DeviceType.h": written + device_types(schema),

@@ -136,6 +136,15 @@ class Command:
 
 
 @dataclass
+class Code:
+    """A result code of the library."""
+    number: int
+    name: str
+    meaning: str
+    place: str
+
+
+@dataclass
 class Schema:
     records: dict = field(default_factory=dict)
     families: dict = field(default_factory=dict)  # name -> the comment that opens the file
@@ -144,6 +153,7 @@ class Schema:
     functions: list = field(default_factory=list)  # those that send no command
     device_types: dict = field(default_factory=dict)  # of DEVICE_TYPES -> its numbers
     exported: list = field(default_factory=list)  # (class name, place)
+    codes: list = field(default_factory=list)
 
     def sending(self):
         """Each function with its command, which is None where there is none."""
@@ -373,6 +383,14 @@ def parse_use(words, verb):
     return result
 
 
+def parse_code(words):
+    number = words.take("the code")
+    if not re.fullmatch(r"0|-[0-9]+", number):
+        raise SchemaError(words.place, f"a code is 0 or less: {number}")
+    return Code(int(number), words.take_name("the name of a code"),
+                words.take_text("the meaning of a code"), words.place)
+
+
 def parse_device_type(words):
     name = words.take("a device type")
     if name not in DEVICE_TYPES:
@@ -457,6 +475,9 @@ def read_file(schema, path):
             schema.commands.append(current)
         elif keyword == "function":
             schema.functions.append(parse_function(words))
+        elif keyword == "code":
+            schema.codes.append(parse_code(words))
+            words.end()
         elif keyword == "device-type":
             name, numbers = parse_device_type(words)
             if name in schema.device_types:

@@ -1,10 +1,16 @@
 """The tables of the documentation say what the headers say, and its links lead somewhere."""
 
 import re
+import sys
 import unittest
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[2]
+sys.path.insert(0, str(ROOT / "codegen"))
+
+from schema import read_schema
+
+SCHEMA = read_schema(ROOT / "schema")
 DOCUMENTS = [*sorted(ROOT.glob("*.md")), *sorted((ROOT / "docs").glob("*.md"))]
 
 
@@ -20,14 +26,23 @@ def rows_of(text):
 
 class ErrorCodes(unittest.TestCase):
     def test_the_table_is_that_of_the_library(self):
-        codes = re.findall(r"^    (\w+) = (-?\d+),", read("src/Product/Technic/ErrorCode.h"), re.M)
-        meanings = dict(re.findall(r'case ErrorCode::(\w+):\s+return "([^"]*)";',
-                                   read("src/Product/Technic/ErrorCode.cpp")))
-        expected = [(code, f"`{name}`", meanings[name]) for name, code in codes]
-        self.assertGreater(len(expected), 20)
+        expected = [(str(code.number), f"`{code.name}`", code.meaning) for code in SCHEMA.codes]
         rows = [tuple(row[:3]) for row in rows_of(read("docs/error-codes.md"))
                 if re.fullmatch(r"-?\d+", row[0])]
         self.assertEqual(rows, expected)
+
+    def test_the_header_tells_them_by_their_numbers(self):
+        told = re.findall(r"\b([A-Z]\w+) \((-?\d+)\)", read("src/device/FleetKit.h"))
+        self.assertGreater(len(told), 20)
+        self.assertLessEqual(set(told), {(code.name, str(code.number)) for code in SCHEMA.codes})
+
+
+class DeviceTypes(unittest.TestCase):
+    def test_the_header_tells_their_numbers(self):
+        told = re.search(r"`deviceType` is (.*?) for an IP camera, (.*?) for a recorder",
+                         re.sub(r"\s*//\s*", " ", read("src/device/FleetKit.h")))
+        numbers = [[int(number) for number in re.findall(r"\d+", part)] for part in told.groups()]
+        self.assertEqual(numbers, list(SCHEMA.device_types.values()))
 
 
 class Structures(unittest.TestCase):
