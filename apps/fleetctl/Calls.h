@@ -98,17 +98,17 @@ Value makeValue() {
 // The row of a name; a function that is null is not there.
 template <auto Get, auto Set>
 Property property(const char* szName, const char* szSummary, unsigned nUses, unsigned nNeeds) {
-    constexpr bool bGets = !std::is_null_pointer_v<decltype(Get)>;
-    constexpr bool bSets = !std::is_null_pointer_v<decltype(Set)>;
+    constexpr bool Gets = !std::is_null_pointer_v<decltype(Get)>;
+    constexpr bool Sets = !std::is_null_pointer_v<decltype(Set)>;
     using Target =
-        typename LastParameter<std::conditional_t<bGets, decltype(Get), decltype(Set)>>::Type;
+        typename LastParameter<std::conditional_t<Gets, decltype(Get), decltype(Set)>>::Type;
     Property row{szName, szSummary, &makeValue<Target>, nullptr, nullptr, nUses, nNeeds};
-    if constexpr (bGets) {
+    if constexpr (Gets) {
         row.get = [](const Call& call, void* pObject) {
             return callGet(Get, call, *static_cast<Target*>(pObject));
         };
     }
-    if constexpr (bSets) {
+    if constexpr (Sets) {
         row.set = [](const Call& call, const void* pObject) {
             return callSet(Set, call, *static_cast<const Target*>(pObject));
         };

@@ -61,9 +61,9 @@ void clearScalar(FieldKind nKind, void* pMember) {
 
 // The whole part of a number; what an int cannot hold becomes its lowest value.
 int truncated(float fValue) noexcept {
-    constexpr float fLimit = 2147483648.0F;
-    return fValue >= -fLimit && fValue < fLimit ? static_cast<int>(fValue)
-                                                : std::numeric_limits<int>::min();
+    constexpr float Limit = 2147483648.0F;
+    return fValue >= -Limit && fValue < Limit ? static_cast<int>(fValue)
+                                              : std::numeric_limits<int>::min();
 }
 
 void readScalar(const FieldDescriptor& field, const char* szText, void* pMember) {
