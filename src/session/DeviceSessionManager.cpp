@@ -1,7 +1,6 @@
 // When a session gets its keep-alive, and when it is given up.
 #include "session/DeviceSessionManager.h"
 
-#include <algorithm>
 #include <exception>
 #include <memory>
 
@@ -20,9 +19,7 @@ namespace {
 constexpr std::uint32_t KeepAliveSeconds = 60;
 constexpr std::int32_t MostFailures = 3;
 
-constexpr std::uint64_t ScanPauseMs = 3000;
-// The longest that the end of the process has to wait for a pause.
-constexpr std::uint64_t PauseStepMs = 50;
+constexpr std::uint32_t ScanPauseMs = 3000;
 
 // Seconds since the start of the machine, from its 32-bit tick.
 std::uint32_t secondsNow() {
@@ -59,7 +56,7 @@ DeviceSessionManager::DeviceSessionManager()
       m_nNow(secondsNow()) {}
 
 DeviceSessionManager::~DeviceSessionManager() noexcept {
-    m_bEnding = true;
+    m_ending.request_stop();
     if (m_pThread->isRunning()) {
         m_pThread->stop();
     }
@@ -109,7 +106,8 @@ void DeviceSessionManager::scanSessions(std::uint32_t nNow,
 
 int DeviceSessionManager::heartBeat() {
     if (m_pending.empty()) {
-        if (pause()) {
+        currentClock().sleepMs(ScanPauseMs, m_ending.get_token());
+        if (!m_ending.stop_requested()) {
             m_nNow = secondsNow();
             // Without room the rest is found by the next scan.
             guardRoom([this] {
@@ -124,19 +122,6 @@ int DeviceSessionManager::heartBeat() {
     session->setLastHeartbeat(m_nNow);
     m_pending.pop_front();
     return 0;
-}
-
-// Lets the time between two scans pass; false when the manager's end cut it short.
-bool DeviceSessionManager::pause() {
-    IClock& clock = currentClock();
-    const std::uint64_t nEnd = clock.monotonicMs() + ScanPauseMs;
-    for (std::uint64_t nNow = clock.monotonicMs(); nNow < nEnd; nNow = clock.monotonicMs()) {
-        if (m_bEnding) {
-            return false;
-        }
-        clock.sleepMs(static_cast<std::uint32_t>(std::min(PauseStepMs, nEnd - nNow)));
-    }
-    return !m_bEnding;
 }
 
 std::int32_t sendHeartBeat(const SafePointer<SDKSession>& session) {

@@ -1,10 +1,10 @@
 // The table of sessions by their handles, and the heartbeat that keeps them alive.
 #pragma once
 
-#include <atomic>
 #include <cstdint>
 #include <list>
 #include <map>
+#include <stop_token>
 
 #include "Product/Technic/GThread.h"
 #include "Product/Technic/KXMutex.h"
@@ -47,11 +47,9 @@ public:
     int heartBeat();
 
 private:
-    bool pause();
-
     KXMutex m_mutex;
     std::map<long, SafePointer<SDKSession>> m_sessions KX_GUARDED_BY(m_mutex);
-    std::atomic<bool> m_bEnding{false};
+    std::stop_source m_ending;
     SafePointer<GThread> m_pThread;
     std::uint32_t m_nNow;                          // of the last scan, in seconds
     std::list<SafePointer<SDKSession>> m_pending;  // due for a keep-alive since then

@@ -1,25 +1,25 @@
-// A clock that only the test moves: whoever sleeps on it stays asleep until its time has come.
+// A clock that only the test moves: a worker that pauses on it stays there until its time has come.
 #pragma once
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <chrono>
 #include <condition_variable>
 #include <cstdint>
 #include <ctime>
 #include <mutex>
+#include <stop_token>
 #include <thread>
 
 #include "Product/Technic/platform/Clock.h"
 
-// For one sleeping thread, which the test and it take turns with: advance(), then awaitSleeper().
-// Call open() before stopping that thread.
+// For one worker, which the test and it take turns with: advance(), then awaitSleeper(). Only
+// sleeps that a stop can end take time; the others, of those who wait for the worker, take none.
 class GatedClock : public IClock {
 public:
     explicit GatedClock(std::uint64_t nStartMs) : m_nNowMs(nStartMs) {}
 
-    // Waits until somebody sleeps to a moment that has not come yet.
+    // Waits until the worker sleeps to a moment that has not come yet.
     void awaitSleeper() {
         std::unique_lock lock(m_mutex);
         if (!m_changed.wait_for(lock, std::chrono::seconds(60),
@@ -34,18 +34,6 @@ public:
         m_changed.notify_all();
     }
 
-    // From now on sleeping takes no time.
-    void open() {
-        const std::lock_guard guard(m_mutex);
-        m_bOpen = true;
-        m_changed.notify_all();
-    }
-
-    std::uint32_t getLongestSleepMs() {
-        const std::lock_guard guard(m_mutex);
-        return m_nLongestMs;
-    }
-
     std::uint64_t monotonicMs() override {
         const std::lock_guard guard(m_mutex);
         return m_nNowMs;
@@ -53,23 +41,21 @@ public:
 
     std::time_t calendarTime() override { return static_cast<std::time_t>(monotonicMs() / 1000); }
 
-    void sleepMs(std::uint32_t nMs) override {
+    using IClock::sleepMs;
+    void sleepMs(std::uint32_t nMs, const std::stop_token& stop) override {
+        if (!stop.stop_possible()) {
+            std::this_thread::yield();
+            return;
+        }
         std::unique_lock lock(m_mutex);
-        m_nLongestMs = std::max(m_nLongestMs, nMs);
         m_nWakeMs = m_nNowMs + nMs;
         m_changed.notify_all();
-        m_changed.wait(lock, [&] { return m_bOpen || m_nNowMs >= m_nWakeMs; });
-        if (m_bOpen) {
-            lock.unlock();
-            std::this_thread::yield();
-        }
+        m_changed.wait(lock, stop, [&] { return m_nNowMs >= m_nWakeMs; });
     }
 
 private:
     std::mutex m_mutex;
-    std::condition_variable m_changed;
+    std::condition_variable_any m_changed;
     std::uint64_t m_nNowMs;
     std::uint64_t m_nWakeMs = 0;
-    std::uint32_t m_nLongestMs = 0;
-    bool m_bOpen = false;
 };

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cstdint>
 #include <ctime>
+#include <stop_token>
 #include <thread>
 
 #include "Product/Technic/platform/Clock.h"
@@ -23,7 +24,8 @@ public:
     std::uint64_t monotonicMs() override { return m_nNowMs; }
     std::time_t calendarTime() override { return m_nCalendarOffset + toSeconds(m_nNowMs); }
 
-    void sleepMs(std::uint32_t nMs) override {
+    using IClock::sleepMs;
+    void sleepMs(std::uint32_t nMs, const std::stop_token&) override {
         m_nSleptMs += nMs;
         m_nNowMs += nMs;
         std::this_thread::yield();

@@ -38,13 +38,6 @@ public:
 
 class Heartbeat : public testing::Test {
 protected:
-    void TearDown() override { endManager(); }
-
-    void endManager() {
-        m_clock.open();
-        m_pManager.reset();
-    }
-
     void addSession(long nHandle, const SafePointer<SDKSession>& session) {
         m_pManager->addSession(nHandle, session);
         m_clock.awaitSleeper();
@@ -109,7 +102,6 @@ TEST_F(Heartbeat, GoesOutAtTheFirstScanAndThenAfterMoreThanSixtySeconds) {
     EXPECT_EQ(nRequests, 2);
     EXPECT_EQ(session->getLastHeartbeat(), 1066u);
     EXPECT_EQ(session->getHeartbeatFailures(), 0);
-    EXPECT_LE(m_clock.getLongestSleepMs(), 100u) << "somebody would wait for the end";
 }
 
 TEST_F(Heartbeat, DropsSessionsAtTheScanAfterTheThirdFailureWhateverItIs) {
@@ -183,14 +175,15 @@ TEST_F(Heartbeat, SessionThatLeftTheTableWhileItWasDueFailsOnceAndIsForgotten) {
     EXPECT_EQ(first->getLastHeartbeat(), 1066u);
 }
 
-TEST_F(Heartbeat, EndOfTheManagerClosesSessionsWithoutLogout) {
+// Nobody moves the clock any more: the end cuts the pause of the heartbeat short.
+TEST_F(Heartbeat, EndOfTheManagerClosesSessionsAtOnceWithoutLogout) {
     std::promise<bool> asked;
     ScriptedPeer peer([&](PeerLink& link) {
         PeerRequest request;
         asked.set_value(link.read(request));
     });
     addSession(1, connectTo(peer));
-    endManager();
+    m_pManager.reset();
     EXPECT_FALSE(asked.get_future().get());
 }
 

@@ -5,7 +5,8 @@
 
 #include <atomic>
 #include <chrono>
-#include <thread>
+#include <condition_variable>
+#include <mutex>
 
 namespace {
 
@@ -20,8 +21,17 @@ public:
 
     std::time_t calendarTime() override { return std::time(nullptr); }
 
-    void sleepMs(std::uint32_t nMs) override {
-        std::this_thread::sleep_for(std::chrono::milliseconds(nMs));
+    using IClock::sleepMs;
+    void sleepMs(std::uint32_t nMs, const std::stop_token& stop) override {
+        std::mutex mutex;
+        std::condition_variable stopped;
+        const std::stop_callback wake(stop, [&] {
+            const std::lock_guard guard(mutex);
+            stopped.notify_all();
+        });
+        std::unique_lock lock(mutex);
+        stopped.wait_for(lock, std::chrono::milliseconds(nMs),
+                         [&] { return stop.stop_requested(); });
     }
 };
 

@@ -3,15 +3,20 @@
 
 #include <cstdint>
 #include <ctime>
+#include <stop_token>
 
 // A source of time. Implementations are safe to use from any thread.
 class IClock {
 public:
     virtual ~IClock() = default;
 
-    virtual std::uint64_t monotonicMs() = 0;      // since some fixed moment, never going back
-    virtual std::time_t calendarTime() = 0;       // seconds since 1970, UTC
-    virtual void sleepMs(std::uint32_t nMs) = 0;  // returns when that much of this time has passed
+    virtual std::uint64_t monotonicMs() = 0;  // since some fixed moment, never going back
+    virtual std::time_t calendarTime() = 0;   // seconds since 1970, UTC
+
+    // Returns when that much of this time has passed; with a token, also as soon as a stop is
+    // requested, before the call or by another thread during it.
+    void sleepMs(std::uint32_t nMs) { sleepMs(nMs, {}); }
+    virtual void sleepMs(std::uint32_t nMs, const std::stop_token& stop) = 0;
 };
 
 // The clock that the library uses: the system's, unless a ScopedClock is alive.
