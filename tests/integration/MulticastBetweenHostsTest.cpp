@@ -4,8 +4,11 @@
 #include <gtest/gtest.h>
 
 #include <QString>
+#include <cstdlib>
 #include <string>
+#include <vector>
 
+#include "Product/Technic/AdapterList.h"
 #include "device/FleetKit.h"
 #include "domain/DeviceSummaryInfo.h"
 #include "domain/HostNetwork.h"
@@ -60,6 +63,10 @@ void besideDevice(const std::string& strOptions, const std::function<void()>& bo
 
 TEST(MulticastBetweenHosts, SetsTheDeviceThatIsNamed) {
     besideDevice("", [] {
+        ASSERT_EQ(std::system("ip addr add 10.77.0.3/24 dev near label near:1"), 0);
+        std::vector<std::string> vecAdapters;
+        getAdapterNames(vecAdapters);
+        EXPECT_THAT(vecAdapters, testing::ElementsAre("near")) << "a label is no adapter";
         EXPECT_EQ(addressOfDevice(), NeighbourAddress);
         EXPECT_EQ(setAddress(), ErrorCode::Success);
         EXPECT_EQ(addressOfDevice(), NewAddress);

@@ -9,6 +9,7 @@
 #include <array>
 #include <cstring>
 #include <memory>
+#include <string>
 
 #include "Product/Technic/platform/NameResolution.h"
 
@@ -18,12 +19,14 @@ struct ListDeleter {
     void operator()(ifaddrs* pList) const noexcept { ::freeifaddrs(pList); }
 };
 
-// The list has an interface once for itself and once for each of its addresses.
-NetworkAdapter& adapterNamed(const char* pszName, std::vector<NetworkAdapter>& vecAdapters) {
+// The list has an interface once for itself and once for each of its addresses, there under the
+// label of the address if it has one: the name, a colon, and more.
+NetworkAdapter& adapterOf(const char* pszLabel, std::vector<NetworkAdapter>& vecAdapters) {
+    const std::string strName(pszLabel, std::strcspn(pszLabel, ":"));
     const auto it =
         std::find_if(vecAdapters.begin(), vecAdapters.end(),
-                     [&](const NetworkAdapter& adapter) { return adapter.strName == pszName; });
-    return it != vecAdapters.end() ? *it : vecAdapters.emplace_back(NetworkAdapter{pszName, {}});
+                     [&](const NetworkAdapter& adapter) { return adapter.strName == strName; });
+    return it != vecAdapters.end() ? *it : vecAdapters.emplace_back(NetworkAdapter{strName, {}});
 }
 
 void appendAddress(const sockaddr& raw, std::vector<InetAddr>& vecAddresses) {
@@ -57,7 +60,7 @@ bool listSystemAdapters(std::vector<NetworkAdapter>& vecAdapters) {
         if ((pEntry->ifa_flags & IFF_UP) == 0 || (pEntry->ifa_flags & IFF_LOOPBACK) != 0) {
             continue;
         }
-        NetworkAdapter& adapter = adapterNamed(pEntry->ifa_name, vecAdapters);
+        NetworkAdapter& adapter = adapterOf(pEntry->ifa_name, vecAdapters);
         if (pEntry->ifa_addr != nullptr) {
             appendAddress(*pEntry->ifa_addr, adapter.vecAddresses);
         }
