@@ -11,7 +11,7 @@ BinCommandParam::BinCommandParam()
     : CommandParam(ProtocolType::Binary), m_pData(std::make_unique<std::uint8_t[]>(SmallBlock)) {}
 
 void BinCommandParam::setData(const std::uint8_t* data, std::int32_t size) {
-    if (!data || size < 0) {
+    if (size < 0 || (!data && size > 0)) {
         return;
     }
     const auto nSize = static_cast<std::uint32_t>(size);
@@ -23,6 +23,8 @@ void BinCommandParam::setData(const std::uint8_t* data, std::int32_t size) {
     if (!m_pData) {
         return;
     }
-    std::memmove(m_pData.get(), data, nSize);
+    if (nSize > 0) {
+        std::memmove(m_pData.get(), data, nSize);
+    }
     m_nDataLength = nSize;
 }

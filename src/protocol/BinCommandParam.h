@@ -23,8 +23,8 @@ public:
     void setBinCommandId(std::int32_t nId) noexcept { m_nBinCommandId = nId; }
 
     // Copies `size` bytes; more than `SmallBlock` get a new block of exactly that size. Without
-    // memory for it the data is gone and `getData` is null. A null source or a negative size
-    // changes nothing.
+    // memory for it the data is gone and `getData` is null. A negative size, and a null
+    // source of any bytes, change nothing.
     void setData(const std::uint8_t* data, std::int32_t size);
 
     const std::uint8_t* getData() const noexcept { return m_pData.get(); }

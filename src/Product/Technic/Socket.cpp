@@ -63,8 +63,8 @@ bool Socket::close() {
     if (m_nHandle != -1) {
         SocketApi::closeSocket(m_nHandle);
         m_nHandle = -1;
-        m_nSendTimeout = 0;
     }
+    m_nSendTimeout = 0;
     return true;
 }
 
@@ -304,7 +304,7 @@ std::int32_t Socket::recv(void* pBuffer, std::int32_t nLength) {
 
 std::int32_t Socket::recv(void* pBuffer, std::int32_t nLength, std::int32_t nTimeoutMs,
                           bool bNoWait) {
-    if (m_nShut == 1 || isRefused()) {
+    if (m_nShut == 1) {
         return Failed;
     }
     if (!bNoWait) {
@@ -313,11 +313,15 @@ std::int32_t Socket::recv(void* pBuffer, std::int32_t nLength, std::int32_t nTim
             return nReady;
         }
     }
-    const int nCount = reported(SocketApi::recvBytes(m_nHandle, pBuffer, nLength));
-    if (nCount > 0) {
-        return nCount;
+    int nError = m_nStickyError;
+    if (!isRefused()) {
+        const int nCount = reported(SocketApi::recvBytes(m_nHandle, pBuffer, nLength));
+        if (nCount >= 0) {
+            return nCount > 0 ? nCount : Failed;
+        }
+        nError = errno;
     }
-    return nCount < 0 && SocketApi::isWouldBlock(errno) ? TimedOut : Failed;
+    return SocketApi::isWouldBlock(nError) ? TimedOut : Failed;
 }
 
 bool Socket::getLocalAddress(InetAddr& address) {

@@ -53,6 +53,8 @@ TEST(BinCommandParserTest, DataMayComeFromItsOwnBlockAndMisuseLeavesIt) {
     param.setData(nullptr, 3);
     param.setData(param.getData(), -1);
     EXPECT_EQ(dataOf(param), strLarge.substr(0, 1500));
+    param.setData(nullptr, 0);
+    EXPECT_EQ(dataOf(param), "");
 }
 
 TEST(BinCommandParserTest, RefusedBytesLeaveTheCommandAsItWas) {
