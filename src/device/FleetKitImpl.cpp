@@ -47,12 +47,14 @@ void FleetKitImpl::unload() {
 
 int FleetKitImpl::login(const DeviceInfoEx& info, long& handle) noexcept {
     try {
+        // The caller may change its record while the login is under way.
+        const DeviceInfoEx copy(info);
         if (!m_pSessionCreator) {
             return ErrorCode::Failed;
         }
         // Not even the reason of a failure is looked at: only a handle tells.
         long hSession = handle;
-        m_pSessionCreator->createSession(info, ReplyTimeoutMs, hSession);
+        m_pSessionCreator->createSession(copy, ReplyTimeoutMs, hSession);
         if (hSession <= 0) {
             return ErrorCode::Failed;
         }
