@@ -1,6 +1,8 @@
 // Finds record types by name and by id.
 #include "domain/DomainFactory.h"
 
+#include <new>
+
 #include "Product/Technic/LogFilter.h"
 #include "domain/DomainTables.h"
 
@@ -8,28 +10,35 @@ using namespace fleetkit;
 
 namespace {
 
-constexpr int TraceLevel = 3;
-
 const RecordDescriptor* findLogged(std::span<const DomainTables::NameRow> names,
                                    const std::string& strName) {
     const RecordDescriptor* pDescriptor = DomainTables::findByName(names, strName.c_str());
     if (pDescriptor == nullptr) {
-        logMessage(TraceLevel, "DomainFactory", "DomainFactory not have Domain(%s)!! \n",
+        logMessage(LogLevel::Trace, "DomainFactory", "DomainFactory not have Domain(%s)!! \n",
                    strName.c_str());
     }
     return pDescriptor;
 }
 
+// A new object of the type, null for no type and where there is no memory.
+template <class Made>
+std::unique_ptr<Made> made(const RecordDescriptor* pType,
+                           std::unique_ptr<Made> (TypeAccess::*pMake)() const) noexcept {
+    try {
+        return pType == nullptr ? nullptr : (pType->access.*pMake)();
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
 }  // namespace
 
 std::unique_ptr<BaseDomain> createSingleDomain(const std::string& strName) {
-    const RecordDescriptor* pDescriptor = findLogged(DomainTables::singleNames(), strName);
-    return pDescriptor == nullptr ? nullptr : pDescriptor->access.make();
+    return made(findLogged(DomainTables::singleNames(), strName), &TypeAccess::make);
 }
 
 std::unique_ptr<DomainContainer> createListDomain(const std::string& strName) {
-    const RecordDescriptor* pDescriptor = findLogged(DomainTables::listNames(), strName);
-    return pDescriptor == nullptr ? nullptr : pDescriptor->access.makeContainer();
+    return made(findLogged(DomainTables::listNames(), strName), &TypeAccess::makeContainer);
 }
 
 std::unique_ptr<BaseDomain> createDomain(const std::string& strName) {
@@ -44,7 +53,7 @@ std::unique_ptr<BaseDomain> createDomain(const std::string& strName) {
 bool getDomainName(std::uint32_t nDomainId, std::string& strName) {
     const RecordDescriptor* pDescriptor = DomainTables::findById(nDomainId);
     if (pDescriptor == nullptr || pDescriptor->szName == nullptr) {
-        logMessage(TraceLevel, "DomainFactory",
+        logMessage(LogLevel::Trace, "DomainFactory",
                    "[%s %s %d] DomainFactory not have Domain(%d) !! Failed\n", "DomainFactory",
                    "getDomainName", __LINE__, static_cast<int>(nDomainId));
         return false;

@@ -1,7 +1,8 @@
 // DomainFactory: finds record types by name and by id.
 //
 // The name of a type is the tag of its element in a command body. All functions may be called from
-// any thread. A miss is null or false and one line in the log, at level 3.
+// any thread. A miss is null or false and one line in the log, at level 3; without memory for the
+// new object it is null alone.
 #pragma once
 
 #include <cstdint>

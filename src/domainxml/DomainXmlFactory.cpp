@@ -1,6 +1,8 @@
 // Finds mappers by domain id.
 #include "domainxml/DomainXmlFactory.h"
 
+#include <new>
+
 #include "Product/Technic/LogFilter.h"
 #include "domain/RecordDescriptor.h"
 #include "domainxml/RecordXml.h"
@@ -10,10 +12,9 @@ using namespace fleetkit;
 std::unique_ptr<IDomainXml> createDomainXml(std::uint32_t nDomainId) {
     const RecordDescriptor* pDescriptor = findRecordDescriptor(nDomainId);
     if (pDescriptor == nullptr || pDescriptor->szName == nullptr) {
-        constexpr int TraceLevel = 3;
-        logMessage(TraceLevel, "DomainXmlFactory", "DomainXmlFactory not have DomainXml(%d)!! \n",
-                   static_cast<int>(nDomainId));
+        logMessage(LogLevel::Trace, "DomainXmlFactory",
+                   "DomainXmlFactory not have DomainXml(%d)!! \n", static_cast<int>(nDomainId));
         return nullptr;
     }
-    return std::make_unique<RecordXml>(*pDescriptor);
+    return std::unique_ptr<IDomainXml>(new (std::nothrow) RecordXml(*pDescriptor));
 }
