@@ -11,7 +11,6 @@ namespace MappingWords {
 
 namespace {
 
-constexpr int FailureLevel = 1;
 constexpr const char* SourceFile = "MappingWords.cpp";
 
 struct Context {
@@ -53,8 +52,8 @@ void print(const RecordDescriptor& owner, const std::string& strLine,
            const char* szFunction = "parseDomainXmlNode") {
     if (owner.usesLog) {
         const std::string strMapper = std::string(owner.szClass) + "Xml";
-        logMessage(FailureLevel, strMapper.c_str(), "[%s %s %d] %s", strMapper.c_str(), szFunction,
-                   __LINE__, strLine.c_str());
+        logMessage(LogLevel::Failure, strMapper.c_str(), "[%s %s %d] %s", strMapper.c_str(),
+                   szFunction, __LINE__, strLine.c_str());
         return;
     }
     std::fputs(strLine.c_str(), stdout);
