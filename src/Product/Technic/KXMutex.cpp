@@ -27,16 +27,12 @@ const char* placeName(const char* pFile) noexcept {
     return pSlash == nullptr ? pFile : pSlash + 1;
 }
 
-void requireValid(const KXMutex* pMutex, const KXMutexHandle& handle, const char* pFile,
-                  int nLine) {
-    if (handle.isValid()) {
-        return;
-    }
+[[noreturn]] void tellInvalid(const KXMutex* pMutex, std::uint32_t nKey, const char* pFile,
+                              int nLine) {
     std::array<char, FailureTextSize> szText{};
     std::snprintf(szText.data(), szText.size(),
                   "Mutex(0x%" PRIxPTR ") not initialized(Key=%x),lock at line %d of %s ",
-                  reinterpret_cast<std::uintptr_t>(pMutex), handle.getKey(), nLine,
-                  placeName(pFile));
+                  reinterpret_cast<std::uintptr_t>(pMutex), nKey, nLine, placeName(pFile));
     throw std::runtime_error(szText.data());
 }
 
@@ -85,19 +81,27 @@ int KXMutexHandle::unlock() noexcept {
     return Done;
 }
 
-KXMutex::KXMutex() : m_pHandle(std::make_unique<KXMutexHandle>()) {}
+KXMutex::KXMutex() : m_pHandle(std::make_unique<KXMutexHandle>().release()) {}
 
-KXMutex::~KXMutex() = default;
+KXMutex::~KXMutex() {
+    delete m_pHandle.exchange(nullptr);
+}
+
+KXMutexHandle& KXMutex::validHandle(const char* pFile, int nLine) const {
+    KXMutexHandle* pHandle = m_pHandle.load(std::memory_order_relaxed);
+    if (pHandle == nullptr || !pHandle->isValid()) {
+        tellInvalid(this, pHandle == nullptr ? 0 : pHandle->getKey(), pFile, nLine);
+    }
+    return *pHandle;
+}
 
 int KXMutex::lock(const char* pFile, int nLine) KX_NO_THREAD_SAFETY_ANALYSIS {
-    requireValid(this, *m_pHandle, pFile, nLine);
-    m_pHandle->lock();
+    validHandle(pFile, nLine).lock();
     return KXMutexHandle::Done;
 }
 
 int KXMutex::unlock(const char* pFile, int nLine) KX_NO_THREAD_SAFETY_ANALYSIS {
-    requireValid(this, *m_pHandle, pFile, nLine);
-    m_pHandle->unlock();
+    validHandle(pFile, nLine).unlock();
     return KXMutexHandle::Done;
 }
 

@@ -53,8 +53,9 @@ private:
 // A mutex that names the place in the source when it is used without being alive.
 //
 // Re-entrant: the owner may lock it again and unlocks it as many times. lock() and unlock() throw
-// std::runtime_error when the key is wrong, and return 0 otherwise. Destroying a mutex that
-// another thread still uses is not made safe.
+// std::runtime_error when the key is wrong, and return 0 otherwise; a destroyed mutex whose storage
+// is still there, as that of a static one is when the process ends, has the key 0. Destroying a
+// mutex that another thread still uses is not made safe.
 class KX_CAPABILITY KXMutex {
 public:
     KXMutex();
@@ -62,7 +63,7 @@ public:
     KXMutex(const KXMutex&) = delete;
     KXMutex& operator=(const KXMutex&) = delete;
 
-    int init() noexcept { return m_pHandle->init(); }
+    int init() noexcept { return getHandle().init(); }
 
     int lock(const char* pFile, int nLine) KX_ACQUIRE();
     int unlock(const char* pFile, int nLine) KX_RELEASE();
@@ -70,10 +71,14 @@ public:
     int unlock() KX_RELEASE();
 
     // The level below, for those who check the key themselves.
-    KXMutexHandle& getHandle() noexcept { return *m_pHandle; }
+    KXMutexHandle& getHandle() noexcept { return *m_pHandle.load(std::memory_order_relaxed); }
 
 private:
-    std::unique_ptr<KXMutexHandle> m_pHandle;
+    KXMutexHandle& validHandle(const char* pFile, int nLine) const;
+
+    // Owned. Null after the destructor, and atomic so that this last store is made although it
+    // looks like a dead one.
+    std::atomic<KXMutexHandle*> m_pHandle;
 };
 
 // Holds a mutex for a scope. File and line are those of the code that opens the guard.

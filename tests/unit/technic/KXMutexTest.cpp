@@ -2,7 +2,9 @@
 #include <gtest/gtest.h>
 
 #include <cinttypes>
+#include <cstddef>
 #include <cstdio>
+#include <new>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -28,15 +30,17 @@ int rawUnlock(KXMutex& mutex, Place... place) KX_NO_THREAD_SAFETY_ANALYSIS {
 class KXMutexTest : public testing::Test {
 protected:
     template <class Action>
-    void expectFailure(int nLine, const char* pFile, const Action& action) {
+    void expectFailure(int nLine, const char* pFile, const Action& action) const {
         char szText[256];
         std::snprintf(szText, sizeof szText,
                       "Mutex(0x%" PRIxPTR ") not initialized(Key=0),lock at line %d of %s ",
-                      reinterpret_cast<std::uintptr_t>(&m_mutex), nLine, pFile);
+                      reinterpret_cast<std::uintptr_t>(m_pMutex), nLine, pFile);
         EXPECT_EQ(thrownText<std::runtime_error>(action), szText);
     }
 
-    KXMutex m_mutex;
+    alignas(KXMutex) std::byte m_storage[sizeof(KXMutex)];
+    KXMutex* const m_pMutex = new (m_storage) KXMutex;
+    KXMutex& m_mutex = *m_pMutex;
 };
 
 }  // namespace
@@ -69,6 +73,10 @@ TEST_F(KXMutexTest, UseIsToldWithThePlaceOfTheCall) {
     expectFailure(__LINE__ - 1, "KXMutexTest.cpp", open);
     const std::string strLong(1000, 'n');  // cut to the buffer of the text
     expectFailure(1, strLong.c_str(), [&] { rawLock(m_mutex, strLong.c_str(), 1); });
+    // As a static object that is older than the library's finds them when the process ends.
+    m_pMutex->~KXMutex();
+    expectFailure(14, "Late.cpp", [&] { rawLock(m_mutex, "Late.cpp", 14); });
+    expectFailure(15, "Late.cpp", [&] { rawUnlock(m_mutex, "Late.cpp", 15); });
 }
 
 TEST(KXMutex, IsFreeAfterAsManyUnlocksOfItsOwnerAsLocks) {
