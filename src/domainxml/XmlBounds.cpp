@@ -59,23 +59,25 @@ private:
         m_szAt = nFound == std::string_view::npos ? m_szEnd : m_szAt + nFound + std::strlen(szMark);
     }
 
-    void skipBlanks() noexcept {
-        for (;;) {
-            if (isBlank(*m_szAt)) {
-                ++m_szAt;
-            } else if (startsWith("\xEF\xBB\xBF") || startsWith("\xEF\xBF\xBE") ||
-                       startsWith("\xEF\xBF\xBF")) {
-                m_szAt += 3;  // byte-order marks
-            } else {
-                return;
-            }
+    // False at a byte-order mark, which is a blank to the parser in UTF-8, and the head of a word
+    // in any other encoding.
+    bool skipBlanks() noexcept {
+        while (isBlank(*m_szAt)) {
+            ++m_szAt;
         }
+        return !startsWith("\xEF\xBB\xBF") && !startsWith("\xEF\xBF\xBE") &&
+               !startsWith("\xEF\xBF\xBF");
     }
 
-    // To the next "<"; false at the end.
+    // To the next "<"; false at the end. Behind a mark outside of elements there may be more.
     bool findMarkup() noexcept {
-        skipBlanks();
-        return m_nDepth == 0 ? *m_szAt == '<' : readText('<');
+        if (m_nDepth > 0) {
+            return readText('<');
+        }
+        while (!skipBlanks()) {
+            m_szAt += 3;
+        }
+        return *m_szAt == '<';
     }
 
     // To a character that ends a text, which has to come.
@@ -124,7 +126,9 @@ private:
     bool readDeclaration() noexcept {
         m_szAt += std::strlen("<?xml");
         while (*m_szAt != '\0' && *m_szAt != '>') {
-            skipBlanks();
+            if (!skipBlanks()) {
+                return false;
+            }
             if (startsWithWord("version") || startsWithWord("encoding") ||
                 startsWithWord("standalone")) {
                 if (!readAttribute()) {
@@ -141,12 +145,10 @@ private:
 
     bool readTag() noexcept {
         ++m_szAt;
-        skipBlanks();
-        if (!readName()) {
+        if (!skipBlanks() || !readName()) {
             return false;
         }
-        for (int nAttributes = 0;; ++nAttributes) {
-            skipBlanks();
+        for (int nAttributes = 0; skipBlanks(); ++nAttributes) {
             if (*m_szAt == '>') {
                 ++m_szAt;
                 return ++m_nDepth <= MaxDepth;
@@ -159,6 +161,7 @@ private:
                 return false;
             }
         }
+        return false;
     }
 
     bool readName() noexcept {
@@ -172,14 +175,9 @@ private:
     }
 
     bool readAttribute() noexcept {
-        if (!readName()) {
+        if (!readName() || !skipBlanks() || *m_szAt++ != '=' || !skipBlanks()) {
             return false;
         }
-        skipBlanks();
-        if (*m_szAt++ != '=') {
-            return false;
-        }
-        skipBlanks();
         return *m_szAt == '"' || *m_szAt == '\'' ? readQuoted() : readBare();
     }
 
