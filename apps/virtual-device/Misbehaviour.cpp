@@ -6,6 +6,7 @@
 #include <iterator>
 #include <memory>
 
+#include "domain/DeviceName.h"
 #include "domain/EtResult.h"
 #include "domain/RecordDescriptor.h"
 #include "protocol/ProtocolType.h"
@@ -145,9 +146,11 @@ constexpr MisbehaviourKind Kinds[] = {
      [](Answer& a, int n) { a.strBody = wideDocument(n); }},
     {"many-records", "sends a body with VALUE records", 30000,
      [](Answer& a, int n) { a.strBody = longDocument(n); }},
-    {"invalid-utf8", "sends a body whose text is not UTF-8", 0,
+    {"invalid-utf8", "adds a name in another encoding than the declared UTF-8", 0,
      [](Answer& a, int) {
-         a.strBody = document(GoodResult + std::string("<DeviceName Name=\"\xC3\x28\xFF\xED\" />"));
+         DeviceName name;
+         name.setName("\xC3\x28\xFF\xED");
+         appendRecord(a.vecRecords, name);
      }},
     {"doctype", "sends a body that defines entities", 0,
      [](Answer& a, int) { a.strBody = entityDocument(); }},

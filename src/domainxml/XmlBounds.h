@@ -6,6 +6,6 @@
 // as the parser does; where the parser would give up, or lose its place, the text is refused.
 bool isWithinXmlBounds(const char* szText) noexcept;
 
-// Whether every byte above 127 belongs to a character in UTF-8. In other texts the parser would
-// take a quote or the end of the text for the rest of a character.
+// Whether every byte above 127 belongs to a character in UTF-8. Reading another text as UTF-8, the
+// parser would take a quote or the end of the text for the rest of a character.
 bool isUtf8(const char* szText) noexcept;

@@ -1,30 +1,15 @@
 // Views of an XML tree, and the parsed text that owns one.
 #include "domainxml/XmlCursor.h"
 
-#include <strings.h>
 #include <tinyxml.h>
 
-#include <cstring>
+#include <string_view>
 
 #include "domainxml/XmlBounds.h"
 
 namespace {
 
-bool startsWithWord(const char* szText, const char* szHead) {
-    return ::strncasecmp(szText, szHead, std::strlen(szHead)) == 0;
-}
-
-// Whether a declaration says UTF-8, as one without an encoding does.
-bool isDeclaredUtf8(const TiXmlDocument& document) {
-    for (const TiXmlNode* pNode = document.FirstChild(); pNode; pNode = pNode->NextSibling()) {
-        if (const TiXmlDeclaration* pDeclaration = pNode->ToDeclaration()) {
-            const char* szEncoding = pDeclaration->Encoding();
-            return *szEncoding == '\0' || startsWithWord(szEncoding, "UTF-8") ||
-                   startsWithWord(szEncoding, "UTF8");
-        }
-    }
-    return false;
-}
+constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF";
 
 }  // namespace
 
@@ -115,10 +100,14 @@ XmlDocument XmlDocument::parse(const char* szText) {
     if (!isWithinXmlBounds(szText)) {
         return document;
     }
-    TiXmlDocument& tree = *document.m_pDocument;
     const bool bUtf8 = isUtf8(szText);
+    // The parser knows the mark in UTF-8 only.
+    if (!bUtf8 && std::string_view(szText).starts_with(ByteOrderMark)) {
+        szText += ByteOrderMark.size();
+    }
+    TiXmlDocument& tree = *document.m_pDocument;
     tree.Parse(szText, nullptr, bUtf8 ? TIXML_ENCODING_UNKNOWN : TIXML_ENCODING_LEGACY);
-    if (tree.Error() || (!bUtf8 && isDeclaredUtf8(tree))) {
+    if (tree.Error()) {
         tree.Clear();
     }
     return document;

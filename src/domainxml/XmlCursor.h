@@ -54,8 +54,11 @@ public:
     // A document that holds one empty element.
     explicit XmlDocument(const char* szRootName);
     // A parsed text; without a root when the text is not a document, nests more than 1,000 levels
-    // deep, has more than 512 attributes in one element, or declares UTF-8 and is none. The time
-    // taken is linear in its length.
+    // deep, or has more than 512 attributes in one element. The time taken is linear in its length.
+    //
+    // A text that is not UTF-8 throughout is read byte by byte, whatever it declares: devices put
+    // names in another encoding under a declaration of UTF-8. Bytes above 127 stay as they are, and
+    // a reference to a character becomes one byte, its lowest.
     static XmlDocument parse(const char* szText);
 
     XmlDocument(XmlDocument&&) noexcept;
