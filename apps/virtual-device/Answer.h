@@ -13,7 +13,7 @@
 
 struct Answer {
     SDKCommandHeadInfo head;
-    Records vecRecords;
+    DomainList vecRecords;
     bool bRestarts = false;  // all connections of the device end once this is sent
 
     std::optional<std::string> strBody;         // instead of the records

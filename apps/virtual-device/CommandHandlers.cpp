@@ -83,11 +83,11 @@ int take(CommandCall& call, const CarriedRecord& carried) {
     if (carried.isList || !call.state.records.find(nId)) {
         return DeviceResult::NotSupported;
     }
-    const BaseDomain* pRecord = findRecordOfType(call.request.vecRecords, nId);
-    if (!pRecord) {
+    SafePointer<BaseDomain> record;
+    if (!findDomain(nId, 0, call.request.vecRecords, record)) {
         return DeviceResult::MissingRecord;
     }
-    call.state.records.put(*pRecord);
+    call.state.records.put(*record);
     return DeviceResult::Success;
 }
 
@@ -273,7 +273,7 @@ int takeTime(CommandCall& call) {
 // The number of a zone in front of the channel asks for what that zone has by default; 0 stands for
 // the zone of the factory state.
 int giveTimeZone(CommandCall& call) {
-    const Records& vecRecords = call.request.vecRecords;
+    const DomainList& vecRecords = call.request.vecRecords;
     if (vecRecords.empty() || vecRecords.front()->getDomainId() != KXInterger::DomainId) {
         appendRecord(call.vecReply, call.state.records.get<TimeZoneParam>());
         return DeviceResult::Success;

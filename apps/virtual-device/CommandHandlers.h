@@ -14,7 +14,7 @@ struct CommandCall {
     DeviceState& state;
     std::uint32_t& nSession;     // of the connection; 0 without one
     std::uint32_t nFreeSession;  // the number that a login takes
-    Records vecReply;            // records of the answer, its result apart; sent on success only
+    DomainList vecReply;         // records of the answer, its result apart; sent on success only
     bool bRestarts = false;
 };
 

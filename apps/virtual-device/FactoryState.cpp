@@ -63,10 +63,10 @@ std::string filled(const std::string& strText, const Values& mapValues) {
     return strFilled.append(strText, nDone);
 }
 
-Records recordsOf(const char* szName, const Values& mapValues) {
+DomainList recordsOf(const char* szName, const Values& mapValues) {
     const std::string strDocument = filled(factoryText(szName), mapValues);
     CommandBuffer body;
-    Records vecRecords;
+    DomainList vecRecords;
     const bool bRead = body.allocate(strDocument.size() + 1) &&
                        body.append(reinterpret_cast<const std::uint8_t*>(strDocument.data()),
                                    static_cast<std::uint32_t>(strDocument.size())) &&
@@ -78,7 +78,7 @@ Records recordsOf(const char* szName, const Values& mapValues) {
 }
 
 template <class T>
-T single(const Records& vecRecords) {
+T single(const DomainList& vecRecords) {
     const T* pRecord = findRecord<T>(vecRecords);
     if (!pRecord) {
         throw std::logic_error("the factory state of the virtual device lacks a record");
@@ -87,7 +87,7 @@ T single(const Records& vecRecords) {
 }
 
 template <class T>
-std::vector<T> listOf(const Records& vecRecords) {
+std::vector<T> listOf(const DomainList& vecRecords) {
     const std::vector<T>* pList = findList<T>(vecRecords);
     if (!pList) {
         throw std::logic_error("the factory state of the virtual device lacks a list");
@@ -117,7 +117,7 @@ Values streamValues(int nChannel, int nStream) {
 }
 
 // Keeps what stands in a text once; a list is for its own place.
-void keepSingles(const Records& vecRecords, DeviceState& state) {
+void keepSingles(const DomainList& vecRecords, DeviceState& state) {
     for (const auto& record : vecRecords) {
         if (record->getDomainId() != ContainerDomainId) {
             state.records.put(*record);
@@ -128,13 +128,13 @@ void keepSingles(const Records& vecRecords, DeviceState& state) {
 void addDevice(const DeviceOptions& options, DeviceState& state) {
     const bool bIsRecorder = options.nKind == DeviceKind::NVR;
     keepSingles(recordsOf(bIsRecorder ? "recorder" : "camera", deviceValues(options)), state);
-    const Records vecRecords = recordsOf("device", deviceValues(options));
+    const DomainList vecRecords = recordsOf("device", deviceValues(options));
     keepSingles(vecRecords, state);
     state.vecHostNetworks = listOf<HostNetwork>(vecRecords);
 }
 
 void addTimeZones(DeviceState& state) {
-    const Records vecRecords = recordsOf("time-zones", {});
+    const DomainList vecRecords = recordsOf("time-zones", {});
     keepSingles(vecRecords, state);
     state.vecTimeZoneDefaults = listOf<TimeZoneParam>(vecRecords);
     state.records.put(state.vecTimeZoneDefaults.front());
@@ -143,7 +143,7 @@ void addTimeZones(DeviceState& state) {
 
 // Adds a stream; gives what the channel can do with it.
 BaseStream addStream(int nChannel, int nStream, DeviceState& state) {
-    const Records vecRecords = recordsOf("stream", streamValues(nChannel, nStream));
+    const DomainList vecRecords = recordsOf("stream", streamValues(nChannel, nStream));
     state.vecStreams.push_back(single<AVStreamParam>(vecRecords));
     return single<BaseStream>(vecRecords);
 }
@@ -152,7 +152,7 @@ BaseStream addStream(int nChannel, int nStream, DeviceState& state) {
 VideoAbilityParam addChannel(const DeviceOptions& options, int nChannel, DeviceState& state) {
     Values mapValues = deviceValues(options);
     mapValues.emplace("channel", std::to_string(nChannel));
-    const Records vecRecords = recordsOf("channel", mapValues);
+    const DomainList vecRecords = recordsOf("channel", mapValues);
     state.vecChannels.push_back(single<ChannelInfo>(vecRecords));
     state.vecOSD.push_back(single<OSDUserParam>(vecRecords));
     std::vector<BaseStream> vecStreams;

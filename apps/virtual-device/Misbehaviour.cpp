@@ -63,7 +63,7 @@ std::string entityDocument() {
 
 template <class Keep>
 void keepRecords(Answer& answer, Keep keep) {
-    Records vecKept;
+    DomainList vecKept;
     std::copy_if(answer.vecRecords.begin(), answer.vecRecords.end(), std::back_inserter(vecKept),
                  [&](const SafePointer<BaseDomain>& record) { return keep(*record); });
     answer.vecRecords.swap(vecKept);
@@ -81,7 +81,7 @@ void replaceResult(Answer& answer, int nCode) {
 }
 
 void emptyLists(Answer& answer) {
-    Records vecRecords;
+    DomainList vecRecords;
     for (const auto& record : answer.vecRecords) {
         bool bIsList = false;
         const std::uint32_t nId = effectiveDomainId(*record);

@@ -5,47 +5,17 @@
 #include <utility>
 #include <vector>
 
-#include "Product/Technic/SafePointer.h"
 #include "domain/ChannelId.h"
-#include "domain/DomainVectorContainer.h"
+#include "domain/DomainList.h"
 #include "protocol/SDKCommandHeadInfo.h"
 
-using Records = std::vector<SafePointer<BaseDomain>>;
-
-// The first record of this type, or null.
-inline const BaseDomain* findRecordOfType(const Records& vecRecords, std::uint32_t nDomainId) {
-    for (const auto& record : vecRecords) {
-        if (record->getDomainId() == nDomainId) {
-            return record.get();
-        }
-    }
-    return nullptr;
-}
-
 template <class T>
-const T* findRecord(const Records& vecRecords) {
-    return static_cast<const T*>(findRecordOfType(vecRecords, T::DomainId));
-}
-
-// The elements of the first list of this type, or null.
-template <class T>
-const std::vector<T>* findList(const Records& vecRecords) {
-    for (const auto& record : vecRecords) {
-        bool bIsList = false;
-        if (checkDomainId(*record, T::DomainId, bIsList) && bIsList) {
-            return &static_cast<const DomainVectorContainer<T>*>(record.get())->getElements();
-        }
-    }
-    return nullptr;
-}
-
-template <class T>
-void appendRecord(Records& vecRecords, T record) {
+void appendRecord(DomainList& vecRecords, T record) {
     vecRecords.push_back(wrapSafe<BaseDomain>(std::make_unique<T>(std::move(record))));
 }
 
 template <class T>
-void appendList(Records& vecRecords, std::vector<T> vecElements) {
+void appendList(DomainList& vecRecords, std::vector<T> vecElements) {
     appendRecord(vecRecords, DomainVectorContainer<T>(std::move(vecElements)));
 }
 
@@ -53,7 +23,7 @@ struct Request {
     static constexpr int All = -1;  // as a channel or a stream
 
     SDKCommandHeadInfo head;
-    Records vecRecords;
+    DomainList vecRecords;
 
     // The channel that the request is about.
     int channel() const {

@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "device/BaseController.h"
-#include "device/RequestSenders.h"
 #include "domain/AVStreamParam.h"
 #include "domain/ChannelId.h"
 #include "domain/ChannelInfo.h"
@@ -13,6 +12,7 @@
 #include "domain/OSDUserParam.h"
 #include "domain/TimeZoneAbility.h"
 #include "domain/TimeZoneParam.h"
+#include "session/SessionCommands.h"
 
 // Knows which command serves an operation, which records its request holds, in which order, and
 // which record of the reply is the answer; knows nothing of connections.

@@ -78,12 +78,11 @@ std::uint32_t lengthOf(const DataBuffer& data) noexcept {
     return static_cast<std::uint32_t>(data.getSize());
 }
 
-void appendBodyRecord(std::unique_ptr<BaseDomain> pRecord,
-                      std::vector<SafePointer<BaseDomain>>& domains) {
+void appendBodyRecord(std::unique_ptr<BaseDomain> pRecord, DomainList& domains) {
     domains.push_back(wrapSafe<BaseDomain>(std::move(pRecord)));
 }
 
-void appendBodyResult(std::uint32_t nCode, std::vector<SafePointer<BaseDomain>>& domains) {
+void appendBodyResult(std::uint32_t nCode, DomainList& domains) {
     auto pResult = std::make_unique<EtResult>();
     pResult->setCode(static_cast<int>(nCode));
     appendBodyRecord(std::move(pResult), domains);

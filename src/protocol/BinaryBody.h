@@ -5,14 +5,10 @@
 #include <cstdint>
 #include <memory>
 #include <string>
-#include <utility>
-#include <vector>
 
-#include "Product/Technic/SafePointer.h"
-#include "domain/BaseDomain.h"
 #include "domain/DataBuffer.h"
+#include "domain/DomainList.h"
 #include "protocol/CommandBuffer.h"
-#include "protocol/ICommandBodyParser.h"
 
 // Walks over a payload. A read that would pass the end gives false and takes nothing.
 class BodyReader {
@@ -46,16 +42,7 @@ bool appendData(const DataBuffer& data, CommandBuffer& out);
 std::uint32_t lengthOf(const std::string& strText) noexcept;
 std::uint32_t lengthOf(const DataBuffer& data) noexcept;
 
-// The first record of this type, or null; it lives as long as `domains` holds it.
-template <class Record>
-const Record* findBodyRecord(const std::vector<SafePointer<BaseDomain>>& domains) {
-    SafePointer<BaseDomain> found;
-    return findDomain(Record::DomainId, 0, domains, found) ? static_cast<const Record*>(found.get())
-                                                           : nullptr;
-}
-
 // Appends one record.
-void appendBodyRecord(std::unique_ptr<BaseDomain> pRecord,
-                      std::vector<SafePointer<BaseDomain>>& domains);
+void appendBodyRecord(std::unique_ptr<BaseDomain> pRecord, DomainList& domains);
 // Appends an EtResult with this code.
-void appendBodyResult(std::uint32_t nCode, std::vector<SafePointer<BaseDomain>>& domains);
+void appendBodyResult(std::uint32_t nCode, DomainList& domains);

@@ -11,9 +11,9 @@ constexpr std::uint64_t FixedLength = 12;
 
 }  // namespace
 
-bool COMWriteDataCommandBodyParser::createCommandBody(
-    const std::vector<SafePointer<BaseDomain>>& domains, CommandBuffer& out) const {
-    const auto* pWrite = findBodyRecord<EtCOMWriteData>(domains);
+bool COMWriteDataCommandBodyParser::createCommandBody(const DomainList& domains,
+                                                      CommandBuffer& out) const {
+    const auto* pWrite = findRecord<EtCOMWriteData>(domains);
     if (!pWrite) {
         return false;
     }
@@ -23,8 +23,8 @@ bool COMWriteDataCommandBodyParser::createCommandBody(
            appendU32(pWrite->getComType(), out);
 }
 
-bool COMWriteDataCommandBodyParser::parseCommandBody(
-    const CommandBuffer& in, std::vector<SafePointer<BaseDomain>>& domains) const {
+bool COMWriteDataCommandBodyParser::parseCommandBody(const CommandBuffer& in,
+                                                     DomainList& domains) const {
     return guardRoom([&] {
         BodyReader reader(in);
         std::uint32_t nLength = 0;

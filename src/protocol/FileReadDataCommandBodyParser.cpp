@@ -12,10 +12,10 @@ constexpr std::uint64_t FixedLength = 9;
 
 }  // namespace
 
-bool FileReadDataCommandBodyParser::createCommandBody(
-    const std::vector<SafePointer<BaseDomain>>& domains, CommandBuffer& out) const {
-    const auto* pPack = findBodyRecord<EtFileDataPack>(domains);
-    const auto* pResult = findBodyRecord<EtResult>(domains);
+bool FileReadDataCommandBodyParser::createCommandBody(const DomainList& domains,
+                                                      CommandBuffer& out) const {
+    const auto* pPack = findRecord<EtFileDataPack>(domains);
+    const auto* pResult = findRecord<EtResult>(domains);
     if (!pPack || !pResult) {
         return false;
     }
@@ -26,8 +26,8 @@ bool FileReadDataCommandBodyParser::createCommandBody(
            appendU32(static_cast<std::uint32_t>(pResult->getCode()), out) && appendData(data, out);
 }
 
-bool FileReadDataCommandBodyParser::parseCommandBody(
-    const CommandBuffer& in, std::vector<SafePointer<BaseDomain>>& domains) const {
+bool FileReadDataCommandBodyParser::parseCommandBody(const CommandBuffer& in,
+                                                     DomainList& domains) const {
     return guardRoom([&] {
         BodyReader reader(in);
         std::uint32_t nLength = 0;

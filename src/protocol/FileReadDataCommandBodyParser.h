@@ -7,8 +7,6 @@
 // them.
 class FileReadDataCommandBodyParser : public ICommandBodyParser {
 public:
-    bool createCommandBody(const std::vector<SafePointer<BaseDomain>>& domains,
-                           CommandBuffer& out) const override;
-    bool parseCommandBody(const CommandBuffer& in,
-                          std::vector<SafePointer<BaseDomain>>& domains) const override;
+    bool createCommandBody(const DomainList& domains, CommandBuffer& out) const override;
+    bool parseCommandBody(const CommandBuffer& in, DomainList& domains) const override;
 };

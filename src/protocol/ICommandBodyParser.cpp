@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <new>
 
-#include "domain/DomainContainer.h"
 #include "protocol/COMWriteDataCommandBodyParser.h"
 #include "protocol/FileReadDataCommandBodyParser.h"
 #include "protocol/PTZOperationBodyParser.h"
@@ -39,27 +38,9 @@ constexpr BinaryForm BinaryForms[] = {
     {47005, make<FileReadDataCommandBodyParser>},  // request that carries file data
 };
 
-bool isRecord(const BaseDomain& record, std::uint32_t nDomainId, std::uint32_t nElementId) {
-    if (record.getDomainId() != nDomainId) {
-        return false;
-    }
-    return nDomainId != ContainerDomainId || effectiveDomainId(record) == nElementId;
-}
-
 }  // namespace
 
 std::unique_ptr<ICommandBodyParser> createBodyParser(std::uint32_t nCommandID) {
     const auto form = std::ranges::find(BinaryForms, nCommandID, &BinaryForm::nCommandID);
     return form == std::end(BinaryForms) ? make<SDKNormalXmlBodyParser>() : form->makeParser();
-}
-
-bool findDomain(std::uint32_t nDomainId, std::uint32_t nElementId,
-                const std::vector<SafePointer<BaseDomain>>& domains, SafePointer<BaseDomain>& out) {
-    for (const auto& record : domains) {
-        if (isRecord(*record, nDomainId, nElementId)) {
-            out = record;
-            return true;
-        }
-    }
-    return false;
 }

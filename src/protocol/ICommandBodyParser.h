@@ -3,10 +3,8 @@
 
 #include <cstdint>
 #include <memory>
-#include <vector>
 
-#include "Product/Technic/SafePointer.h"
-#include "domain/BaseDomain.h"
+#include "domain/DomainList.h"
 #include "protocol/CommandBuffer.h"
 
 // One form of body, both directions. Stateless in use: made for one command and dropped with it.
@@ -16,21 +14,14 @@ public:
 
     // Writes the body into `out`. False when a record that the form needs is missing or cannot be
     // written. An empty pointer among the records raises the error of an empty pointer.
-    virtual bool createCommandBody(const std::vector<SafePointer<BaseDomain>>& domains,
-                                   CommandBuffer& out) const = 0;
+    virtual bool createCommandBody(const DomainList& domains, CommandBuffer& out) const = 0;
 
     // Appends the records of a body to `domains`. `in` holds the payload only, with a zero byte
     // after its end. False, with `domains` as far as it was filled, for anything that is not such a
     // body, and when memory or safe pointers run out. No content raises an exception.
-    virtual bool parseCommandBody(const CommandBuffer& in,
-                                  std::vector<SafePointer<BaseDomain>>& domains) const = 0;
+    virtual bool parseCommandBody(const CommandBuffer& in, DomainList& domains) const = 0;
 };
 
 // A new parser for the form in which a command of this id is written and read: XML, but for the
 // nine ids that have a binary form. Null without memory.
 std::unique_ptr<ICommandBodyParser> createBodyParser(std::uint32_t nCommandID);
-
-// Finds the first record with this domain id; for a list (99999), with this element id as well.
-// False, with `out` as it was, when there is none.
-bool findDomain(std::uint32_t nDomainId, std::uint32_t nElementId,
-                const std::vector<SafePointer<BaseDomain>>& domains, SafePointer<BaseDomain>& out);

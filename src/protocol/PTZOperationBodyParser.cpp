@@ -13,13 +13,13 @@ constexpr std::uint32_t OnlyPTZ = 1;  // what an answer without PTZId is about
 
 }  // namespace
 
-bool PTZOperationBodyParser::createCommandBody(const std::vector<SafePointer<BaseDomain>>& domains,
+bool PTZOperationBodyParser::createCommandBody(const DomainList& domains,
                                                CommandBuffer& out) const {
-    const auto* pOperation = findBodyRecord<EtPTZOperation>(domains);
+    const auto* pOperation = findRecord<EtPTZOperation>(domains);
     if (!pOperation) {
         return false;
     }
-    const auto* pResult = findBodyRecord<EtResult>(domains);
+    const auto* pResult = findRecord<EtResult>(domains);
     const int nCode = pResult ? pResult->getCode() : 0;
     const std::string& strOperation = pOperation->getPTZOperation();
     const std::string& strName = pOperation->getName();
@@ -31,8 +31,7 @@ bool PTZOperationBodyParser::createCommandBody(const std::vector<SafePointer<Bas
            appendU32(static_cast<std::uint32_t>(pOperation->getPTZId()), out);
 }
 
-bool PTZOperationBodyParser::parseCommandBody(const CommandBuffer& in,
-                                              std::vector<SafePointer<BaseDomain>>& domains) const {
+bool PTZOperationBodyParser::parseCommandBody(const CommandBuffer& in, DomainList& domains) const {
     return guardRoom([&] {
         BodyReader reader(in);
         std::uint32_t nCode = 0;

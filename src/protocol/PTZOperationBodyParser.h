@@ -8,8 +8,6 @@
 // EtResult. Older devices stop after Name: PTZId is then 1.
 class PTZOperationBodyParser : public ICommandBodyParser {
 public:
-    bool createCommandBody(const std::vector<SafePointer<BaseDomain>>& domains,
-                           CommandBuffer& out) const override;
-    bool parseCommandBody(const CommandBuffer& in,
-                          std::vector<SafePointer<BaseDomain>>& domains) const override;
+    bool createCommandBody(const DomainList& domains, CommandBuffer& out) const override;
+    bool parseCommandBody(const CommandBuffer& in, DomainList& domains) const override;
 };

@@ -10,15 +10,15 @@ constexpr std::uint64_t FixedLength = 4;
 
 }  // namespace
 
-bool ParamImportReqBodyParser::createCommandBody(
-    const std::vector<SafePointer<BaseDomain>>& domains, CommandBuffer& out) const {
-    const auto* pData = findBodyRecord<DataBuffer>(domains);
+bool ParamImportReqBodyParser::createCommandBody(const DomainList& domains,
+                                                 CommandBuffer& out) const {
+    const auto* pData = findRecord<DataBuffer>(domains);
     return pData && out.allocate(FixedLength + lengthOf(*pData)) &&
            appendU32(lengthOf(*pData), out) && appendData(*pData, out);
 }
 
-bool ParamImportReqBodyParser::parseCommandBody(
-    const CommandBuffer& in, std::vector<SafePointer<BaseDomain>>& domains) const {
+bool ParamImportReqBodyParser::parseCommandBody(const CommandBuffer& in,
+                                                DomainList& domains) const {
     return guardRoom([&] {
         BodyReader reader(in);
         std::uint32_t nLength = 0;

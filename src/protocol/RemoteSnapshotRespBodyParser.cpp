@@ -11,10 +11,10 @@ constexpr std::uint64_t FixedLength = 8;
 
 }  // namespace
 
-bool RemoteSnapshotRespBodyParser::createCommandBody(
-    const std::vector<SafePointer<BaseDomain>>& domains, CommandBuffer& out) const {
-    const auto* pData = findBodyRecord<DataBuffer>(domains);
-    const auto* pResult = findBodyRecord<EtResult>(domains);
+bool RemoteSnapshotRespBodyParser::createCommandBody(const DomainList& domains,
+                                                     CommandBuffer& out) const {
+    const auto* pData = findRecord<DataBuffer>(domains);
+    const auto* pResult = findRecord<EtResult>(domains);
     if (!pData || !pResult) {
         return false;
     }
@@ -23,8 +23,8 @@ bool RemoteSnapshotRespBodyParser::createCommandBody(
            appendData(*pData, out);
 }
 
-bool RemoteSnapshotRespBodyParser::parseCommandBody(
-    const CommandBuffer& in, std::vector<SafePointer<BaseDomain>>& domains) const {
+bool RemoteSnapshotRespBodyParser::parseCommandBody(const CommandBuffer& in,
+                                                    DomainList& domains) const {
     return guardRoom([&] {
         BodyReader reader(in);
         std::uint32_t nLength = 0;

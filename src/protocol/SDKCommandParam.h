@@ -2,10 +2,8 @@
 #pragma once
 
 #include <utility>
-#include <vector>
 
-#include "Product/Technic/SafePointer.h"
-#include "domain/BaseDomain.h"
+#include "domain/DomainList.h"
 #include "protocol/CommandParam.h"
 #include "protocol/ProtocolType.h"
 #include "protocol/SDKCommandHeadInfo.h"
@@ -20,12 +18,10 @@ public:
     const SDKCommandHeadInfo& getHead() const noexcept { return m_headInfo; }
     void setHead(const SDKCommandHeadInfo& head) noexcept { m_headInfo = head; }
 
-    const std::vector<SafePointer<BaseDomain>>& getDomains() const noexcept { return m_vecDomains; }
-    void setDomains(std::vector<SafePointer<BaseDomain>> domains) {
-        m_vecDomains = std::move(domains);
-    }
+    const DomainList& getDomains() const noexcept { return m_vecDomains; }
+    void setDomains(DomainList domains) { m_vecDomains = std::move(domains); }
 
 private:
     SDKCommandHeadInfo m_headInfo;
-    std::vector<SafePointer<BaseDomain>> m_vecDomains;
+    DomainList m_vecDomains;
 };

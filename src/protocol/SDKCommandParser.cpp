@@ -69,7 +69,7 @@ bool SDKCommandParser::parseCommand(const CommandBuffer& in, SafePointer<Command
     logMessage(LogLevel::Trace, SourceName,
                "SDKCommandParser::parseCommand  CommandBodyParser name is %s\n",
                typeid(bodyParser).name());
-    std::vector<SafePointer<BaseDomain>> vecDomains;
+    DomainList vecDomains;
     if (!bodyParser.parseCommandBody(payload, vecDomains)) {
         logMessage(LogLevel::Failure, SourceName,
                    "SDKCommandParser::parseCommand  nCommandId = %d parseCommandBody failed \n",

@@ -56,7 +56,7 @@ bool readRecord(XmlCursor element, BaseDomain& record) {
 
 SDKNormalXmlBodyParser::SDKNormalXmlBodyParser() : m_vecTagMap{{EtResult::DomainId, 0, "Result"}} {}
 
-bool SDKNormalXmlBodyParser::createCommandBody(const std::vector<SafePointer<BaseDomain>>& domains,
+bool SDKNormalXmlBodyParser::createCommandBody(const DomainList& domains,
                                                CommandBuffer& out) const {
     const XmlDocument document("Parameters");
     document.root().setAttribute("Version", "1");
@@ -73,8 +73,7 @@ bool SDKNormalXmlBodyParser::createCommandBody(const std::vector<SafePointer<Bas
            appendText(strText.data(), strText.size(), out);
 }
 
-bool SDKNormalXmlBodyParser::parseCommandBody(const CommandBuffer& in,
-                                              std::vector<SafePointer<BaseDomain>>& domains) const {
+bool SDKNormalXmlBodyParser::parseCommandBody(const CommandBuffer& in, DomainList& domains) const {
     return guardRoom([&] {
         const char* szText = textOf(in);
         return szText && parseDocument(szText, domains);
@@ -111,8 +110,7 @@ bool SDKNormalXmlBodyParser::makeRecord(const std::string& strTag,
     return true;
 }
 
-bool SDKNormalXmlBodyParser::parseDocument(const char* szText,
-                                           std::vector<SafePointer<BaseDomain>>& domains) const {
+bool SDKNormalXmlBodyParser::parseDocument(const char* szText, DomainList& domains) const {
     const XmlDocument document = XmlDocument::parse(szText);
     if (!document.root()) {
         return false;

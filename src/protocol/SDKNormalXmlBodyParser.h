@@ -14,10 +14,8 @@ class SDKNormalXmlBodyParser : public ICommandBodyParser {
 public:
     SDKNormalXmlBodyParser();
 
-    bool createCommandBody(const std::vector<SafePointer<BaseDomain>>& domains,
-                           CommandBuffer& out) const override;
-    bool parseCommandBody(const CommandBuffer& in,
-                          std::vector<SafePointer<BaseDomain>>& domains) const override;
+    bool createCommandBody(const DomainList& domains, CommandBuffer& out) const override;
+    bool parseCommandBody(const CommandBuffer& in, DomainList& domains) const override;
 
     // Makes the record of a tag that the factory does not know; asked for every child. Here always
     // false: a derived class has records of its own.
@@ -33,7 +31,7 @@ private:
 
     bool findTag(const BaseDomain& record, std::string& strTag) const;
     bool makeRecord(const std::string& strTag, SafePointer<BaseDomain>& out) const;
-    bool parseDocument(const char* szText, std::vector<SafePointer<BaseDomain>>& domains) const;
+    bool parseDocument(const char* szText, DomainList& domains) const;
 
     std::vector<TagMapEntry> m_vecTagMap;
 };

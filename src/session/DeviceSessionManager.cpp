@@ -130,5 +130,5 @@ std::int32_t sendHeartBeat(const SafePointer<SDKSession>& session) {
     }
     EtSessionId sessionId;
     sessionId.setSessionId(static_cast<int>(session->getSessionId()));
-    return sendRecord(session, CommandId::keepAlive, sessionId);
+    return sendSet(session, CommandId::keepAlive, sessionId);
 }

@@ -3,21 +3,17 @@
 
 #include <atomic>
 #include <cstdint>
-#include <vector>
 
 #include "Product/Technic/KXMutex.h"
 #include "Product/Technic/SafePointer.h"
 #include "Product/Technic/ThreadAnnotations.h"
-#include "domain/BaseDomain.h"
 #include "domain/DeviceInfoEx.h"
+#include "domain/DomainList.h"
 #include "protocol/CommandCatalogue.h"
 #include "protocol/CommandParam.h"
 #include "protocol/SDKCommandHeadInfo.h"
 #include "protocol/SDKCommandParam.h"
 #include "session/ITransfer.h"
-
-// The records of a command, in order.
-using DomainList = std::vector<SafePointer<BaseDomain>>;
 
 // Shares its transport, and never reconnects: after `close`, or when the other end is gone, every
 // exchange fails. No failure closes it; that is for its owner and the heartbeat to do.

@@ -92,7 +92,7 @@ std::int32_t SDK_DeviceSessionCreator::login(SafePointer<SDKSession>& session) {
         return nResult;
     }
     EtSessionId sessionId;
-    nResult = sendRecord(session, CommandId::Login, user, sessionId);
+    nResult = sendGet(session, CommandId::Login, sessionId, user);
     if (nResult == ErrorCode::Success) {
         session->setSessionId(static_cast<std::uint32_t>(sessionId.getSessionId()));
     }
@@ -105,7 +105,7 @@ std::int32_t SDK_DeviceSessionCreator::logout(SafePointer<SDKSession>& session) 
     if (nResult != ErrorCode::Success) {
         return nResult;
     }
-    nResult = sendRecord(session, CommandId::Logout, user);
+    nResult = sendSet(session, CommandId::Logout, user);
     if (nResult == ErrorCode::Success) {
         session->setSessionId(0);
     }

@@ -1,39 +1,43 @@
-// Exchanges with one record, and records out of replies.
+// One exchange each: typed request records in, the typed answer out.
+//
+// Request records travel as copies, in the order of the arguments; a vector travels, and is
+// answered, as one list record. NoTransport without a session, EncodeFailed when there is no room
+// for the copies, BadReply when the reply lacks the answer or there is no room for it, else what
+// `SDKSession::sendRecv` gives. The answer is assigned on Success only.
 #pragma once
 
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 #include "Product/Technic/ErrorCode.h"
 #include "Product/Technic/RoomGuard.h"
 #include "Product/Technic/SafePointer.h"
-#include "protocol/ICommandBodyParser.h"
+#include "domain/DomainList.h"
 #include "session/SDKSession.h"
 
-// A copy of a record, as requests carry it.
+// A copy of a record, or of a list of them, as requests carry it.
 template <class Record>
 SafePointer<BaseDomain> copyOf(const Record& record) {
     return wrapSafe<BaseDomain>(std::make_unique<Record>(record));
 }
 
-// Assigns the first record with that domain id to `out`, which has to be of the type that the id
-// names. A list has the domain id `ContainerDomainId`, and its element type's id in `nElementId`.
-// False, with `out` as it was, when there is none, and when there is no memory for it.
-template <class Record>
-bool findRecord(std::uint32_t nDomainId, std::uint32_t nElementId, const DomainList& list,
-                Record& out) {
-    SafePointer<BaseDomain> found;
-    if (!findDomain(nDomainId, nElementId, list, found)) {
-        return false;
-    }
-    return guardRoom([&] {
-        out = Record(static_cast<const Record&>(*found));
-        return true;
-    });
+template <class Element>
+SafePointer<BaseDomain> copyOf(const std::vector<Element>& vecElements) {
+    return copyOf(DomainVectorContainer<Element>(vecElements));
 }
 
-// One exchange; the request holds copies of these records, in this order. NoTransport without a
-// session, EncodeFailed when there is no room for the copies, else what `sendRecv` gives.
+// What answers a get of this type in a reply, or null.
+template <class Record>
+const Record* findAnswer(const DomainList& reply, const Record&) {
+    return findRecord<Record>(reply);
+}
+
+template <class Element>
+const std::vector<Element>* findAnswer(const DomainList& reply, const std::vector<Element>&) {
+    return findList<Element>(reply);
+}
+
 template <class... Request>
 std::int32_t sendRecords(const SafePointer<SDKSession>& session, std::uint32_t nCommandId,
                          DomainList& reply, const Request&... request) {
@@ -49,24 +53,27 @@ std::int32_t sendRecords(const SafePointer<SDKSession>& session, std::uint32_t n
                  : fleetkit::ErrorCode::EncodeFailed;
 }
 
-// One exchange whose reply brings nothing but its result code.
-template <class Request>
-std::int32_t sendRecord(const SafePointer<SDKSession>& session, std::uint32_t nCommandId,
-                        const Request& request) {
+// Of the reply only the code matters.
+template <class... Request>
+std::int32_t sendSet(const SafePointer<SDKSession>& session, std::uint32_t nCommandId,
+                     const Request&... request) {
     DomainList reply;
-    return sendRecords(session, nCommandId, reply, request);
+    return sendRecords(session, nCommandId, reply, request...);
 }
 
-// The same, fetching one record of the reply: BadReply when it is missing. `answer` is touched on
-// success only.
-template <class Request, class Answer>
-std::int32_t sendRecord(const SafePointer<SDKSession>& session, std::uint32_t nCommandId,
-                        const Request& request, Answer& answer) {
+// `answer` is a record, or a vector of them.
+template <class Answer, class... Request>
+std::int32_t sendGet(const SafePointer<SDKSession>& session, std::uint32_t nCommandId,
+                     Answer& answer, const Request&... request) {
     DomainList reply;
-    const std::int32_t nResult = sendRecords(session, nCommandId, reply, request);
-    if (nResult != fleetkit::ErrorCode::Success) {
-        return nResult;
+    const std::int32_t nCode = sendRecords(session, nCommandId, reply, request...);
+    if (nCode != fleetkit::ErrorCode::Success) {
+        return nCode;
     }
-    return findRecord(Answer::DomainId, 0, reply, answer) ? fleetkit::ErrorCode::Success
-                                                          : fleetkit::ErrorCode::BadReply;
+    const Answer* pAnswer = findAnswer(reply, answer);
+    const bool bTaken = pAnswer != nullptr && guardRoom([&] {
+                            answer = Answer(*pAnswer);
+                            return true;
+                        });
+    return bTaken ? fleetkit::ErrorCode::Success : fleetkit::ErrorCode::BadReply;
 }

@@ -40,7 +40,7 @@ inline CommandBuffer payloadOf(std::string_view strBytes) {
     return bufferOf(strBytes, 1);
 }
 
-using Records = std::vector<SafePointer<BaseDomain>>;
+using Records = DomainList;
 
 template <class... Record>
 Records recordsOf(Record... record) {

@@ -5,13 +5,15 @@
 #include <type_traits>
 
 #include "domain/AlarmOutAction.h"
+#include "domain/ChannelId.h"
 #include "domain/DataBuffer.h"
-#include "domain/DomainContainer.h"
-#include "domain/DomainVectorContainer.h"
+#include "domain/DomainList.h"
 #include "domain/EtCOMWriteData.h"
 #include "domain/EtFileDataPack.h"
+#include "domain/EtResult.h"
 #include "domain/NTPParam.h"
 #include "domain/PolygonArea.h"
+#include "support/WireBytes.h"
 
 using namespace fleetkit;
 
@@ -100,6 +102,18 @@ TEST(DataBuffer, KeepsItsBlockWhileThatIsLargeEnough) {
     EXPECT_EQ(bytesOf(buffer), "abc");
     EXPECT_TRUE(set(buffer, std::string(100000, 'z')));
     EXPECT_EQ(bytesOf(buffer), std::string(100000, 'z'));
+}
+
+TEST(DomainList, FindsTheFirstOfATypeAndListsByTheirElement) {
+    ChannelId four;
+    four.setId(4);
+    const DomainVectorContainer<ChannelId> fours({four, four});
+    const DomainList domains =
+        recordsOf(EtResult(), DomainVectorContainer<EtResult>(), fours, four, ChannelId());
+    EXPECT_EQ(*findRecord<ChannelId>(domains), four);
+    EXPECT_EQ(*findList<ChannelId>(domains), fours.getElements());
+    EXPECT_EQ(findRecord<NTPParam>(domains), nullptr);
+    EXPECT_EQ(findList<NTPParam>(domains), nullptr);
 }
 
 TEST(DataBuffer, RefusesNothingAndKeepsTheOldContent) {

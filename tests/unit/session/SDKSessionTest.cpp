@@ -27,7 +27,7 @@ constexpr std::uint32_t NoSuchCommand = 65000;
 constexpr std::uint32_t OperatePTZ = 14006;
 
 int exchange(const SafePointer<SDKSession>& session, std::uint32_t nCommandId = ReadTime) {
-    return sendRecord(session, nCommandId, ChannelId());
+    return sendSet(session, nCommandId, ChannelId());
 }
 
 // A message of the device, by what makes it differ from the answer that is due.
@@ -201,7 +201,7 @@ TEST(SDKSession, CallersOfOneSessionTakeTurns) {
             for (int nId = nFirst; nId < nFirst + 50; ++nId) {
                 ChannelId answered;
                 const ChannelId asked = with(&ChannelId::setId, nId);
-                ASSERT_EQ(sendRecord(session, ReadTime, asked, answered), 0);
+                ASSERT_EQ(sendGet(session, ReadTime, answered, asked), 0);
                 ASSERT_EQ(answered.getId(), nId);
             }
         });
@@ -227,24 +227,6 @@ TEST(SDKSession, CloseWaitsForTheExchangeUnderWay) {
     EXPECT_EQ(exchange(session), 0);
     closer.join();
     EXPECT_EQ(exchange(session), ErrorCode::NoTransport);
-}
-
-TEST(SessionCommands, FindRecordTakesTheFirstOfItsTypeAndListsByTheirElement) {
-    const ChannelId four = with(&ChannelId::setId, 4);
-    const auto list = listOf<ChannelId>({four, four});
-    const Records reply =
-        recordsOf(EtResult(), DomainVectorContainer<EtResult>(), list, four, ChannelId());
-    ChannelId found;
-    EXPECT_TRUE(findRecord(ChannelId::DomainId, 0, reply, found));
-    EXPECT_EQ(found, four);
-    DomainVectorContainer<ChannelId> foundList;
-    EXPECT_TRUE(findRecord(ContainerDomainId, ChannelId::DomainId, reply, foundList));
-    EXPECT_EQ(foundList.getElements(), list.getElements());
-
-    EtSessionId missing = with(&EtSessionId::setSessionId, 9);
-    EXPECT_FALSE(findRecord(EtSessionId::DomainId, 0, reply, missing));
-    EXPECT_FALSE(findRecord(ContainerDomainId, EtSessionId::DomainId, reply, missing));
-    EXPECT_EQ(missing.getSessionId(), 9);
 }
 
 TEST(SequenceNumber, ThreadsTogetherTakeEachNumberOnceARound) {
