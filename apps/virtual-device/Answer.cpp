@@ -2,7 +2,7 @@
 #include "virtual-device/Answer.h"
 
 #include "domain/EtResult.h"
-#include "protocol/ICommandBodyParser.h"
+#include "protocol/BodyParserFactory.h"
 #include "virtual-device/DeviceResult.h"
 
 namespace {

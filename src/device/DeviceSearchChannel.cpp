@@ -12,12 +12,14 @@
 #include "domain/EtAdapterType.h"
 #include "domain/EtIPProtoVer.h"
 #include "protocol/CommandIds.h"
+#include "protocol/CommandParserFactory.h"
 #include "protocol/CredentialCipher.h"
-#include "protocol/ICommandProtocolParser.h"
 #include "protocol/SDKCommandParam.h"
 #include "session/SequenceNumber.h"
 #include "session/SessionCommands.h"
+#include "session/TCPTransferFactory.h"
 #include "session/TransferFactoryMap.h"
+#include "session/UDPTransferFactory.h"
 
 using namespace fleetkit;
 

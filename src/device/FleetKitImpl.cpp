@@ -4,7 +4,7 @@
 #include <new>
 
 #include "Product/Technic/ErrorCode.h"
-#include "session/TransferFactoryMap.h"
+#include "session/TCPTransferFactory.h"
 
 using namespace fleetkit;
 

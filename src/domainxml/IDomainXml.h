@@ -4,8 +4,6 @@
 // another type, that the node is empty, or that a required field is absent.
 #pragma once
 
-#include <string>
-
 #include "Product/Technic/SafePointer.h"
 #include "domain/BaseDomain.h"
 #include "domainxml/DomainXmlNode.h"
@@ -14,16 +12,11 @@ class IDomainXml {
 public:
     virtual ~IDomainXml() = default;
     // Fills the node from the record, which is a single one or a list.
-    virtual bool createDomainXmlNode(const BaseDomain& record,
-                                     const SafePointer<DomainXmlNode>& node);
+    virtual bool createDomainXmlNode(const BaseDomain&, const SafePointer<DomainXmlNode>&) {
+        return false;
+    }
     // Fills the record, a single one or a list, from the node.
-    virtual bool parseDomainXmlNode(const SafePointer<DomainXmlNode>& node, BaseDomain& record);
+    virtual bool parseDomainXmlNode(const SafePointer<DomainXmlNode>&, BaseDomain&) {
+        return false;
+    }
 };
-
-// Makes a node with this tag and fills it from a record of any type.
-bool createDomainXmlNode(const std::string& strTag, const SafePointer<BaseDomain>& record,
-                         SafePointer<DomainXmlNode>& node);
-
-// Fills a record of any type from a node, and tells the node's tag.
-bool parseDomainXmlNode(const SafePointer<DomainXmlNode>& node, std::string& strTag,
-                        const SafePointer<BaseDomain>& record);

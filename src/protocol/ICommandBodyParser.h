@@ -1,9 +1,6 @@
 // Bodies of commands: a sequence of domain records as bytes, and back.
 #pragma once
 
-#include <cstdint>
-#include <memory>
-
 #include "domain/DomainList.h"
 #include "protocol/CommandBuffer.h"
 
@@ -21,7 +18,3 @@ public:
     // body, and when memory or safe pointers run out. No content raises an exception.
     virtual bool parseCommandBody(const CommandBuffer& in, DomainList& domains) const = 0;
 };
-
-// A new parser for the form in which a command of this id is written and read: XML, but for the
-// nine ids that have a binary form. Null without memory.
-std::unique_ptr<ICommandBodyParser> createBodyParser(std::uint32_t nCommandID);

@@ -1,8 +1,6 @@
 // Whole commands: one contiguous block of head and payload from a command in memory, and back.
 #pragma once
 
-#include <memory>
-
 #include "Product/Technic/SafePointer.h"
 #include "protocol/CommandBuffer.h"
 #include "protocol/CommandParam.h"
@@ -22,6 +20,3 @@ public:
     // message raises an exception.
     virtual bool parseCommand(const CommandBuffer& in, SafePointer<CommandParam>& out) const = 0;
 };
-
-// A new `SDKCommandParser` for protocol type 1, a new `BinCommandParser` for 3, else null.
-std::unique_ptr<ICommandProtocolParser> createCommandProtocolParser(int nProtocolType);

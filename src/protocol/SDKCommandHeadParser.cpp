@@ -2,7 +2,6 @@
 #include "protocol/SDKCommandHeadParser.h"
 
 #include "Product/Technic/RoomGuard.h"
-#include "protocol/ProtocolType.h"
 #include "protocol/SDKCommandHeadInfo.h"
 
 namespace {
@@ -36,11 +35,4 @@ bool SDKCommandHeadParser::parseCommandHead(const std::uint8_t* pBytes, std::uin
 bool SDKCommandHeadParser::parseCommandHead(const CommandBuffer& in,
                                             SafePointer<CommandHeadInfo>& head) const {
     return parseCommandHead(in.data(), in.getLength(), head);
-}
-
-SafePointer<ICommandHeadParser> createCommandHeadParser(int nProtocolType) {
-    if (nProtocolType != ProtocolType::SDK) {
-        return SafePointer<ICommandHeadParser>();
-    }
-    return wrapSafe<ICommandHeadParser>(std::make_unique<SDKCommandHeadParser>());
 }

@@ -13,7 +13,3 @@ public:
     bool parseCommandHead(const CommandBuffer& in,
                           SafePointer<CommandHeadInfo>& head) const override;
 };
-
-// A new parser for protocol type 1, and an empty pointer for any other type: binary commands have
-// the same head, and their parser reads it itself.
-SafePointer<ICommandHeadParser> createCommandHeadParser(int nProtocolType);

@@ -7,9 +7,8 @@
 
 #include "Product/Technic/LogFilter.h"
 #include "Product/Technic/RoomGuard.h"
-#include "protocol/BinCommandParser.h"
+#include "protocol/BodyParserFactory.h"
 #include "protocol/CommandFrame.h"
-#include "protocol/ICommandBodyParser.h"
 #include "protocol/ProtocolType.h"
 #include "protocol/SDKCommandParam.h"
 
@@ -83,15 +82,4 @@ bool SDKCommandParser::parseCommand(const CommandBuffer& in, SafePointer<Command
         out = wrapSafe<CommandParam>(std::move(pParam));
         return true;
     });
-}
-
-std::unique_ptr<ICommandProtocolParser> createCommandProtocolParser(int nProtocolType) {
-    switch (nProtocolType) {
-        case ProtocolType::SDK:
-            return std::make_unique<SDKCommandParser>();
-        case ProtocolType::Binary:
-            return std::make_unique<BinCommandParser>();
-        default:
-            return nullptr;
-    }
 }

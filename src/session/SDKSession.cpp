@@ -8,7 +8,7 @@
 #include "Product/Technic/RoomGuard.h"
 #include "domain/EtResult.h"
 #include "protocol/CommandBuffer.h"
-#include "protocol/ICommandProtocolParser.h"
+#include "protocol/CommandParserFactory.h"
 #include "session/SequenceNumber.h"
 #include "session/TransferConnector.h"
 

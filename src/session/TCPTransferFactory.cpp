@@ -1,9 +1,16 @@
+// TCP transports, and their place in the registry.
 #include "session/TCPTransferFactory.h"
 
 #include <new>
 
 #include "session/TCPTransfer.h"
+#include "session/TransferFactoryMap.h"
 
 std::unique_ptr<ITransfer> TCPTransferFactory::create(int nIPProtoVer) {
     return std::unique_ptr<ITransfer>(new (std::nothrow) TCPTransfer(nIPProtoVer));
+}
+
+void registerTCPTransfer() {
+    static const TransferFactoryRegistrar registrar(TransferKind::TCP,
+                                                    std::make_unique<TCPTransferFactory>());
 }

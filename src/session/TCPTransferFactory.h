@@ -7,3 +7,6 @@ class TCPTransferFactory : public ITransferFactory {
 public:
     std::unique_ptr<ITransfer> create(int nIPProtoVer) override;
 };
+
+// Keeps this kind registered until the process ends; further calls do nothing.
+void registerTCPTransfer();

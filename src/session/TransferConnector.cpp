@@ -5,7 +5,9 @@
 
 #include "Product/Technic/ErrorCode.h"
 #include "Product/Technic/IPTool.h"
+#include "session/TCPTransferFactory.h"
 #include "session/TransferFactoryMap.h"
+#include "session/UDPTransferFactory.h"
 
 using namespace fleetkit;
 

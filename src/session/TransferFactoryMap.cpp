@@ -1,7 +1,5 @@
+// The registry, and the hold that a registrar has on its entry.
 #include "session/TransferFactoryMap.h"
-
-#include "session/TCPTransferFactory.h"
-#include "session/UDPTransferFactory.h"
 
 TransferFactoryMap& TransferFactoryMap::instance() {
     static TransferFactoryMap map;
@@ -38,14 +36,4 @@ TransferFactoryRegistrar::TransferFactoryRegistrar(int nKind,
 
 TransferFactoryRegistrar::~TransferFactoryRegistrar() {
     TransferFactoryMap::instance().remove(m_nKind);
-}
-
-void registerTCPTransfer() {
-    static const TransferFactoryRegistrar registrar(TransferKind::TCP,
-                                                    std::make_unique<TCPTransferFactory>());
-}
-
-void registerUDPTransfer() {
-    static const TransferFactoryRegistrar registrar(TransferKind::UDP,
-                                                    std::make_unique<UDPTransferFactory>());
 }

@@ -37,7 +37,3 @@ public:
 private:
     int m_nKind;
 };
-
-// Each sees to it that the kind stays registered until the process ends; further calls do nothing.
-void registerTCPTransfer();
-void registerUDPTransfer();

@@ -1,9 +1,16 @@
+// UDP transports, and their place in the registry.
 #include "session/UDPTransferFactory.h"
 
 #include <new>
 
+#include "session/TransferFactoryMap.h"
 #include "session/UDPTransfer.h"
 
 std::unique_ptr<ITransfer> UDPTransferFactory::create(int nIPProtoVer) {
     return std::unique_ptr<ITransfer>(new (std::nothrow) UDPTransfer(nIPProtoVer));
+}
+
+void registerUDPTransfer() {
+    static const TransferFactoryRegistrar registrar(TransferKind::UDP,
+                                                    std::make_unique<UDPTransferFactory>());
 }

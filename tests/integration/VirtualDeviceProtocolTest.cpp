@@ -23,7 +23,7 @@
 #include "integration/LoginData.h"
 #include "protocol/CommandCatalogue.h"
 #include "protocol/CommandIds.h"
-#include "protocol/SDKCommandHeadParser.h"
+#include "protocol/CommandParserFactory.h"
 #include "protocol/SDKCommandParser.h"
 #include "session/TCPTransfer.h"
 #include "support/LoopbackNamespace.h"

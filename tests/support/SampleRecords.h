@@ -10,8 +10,8 @@
 
 #include "domain/ChannelId.h"
 #include "domain/DomainVectorContainer.h"
+#include "protocol/BodyParserFactory.h"
 #include "protocol/CredentialCipher.h"
-#include "protocol/ICommandBodyParser.h"
 #include "support/RecordFiller.h"
 #include "support/WireBytes.h"
 

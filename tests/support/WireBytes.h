@@ -8,8 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "Product/Technic/SafePointer.h"
-#include "domain/BaseDomain.h"
+#include "domain/DomainList.h"
 #include "protocol/CommandBuffer.h"
 
 // "AF AF 00" as three bytes.

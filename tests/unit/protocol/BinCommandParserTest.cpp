@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "protocol/BinCommandParser.h"
+#include "protocol/CommandParserFactory.h"
 #include "protocol/SDKCommandParser.h"
 #include "support/WireCommands.h"
 

@@ -5,7 +5,7 @@
 #include "domain/EtCOMWriteData.h"
 #include "domain/EtFileDataPack.h"
 #include "domain/EtPTZOperation.h"
-#include "protocol/ICommandBodyParser.h"
+#include "protocol/BodyParserFactory.h"
 #include "protocol/NetworkOrder.h"
 #include "support/WireCommands.h"
 

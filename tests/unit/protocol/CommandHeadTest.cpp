@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "Product/Technic/KXRuntimeError.h"
+#include "protocol/CommandParserFactory.h"
 #include "protocol/SDKCommandHeadParser.h"
 #include "support/WireCommands.h"
 

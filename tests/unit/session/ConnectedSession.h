@@ -5,7 +5,7 @@
 
 #include <memory>
 
-#include "protocol/SDKCommandHeadParser.h"
+#include "protocol/CommandParserFactory.h"
 #include "session/SDKSession.h"
 #include "session/TransferConnector.h"
 #include "support/ScriptedPeer.h"

@@ -8,8 +8,8 @@
 
 #include "Product/Technic/ErrorCode.h"
 #include "Product/Technic/LogFilter.h"
+#include "protocol/CommandParserFactory.h"
 #include "protocol/SDKCommandHeadInfo.h"
-#include "protocol/SDKCommandHeadParser.h"
 #include "session/TCPTransfer.h"
 #include "session/UDPTransfer.h"
 #include "support/WireBytes.h"

@@ -1,5 +1,5 @@
 // Which form of body a command has.
-#include "protocol/ICommandBodyParser.h"
+#include "protocol/BodyParserFactory.h"
 
 #include <algorithm>
 #include <new>
