@@ -7,7 +7,7 @@ set(public_headers
   Product/Technic/Export.h Product/Technic/IPTool.h
   Product/Technic/LogThreshold.h
   domain/BaseDomain.h domain/DomainContainer.h domain/DomainVectorContainer.h
-  domain/RecordDescriptor.h protocol/CommandCatalogue.h)
+  domain/MemberVisitor.h domain/RecordDescriptor.h protocol/CommandCatalogue.h)
 list(TRANSFORM public_headers PREPEND "${PROJECT_SOURCE_DIR}/src/")
 file(STRINGS "${FLEETKIT_GENERATED}/exported-records.txt" record_headers)
 set(generated_headers ${record_headers}

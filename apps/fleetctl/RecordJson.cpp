@@ -1,10 +1,14 @@
 // Walks records and JSON side by side.
 #include "RecordJson.h"
 
+#include <fleetkit/domain/MemberVisitor.h>
+
 #include <array>
 #include <charconv>
 #include <cstdlib>
 #include <limits>
+#include <stdexcept>
+#include <type_traits>
 #include <vector>
 
 #include "Base64Text.h"
@@ -21,62 +25,6 @@ double decimalOf(float fValue) {
     return std::strtod(arrText.data(), nullptr);
 }
 
-template <class T>
-T& as(void* pObject) {
-    return *static_cast<T*>(pObject);
-}
-template <class T>
-const T& as(const void* pObject) {
-    return *static_cast<const T*>(pObject);
-}
-
-Json scalarToJson(FieldKind nKind, const void* pObject) {
-    switch (nKind) {
-        case FieldKind::Bool:
-            return as<bool>(pObject);
-        case FieldKind::UnsignedShort:
-            return as<unsigned short>(pObject);
-        case FieldKind::Float:
-            return decimalOf(as<float>(pObject));
-        case FieldKind::Double:
-            return as<double>(pObject);
-        case FieldKind::String:
-            return as<std::string>(pObject);
-        case FieldKind::Block: {
-            const auto& block = as<OptionalBlock>(pObject);
-            return block ? Json(toBase64(*block)) : Json(nullptr);
-        }
-        default:
-            return as<int>(pObject);
-    }
-}
-
-void scalarFromJson(const Json& json, FieldKind nKind, void* pObject) {
-    switch (nKind) {
-        case FieldKind::Bool:
-            as<bool>(pObject) = json.get<bool>();
-            return;
-        case FieldKind::UnsignedShort:
-            as<unsigned short>(pObject) = json.get<unsigned short>();
-            return;
-        case FieldKind::Float:
-            as<float>(pObject) = json.get<float>();
-            return;
-        case FieldKind::Double:
-            as<double>(pObject) = json.get<double>();
-            return;
-        case FieldKind::String:
-            as<std::string>(pObject) = json.get<std::string>();
-            return;
-        case FieldKind::Block:
-            as<OptionalBlock>(pObject) =
-                json.is_null() ? OptionalBlock() : fromBase64(json.get<std::string>());
-            return;
-        default:
-            as<int>(pObject) = json.get<int>();
-    }
-}
-
 bool fits(const Json& json, std::int64_t nLeast, std::int64_t nMost) {
     if (json.is_number_unsigned()) {
         return json.get<std::uint64_t>() <= static_cast<std::uint64_t>(nMost);
@@ -90,40 +38,112 @@ bool fits(const Json& json) {
     return fits(json, std::numeric_limits<T>::min(), std::numeric_limits<T>::max());
 }
 
-bool isScalar(const Json& json, FieldKind nKind) {
-    switch (nKind) {
-        case FieldKind::Bool:
-            return json.is_boolean();
-        case FieldKind::UnsignedShort:
-            return fits<unsigned short>(json);
-        case FieldKind::Float:
-        case FieldKind::Double:
-            return json.is_number();
-        case FieldKind::String:
-            return json.is_string();
-        case FieldKind::Block:
-            return json.is_null() || (json.is_string() && fromBase64(json.get<std::string>()));
-        default:
-            return fits<int>(json);
+// What JSON has for each type of a single value: both ways, whether some JSON is one, and words.
+template <class T>
+struct ScalarJson;
+
+template <>
+struct ScalarJson<bool> {
+    static constexpr const char* Words = "true or false";
+    static bool takes(const Json& json) { return json.is_boolean(); }
+    static Json to(bool bValue) { return bValue; }
+    static void from(const Json& json, bool& bValue) { bValue = json.get<bool>(); }
+};
+
+template <>
+struct ScalarJson<int> {
+    static constexpr const char* Words = "a whole number from -2147483648 to 2147483647";
+    static bool takes(const Json& json) { return fits<int>(json); }
+    static Json to(int nValue) { return nValue; }
+    static void from(const Json& json, int& nValue) { nValue = json.get<int>(); }
+};
+
+template <>
+struct ScalarJson<unsigned short> {
+    static constexpr const char* Words = "a whole number from 0 to 65535";
+    static bool takes(const Json& json) { return fits<unsigned short>(json); }
+    static Json to(unsigned short nValue) { return nValue; }
+    static void from(const Json& json, unsigned short& nValue) {
+        nValue = json.get<unsigned short>();
     }
+};
+
+template <>
+struct ScalarJson<double> {
+    static constexpr const char* Words = "a number";
+    static bool takes(const Json& json) { return json.is_number(); }
+    static Json to(double dValue) { return dValue; }
+    static void from(const Json& json, double& dValue) { dValue = json.get<double>(); }
+};
+
+template <>
+struct ScalarJson<float> : ScalarJson<double> {
+    static Json to(float fValue) { return decimalOf(fValue); }
+    static void from(const Json& json, float& fValue) { fValue = json.get<float>(); }
+};
+
+template <>
+struct ScalarJson<std::string> {
+    static constexpr const char* Words = "a text";
+    static bool takes(const Json& json) { return json.is_string(); }
+    static Json to(const std::string& strValue) { return strValue; }
+    static void from(const Json& json, std::string& strValue) {
+        strValue = json.get<std::string>();
+    }
+};
+
+template <>
+struct ScalarJson<OptionalBlock> {
+    static constexpr const char* Words = "base64";
+    static bool takes(const Json& json) {
+        return json.is_null() || (json.is_string() && fromBase64(json.get<std::string>()));
+    }
+    static Json to(const OptionalBlock& block) {
+        return block ? Json(toBase64(*block)) : Json(nullptr);
+    }
+    static void from(const Json& json, OptionalBlock& block) {
+        block = json.is_null() ? OptionalBlock() : fromBase64(json.get<std::string>());
+    }
+};
+
+// Calls with the MemberType of a kind that holds a single value.
+template <class Visitor>
+decltype(auto) visitScalar(FieldKind nKind, const Visitor& visitor) {
+    using Result = decltype(visitor(MemberType<bool>()));
+    return visitKind(nKind, [&](auto type, auto form) -> Result {
+        using Form = decltype(form);
+        if constexpr (std::is_same_v<Form, FieldForm::Attribute> ||
+                      std::is_same_v<Form, FieldForm::Encoded>) {
+            return visitor(type);
+        } else {
+            throw std::logic_error("a kind of field that holds no single value");
+        }
+    });
+}
+
+Json scalarToJson(FieldKind nKind, const void* pObject) {
+    return visitScalar(nKind, [&](auto type) {
+        using T = typename decltype(type)::Type;
+        return ScalarJson<T>::to(*static_cast<const T*>(pObject));
+    });
+}
+
+void scalarFromJson(const Json& json, FieldKind nKind, void* pObject) {
+    visitScalar(nKind, [&](auto type) {
+        using T = typename decltype(type)::Type;
+        ScalarJson<T>::from(json, *static_cast<T*>(pObject));
+    });
+}
+
+bool isScalar(const Json& json, FieldKind nKind) {
+    return visitScalar(
+        nKind, [&](auto type) { return ScalarJson<typename decltype(type)::Type>::takes(json); });
 }
 
 std::string describeScalar(FieldKind nKind) {
-    switch (nKind) {
-        case FieldKind::Bool:
-            return "true or false";
-        case FieldKind::UnsignedShort:
-            return "a whole number from 0 to 65535";
-        case FieldKind::Float:
-        case FieldKind::Double:
-            return "a number";
-        case FieldKind::String:
-            return "a text";
-        case FieldKind::Block:
-            return "base64";
-        default:
-            return "a whole number from -2147483648 to 2147483647";
-    }
+    return visitScalar(nKind, [](auto type) -> std::string {
+        return ScalarJson<typename decltype(type)::Type>::Words;
+    });
 }
 
 std::string printable(const Json& json) {
@@ -161,18 +181,34 @@ const FieldDescriptor& fieldOf(const RecordDescriptor& descriptor, const std::st
                      "'; its fields are:" + (strNames.empty() ? " none" : strNames));
 }
 
+// Bare values stand in lists of their own type.
 Json scalarListToJson(FieldKind nKind, const void* pObject) {
-    return nKind == FieldKind::String ? Json(as<std::vector<std::string>>(pObject))
-                                      : Json(as<std::vector<int>>(pObject));
+    return visitScalar(nKind, [&](auto type) {
+        using T = typename decltype(type)::Type;
+        Json json = Json::array();
+        for (const auto& value : *static_cast<const std::vector<T>*>(pObject)) {
+            json.push_back(ScalarJson<T>::to(value));
+        }
+        return json;
+    });
+}
+
+void scalarListFromJson(const Json& json, FieldKind nKind, void* pObject) {
+    visitScalar(nKind, [&](auto type) {
+        using T = typename decltype(type)::Type;
+        std::vector<T> vecValues;
+        for (const Json& element : json) {
+            T value{};
+            ScalarJson<T>::from(element, value);
+            vecValues.push_back(std::move(value));
+        }
+        *static_cast<std::vector<T>*>(pObject) = std::move(vecValues);
+    });
 }
 
 void listFromJson(const Json& json, const Shape& shape, void* pObject) {
     if (shape.pRecord == nullptr) {
-        if (shape.nScalar == FieldKind::String) {
-            as<std::vector<std::string>>(pObject) = json.get<std::vector<std::string>>();
-        } else {
-            as<std::vector<int>>(pObject) = json.get<std::vector<int>>();
-        }
+        scalarListFromJson(json, shape.nScalar, pObject);
         return;
     }
     const TypeAccess& access = shape.pRecord->access;
@@ -210,9 +246,16 @@ Shape shapeOf(const FieldDescriptor& field) noexcept {
             return {true, nullptr, FieldKind::Int};
         case FieldKind::StringList:
             return {true, nullptr, FieldKind::String};
-        default:
+        case FieldKind::Bool:
+        case FieldKind::Int:
+        case FieldKind::UnsignedShort:
+        case FieldKind::Float:
+        case FieldKind::Double:
+        case FieldKind::String:
+        case FieldKind::Block:
             return {false, nullptr, field.nKind};
     }
+    return {};
 }
 
 std::string describeShape(const Shape& shape) {

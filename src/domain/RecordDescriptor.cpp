@@ -5,64 +5,36 @@
 #include <cstring>
 
 #include "domain/DomainTables.h"
+#include "domain/MemberVisitor.h"
 
 namespace fleetkit {
 
 namespace {
 
-template <class T>
-bool sameMember(const void* pLeft, const void* pRight, std::uint32_t nOffset) {
-    return memberOf<T>(pLeft, nOffset) == memberOf<T>(pRight, nOffset);
-}
+// Compares a member with the one at the same place of another record.
+struct Comparison {
+    const void* pOther;
 
-bool sameList(const RecordDescriptor& element, const void* pLeft, const void* pRight) {
-    const std::size_t nSize = element.access.listSize(pLeft);
-    if (nSize != element.access.listSize(pRight)) {
-        return false;
+    template <class T, class Form>
+    bool operator()(const T& value, Form) const {
+        return value == *static_cast<const T*>(pOther);
     }
-    for (std::size_t i = 0; i < nSize; ++i) {
-        if (!equalRecords(element, element.access.listAt(pLeft, i),
-                          element.access.listAt(pRight, i))) {
-            return false;
+
+    template <class Form>
+    bool operator()(const NestedMember<const void>& member, Form) const {
+        return equalRecords(member.type, member.pObject, pOther);
+    }
+
+    template <class Form>
+    bool operator()(const NestedListMember<const void>& list, Form) const {
+        const NestedListMember<const void> other{list.type, pOther};
+        bool bSame = list.size() == other.size();
+        for (std::size_t i = 0; bSame && i < list.size(); ++i) {
+            bSame = equalRecords(list.type, list.at(i), other.at(i));
         }
+        return bSame;
     }
-    return true;
-}
-
-bool sameField(const FieldDescriptor& field, const void* pLeft, const void* pRight) {
-    const std::uint32_t nOffset = field.nOffset;
-    switch (field.nKind) {
-        case FieldKind::Bool:
-            return sameMember<bool>(pLeft, pRight, nOffset);
-        case FieldKind::Int:
-            return sameMember<int>(pLeft, pRight, nOffset);
-        case FieldKind::UnsignedShort:
-            return sameMember<unsigned short>(pLeft, pRight, nOffset);
-        case FieldKind::Float:
-            return sameMember<float>(pLeft, pRight, nOffset);
-        case FieldKind::Double:
-            return sameMember<double>(pLeft, pRight, nOffset);
-        case FieldKind::String:
-            return sameMember<std::string>(pLeft, pRight, nOffset);
-        case FieldKind::IntList:
-        case FieldKind::JoinedInts:
-            return sameMember<std::vector<int>>(pLeft, pRight, nOffset);
-        case FieldKind::StringList:
-            return sameMember<std::vector<std::string>>(pLeft, pRight, nOffset);
-        case FieldKind::Block:
-            return sameMember<OptionalBlock>(pLeft, pRight, nOffset);
-        case FieldKind::Record:
-        case FieldKind::Element:
-            return equalRecords(field.nested(), &memberOf<char>(pLeft, nOffset),
-                                &memberOf<char>(pRight, nOffset));
-        case FieldKind::RecordList:
-        case FieldKind::ElementList:
-        case FieldKind::JoinedRecords:
-            return sameList(field.nested(), &memberOf<char>(pLeft, nOffset),
-                            &memberOf<char>(pRight, nOffset));
-    }
-    return false;
-}
+};
 
 }  // namespace
 
@@ -71,7 +43,8 @@ bool equalRecords(const RecordDescriptor& descriptor, const void* pLeft, const v
         return false;
     }
     return std::all_of(descriptor.begin(), descriptor.end(), [&](const FieldDescriptor& field) {
-        return sameField(field, pLeft, pRight);
+        return visitMember(field, &memberOf<char>(pLeft, field.nOffset),
+                           Comparison{&memberOf<char>(pRight, field.nOffset)});
     });
 }
 

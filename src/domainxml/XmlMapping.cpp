@@ -4,11 +4,11 @@
 #include <algorithm>
 #include <cstring>
 
+#include "domain/MemberVisitor.h"
 #include "domainxml/BlockMapping.h"
 #include "domainxml/FieldText.h"
 #include "domainxml/MappingWords.h"
 #include "domainxml/OddMapper.h"
-#include "domainxml/XmlText.h"
 
 using namespace fleetkit;
 
@@ -16,49 +16,52 @@ namespace XmlMapping {
 
 namespace {
 
-using Strings = std::vector<std::string>;
-using Ints = std::vector<int>;
+using Record = NestedMember<void>;
+using ConstRecord = NestedMember<const void>;
+using List = NestedListMember<void>;
+using ConstList = NestedListMember<const void>;
 
 // ---- attributes
 
 // What an absent attribute does to the record; false when the parse is to stop.
+template <class Member>
 bool missValue(const RecordDescriptor& owner, const FieldDescriptor& field, XmlCursor element,
-               void* pMember) {
+               Member& member) {
     switch (field.nPresence) {
         case Presence::Zeroed:
-            FieldText::clear(field, pMember);
+            FieldText::clear(member);
             return true;
         case Presence::Kept:
             return true;
         case Presence::Fallback:
-            FieldText::read(field, field.szFallback, pMember);
+            FieldText::read(field, field.szFallback, member);
             break;
         case Presence::Logged:
         case Presence::Required:
             break;
     }
-    MappingWords::printMissing(owner, field, element, FieldText::of(field, pMember));
+    MappingWords::printMissing(owner, field, element, FieldText::of(field, member));
     return field.nPresence != Presence::Required;
 }
 
+template <class Member>
 bool readAttribute(const RecordDescriptor& owner, const FieldDescriptor& field, XmlCursor element,
-                   void* pRecord) {
-    const bool bElsewhere = field.szReadInto != nullptr;
-    void* pMember = &memberOf<char>(pRecord, bElsewhere ? field.nOtherOffset : field.nOffset);
+                   Member& member) {
     const char* szText = element.attribute(field.szTag);
     if (szText == nullptr) {
-        return missValue(owner, field, element, pMember);
+        return missValue(owner, field, element, member);
     }
     // A text that is no value leaves what the field starts from.
     if (field.nPresence != Presence::Kept && field.nPresence != Presence::Logged) {
-        FieldText::clear(field, pMember);
+        FieldText::clear(member);
     }
-    FieldText::read(field, szText, pMember);
+    FieldText::read(field, szText, member);
     return true;
 }
 
-void writeAttribute(const FieldDescriptor& field, const void* pMember, XmlCursor element) {
-    const std::string strText = FieldText::of(field, pMember);
+template <class Member>
+void writeAttribute(const FieldDescriptor& field, const Member& member, XmlCursor element) {
+    const std::string& strText = FieldText::of(field, member);
     if (!field.has(OmitEmpty) || !strText.empty()) {
         element.setAttribute(field.szTag, strText);
     }
@@ -66,35 +69,24 @@ void writeAttribute(const FieldDescriptor& field, const void* pMember, XmlCursor
 
 // ---- lists of bare values
 
-void writeValues(const FieldDescriptor& field, const void* pMember, XmlCursor element) {
+template <class Value>
+void writeValues(const FieldDescriptor& field, const std::vector<Value>& vecValues,
+                 XmlCursor element) {
     const XmlCursor list = field.has(BareValues) ? element : element.appendChild(field.szTag);
-    if (field.nKind == FieldKind::IntList) {
-        for (const int nValue : *static_cast<const Ints*>(pMember)) {
-            list.appendChild(field.szItem).setAttribute(field.szItem, XmlText::ofInt(nValue));
-        }
-        return;
-    }
-    for (const std::string& strValue : *static_cast<const Strings*>(pMember)) {
-        list.appendChild(field.szItem).setAttribute(field.szItem, strValue);
+    for (const Value& value : vecValues) {
+        list.appendChild(field.szItem).setAttribute(field.szItem, FieldText::of(field, value));
     }
 }
 
-void appendValue(const FieldDescriptor& field, const char* szText, void* pMember) {
-    const char* szValue = szText == nullptr ? "" : szText;
-    if (field.nKind == FieldKind::IntList) {
-        static_cast<Ints*>(pMember)->push_back(XmlText::toInt(szValue));
-    } else {
-        static_cast<Strings*>(pMember)->emplace_back(szValue);
-    }
+template <class Value>
+void appendValue(const FieldDescriptor& field, const char* szText, std::vector<Value>& vecValues) {
+    FieldText::read(field, szText == nullptr ? "" : szText, vecValues.emplace_back());
 }
 
+template <class Value>
 void readValues(const RecordDescriptor& owner, const FieldDescriptor& field, XmlCursor element,
-                void* pMember) {
-    if (field.nKind == FieldKind::IntList) {
-        static_cast<Ints*>(pMember)->clear();
-    } else {
-        static_cast<Strings*>(pMember)->clear();
-    }
+                std::vector<Value>& vecValues) {
+    vecValues.clear();
     const bool bBare = field.has(BareValues);
     const XmlCursor list = bBare ? element : element.firstChild(field.szTag);
     if (!list) {
@@ -103,11 +95,11 @@ void readValues(const RecordDescriptor& owner, const FieldDescriptor& field, Xml
         return;
     }
     for (XmlCursor child = list.firstChild(); child; child = child.next()) {
-        appendValue(field, child.attribute(field.szItem), pMember);
+        appendValue(field, child.attribute(field.szItem), vecValues);
     }
     // Older devices put a single value on the element itself.
     if (bBare && element.attribute(field.szItem) != nullptr) {
-        appendValue(field, element.attribute(field.szItem), pMember);
+        appendValue(field, element.attribute(field.szItem), vecValues);
     }
 }
 
@@ -116,18 +108,17 @@ void readValues(const RecordDescriptor& owner, const FieldDescriptor& field, Xml
 bool readFields(const RecordDescriptor& descriptor, XmlCursor element, void* pRecord,
                 const char* szUnread);
 
-bool writeNested(const RecordDescriptor& owner, const FieldDescriptor& field, const void* pMember,
-                 XmlCursor element) {
-    if (!writeRecord(field.nested(), pMember, element.appendChild(field.szTag))) {
+void writeNested(const RecordDescriptor& owner, const FieldDescriptor& field,
+                 const ConstRecord& record, XmlCursor element) {
+    if (!writeRecord(record.type, record.pObject, element.appendChild(field.szTag))) {
         element.removeLastChild();
         MappingWords::printUnwritten(owner, field);
     }
-    return true;
 }
 
 // A record that is there takes its place only if it is read to its end.
 bool readNested(const RecordDescriptor& owner, const FieldDescriptor& field, XmlCursor element,
-                void* pMember) {
+                const Record& record) {
     const XmlCursor child = element.firstChild(field.szTag);
     if (!child) {
         if (field.szAbsent != nullptr) {
@@ -135,142 +126,223 @@ bool readNested(const RecordDescriptor& owner, const FieldDescriptor& field, Xml
         }
         return field.nPresence != Presence::Required;
     }
-    const RecordDescriptor& nested = field.nested();
-    const auto pFresh = nested.access.make();
-    if (readRecord(nested, child, pFresh.get())) {
-        nested.access.moveInto(pMember, *pFresh);
+    const auto pFresh = record.type.access.make();
+    if (readRecord(record.type, child, pFresh.get())) {
+        record.type.access.moveInto(record.pObject, *pFresh);
     }
     return true;
 }
 
 void writeRecordList(const RecordDescriptor& owner, const FieldDescriptor& field,
-                     const void* pMember, XmlCursor element) {
-    if (!writeList(field.nested(), pMember, element.appendChild(field.szTag))) {
+                     const ConstList& records, XmlCursor element) {
+    if (!writeList(records.type, records.pList, element.appendChild(field.szTag))) {
         element.removeLastChild();
         MappingWords::printUnwritten(owner, field);
     }
 }
 
 void readRecordList(const RecordDescriptor& owner, const FieldDescriptor& field, XmlCursor element,
-                    void* pMember) {
-    const RecordDescriptor& nested = field.nested();
+                    const List& records) {
     const XmlCursor list = element.firstChild(field.szTag);
     if (!list) {
-        nested.access.listReset(pMember, 0);
+        records.type.access.listReset(records.pList, 0);
         MappingWords::printMissingList(owner, field);
         MappingWords::printBadList(owner, field);
-    } else if (!readList(nested, list, pMember)) {
+    } else if (!readList(records.type, list, records.pList)) {
         MappingWords::printBadList(owner, field);
     }
 }
 
 // An element that is missed in words of its own: its fields take their fallbacks without a line.
-void fillDefaults(const RecordDescriptor& descriptor, const char* szUnread, void* pElement) {
-    for (const FieldDescriptor& field : descriptor) {
-        void* pMember = &memberOf<char>(pElement, field.nOffset);
-        if (szUnread != nullptr && std::strcmp(field.szTag, szUnread) == 0) {
-            continue;
+void fillDefaults(const Record& element, const char* szUnread);
+
+class DefaultFiller {
+public:
+    explicit DefaultFiller(const FieldDescriptor& field) noexcept : m_field(field) {}
+
+    template <class Member>
+    void operator()(Member&& member, FieldForm::Attribute) const {
+        fill(member);
+    }
+    template <class Member>
+    void operator()(Member&& member, FieldForm::Joined) const {
+        fill(member);
+    }
+    void operator()(const Record& element, FieldForm::Inline) const {
+        fillDefaults(element, m_field.szUnread);
+    }
+    // Whatever else an element holds has no fallback, and keeps what it has.
+    void operator()(const List&, FieldForm::Inline) const {}
+    template <class Member>
+    void operator()(Member&&, FieldForm::Child) const {}
+    template <class Member>
+    void operator()(Member&&, FieldForm::Values) const {}
+    template <class Member>
+    void operator()(Member&&, FieldForm::Encoded) const {}
+
+private:
+    template <class Member>
+    void fill(Member& member) const {
+        if (m_field.nPresence == Presence::Kept || m_field.nPresence == Presence::Logged) {
+            return;
         }
-        if (field.nKind == FieldKind::Element) {
-            fillDefaults(field.nested(), field.szUnread, pMember);
-            continue;
+        FieldText::clear(member);
+        if (m_field.szFallback != nullptr) {
+            FieldText::read(m_field, m_field.szFallback, member);
         }
-        if (field.nPresence == Presence::Kept || field.nPresence == Presence::Logged) {
-            continue;
-        }
-        FieldText::clear(field, pMember);
-        if (field.szFallback != nullptr) {
-            FieldText::read(field, field.szFallback, pMember);
+    }
+
+    const FieldDescriptor& m_field;
+};
+
+void fillDefaults(const Record& element, const char* szUnread) {
+    for (const FieldDescriptor& field : element.type) {
+        if (szUnread == nullptr || std::strcmp(field.szTag, szUnread) != 0) {
+            visitMember(field, &memberOf<char>(element.pObject, field.nOffset),
+                        DefaultFiller(field));
         }
     }
 }
 
 void readElement(const RecordDescriptor& owner, const FieldDescriptor& field, XmlCursor element,
-                 void* pMember) {
-    const RecordDescriptor& nested = field.nested();
+                 const Record& record) {
     const XmlCursor child = element.firstChild(field.szTag);
-    const char* szWords = field.szAbsent != nullptr ? field.szAbsent : nested.szAbsent;
+    const char* szWords = field.szAbsent != nullptr ? field.szAbsent : record.type.szAbsent;
     if (!child && szWords != nullptr) {
         MappingWords::printMissingElement(owner, field, szWords, element);
-        fillDefaults(nested, field.szUnread, pMember);
+        fillDefaults(record, field.szUnread);
         return;
     }
-    readFields(nested, child, pMember, field.szUnread);
+    readFields(record.type, child, record.pObject, field.szUnread);
 }
 
-void writeElementList(const FieldDescriptor& field, const void* pMember, XmlCursor element) {
-    const RecordDescriptor& nested = field.nested();
+void writeElementList(const FieldDescriptor& field, const ConstList& elements, XmlCursor element) {
     const XmlCursor parent = field.szItem == nullptr ? element : element.appendChild(field.szItem);
-    for (std::size_t i = 0; i < nested.access.listSize(pMember); ++i) {
-        writeRecord(nested, nested.access.listAt(pMember, i), parent.appendChild(field.szTag));
+    for (std::size_t i = 0; i < elements.size(); ++i) {
+        writeRecord(elements.type, elements.at(i), parent.appendChild(field.szTag));
     }
 }
 
 void readElementList(const RecordDescriptor& owner, const FieldDescriptor& field, XmlCursor element,
-                     void* pMember) {
-    const RecordDescriptor& nested = field.nested();
+                     const List& elements) {
     const XmlCursor parent = field.szItem == nullptr ? element : element.firstChild(field.szItem);
     const std::vector<XmlCursor> vecChildren = parent.children(field.szTag);
     if (vecChildren.empty() && field.szAbsent != nullptr) {
         MappingWords::printMissingElement(owner, field, field.szAbsent, element);
     }
-    nested.access.listReset(pMember, vecChildren.size());
+    const TypeAccess& access = elements.type.access;
+    access.listReset(elements.pList, vecChildren.size());
     for (std::size_t i = 0; i < vecChildren.size(); ++i) {
-        readFields(nested, vecChildren[i], nested.access.listElement(pMember, i), nullptr);
+        readFields(elements.type, vecChildren[i], access.listElement(elements.pList, i), nullptr);
     }
 }
 
 // ---- fields
 
+class FieldWriter {
+public:
+    FieldWriter(const RecordDescriptor& owner, const FieldDescriptor& field, const void* pRecord,
+                XmlCursor element) noexcept
+        : m_owner(owner), m_field(field), m_pRecord(pRecord), m_element(element) {}
+
+    template <class Member>
+    bool operator()(const Member& member, FieldForm::Attribute) const {
+        writeAttribute(m_field, member, m_element);
+        return true;
+    }
+    template <class Member>
+    bool operator()(const Member& member, FieldForm::Joined) const {
+        writeAttribute(m_field, member, m_element);
+        return true;
+    }
+    template <class Value>
+    bool operator()(const std::vector<Value>& vecValues, FieldForm::Values) const {
+        writeValues(m_field, vecValues, m_element);
+        return true;
+    }
+    bool operator()(const ConstRecord& record, FieldForm::Child) const {
+        writeNested(m_owner, m_field, record, m_element);
+        return true;
+    }
+    bool operator()(const ConstRecord& record, FieldForm::Inline) const {
+        writeNested(m_owner, m_field, record, m_element);
+        return true;
+    }
+    bool operator()(const ConstList& records, FieldForm::Child) const {
+        writeRecordList(m_owner, m_field, records, m_element);
+        return true;
+    }
+    bool operator()(const ConstList& elements, FieldForm::Inline) const {
+        writeElementList(m_field, elements, m_element);
+        return true;
+    }
+    bool operator()(const OptionalBlock&, FieldForm::Encoded) const {
+        return BlockMapping::write(m_field, m_pRecord, m_element);
+    }
+
+private:
+    const RecordDescriptor& m_owner;
+    const FieldDescriptor& m_field;
+    const void* m_pRecord;
+    XmlCursor m_element;
+};
+
 bool writeField(const RecordDescriptor& owner, const FieldDescriptor& field, const void* pRecord,
                 XmlCursor element) {
-    const void* pMember = &memberOf<char>(pRecord, field.nOffset);
-    switch (field.nKind) {
-        case FieldKind::Record:
-        case FieldKind::Element:
-            return writeNested(owner, field, pMember, element);
-        case FieldKind::RecordList:
-            writeRecordList(owner, field, pMember, element);
-            return true;
-        case FieldKind::ElementList:
-            writeElementList(field, pMember, element);
-            return true;
-        case FieldKind::IntList:
-        case FieldKind::StringList:
-            writeValues(field, pMember, element);
-            return true;
-        case FieldKind::Block:
-            return BlockMapping::write(field, pRecord, element);
-        default:
-            writeAttribute(field, pMember, element);
-            return true;
-    }
+    return visitMember(field, &memberOf<char>(pRecord, field.nOffset),
+                       FieldWriter(owner, field, pRecord, element));
 }
+
+class FieldReader {
+public:
+    FieldReader(const RecordDescriptor& owner, const FieldDescriptor& field, XmlCursor element,
+                void* pRecord) noexcept
+        : m_owner(owner), m_field(field), m_element(element), m_pRecord(pRecord) {}
+
+    template <class Member>
+    bool operator()(Member&& member, FieldForm::Attribute) const {
+        return readAttribute(m_owner, m_field, m_element, member);
+    }
+    template <class Member>
+    bool operator()(Member&& member, FieldForm::Joined) const {
+        return readAttribute(m_owner, m_field, m_element, member);
+    }
+    template <class Value>
+    bool operator()(std::vector<Value>& vecValues, FieldForm::Values) const {
+        readValues(m_owner, m_field, m_element, vecValues);
+        return true;
+    }
+    bool operator()(const Record& record, FieldForm::Child) const {
+        return readNested(m_owner, m_field, m_element, record);
+    }
+    bool operator()(const Record& record, FieldForm::Inline) const {
+        readElement(m_owner, m_field, m_element, record);
+        return true;
+    }
+    bool operator()(const List& records, FieldForm::Child) const {
+        readRecordList(m_owner, m_field, m_element, records);
+        return true;
+    }
+    bool operator()(const List& elements, FieldForm::Inline) const {
+        readElementList(m_owner, m_field, m_element, elements);
+        return true;
+    }
+    bool operator()(OptionalBlock&, FieldForm::Encoded) const {
+        return BlockMapping::read(m_field, m_element, m_pRecord);
+    }
+
+private:
+    const RecordDescriptor& m_owner;
+    const FieldDescriptor& m_field;
+    XmlCursor m_element;
+    void* m_pRecord;
+};
 
 bool readField(const RecordDescriptor& owner, const FieldDescriptor& field, XmlCursor element,
                void* pRecord) {
-    void* pMember = &memberOf<char>(pRecord, field.nOffset);
-    switch (field.nKind) {
-        case FieldKind::Record:
-            return readNested(owner, field, element, pMember);
-        case FieldKind::Element:
-            readElement(owner, field, element, pMember);
-            return true;
-        case FieldKind::RecordList:
-            readRecordList(owner, field, element, pMember);
-            return true;
-        case FieldKind::ElementList:
-            readElementList(owner, field, element, pMember);
-            return true;
-        case FieldKind::IntList:
-        case FieldKind::StringList:
-            readValues(owner, field, element, pMember);
-            return true;
-        case FieldKind::Block:
-            return BlockMapping::read(field, element, pRecord);
-        default:
-            return readAttribute(owner, field, element, pRecord);
-    }
+    const bool bElsewhere = field.szReadInto != nullptr;
+    void* pMember = &memberOf<char>(pRecord, bElsewhere ? field.nOtherOffset : field.nOffset);
+    return visitMember(field, pMember, FieldReader(owner, field, element, pRecord));
 }
 
 bool readFields(const RecordDescriptor& descriptor, XmlCursor element, void* pRecord,

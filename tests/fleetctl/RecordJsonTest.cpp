@@ -36,9 +36,20 @@ Json sampleOf(const Shape& shape) {
             return "text \xff";
         case FieldKind::Block:
             return "AP/+AQ==";
-        default:
+        case FieldKind::Int:
             return -2147483647 - 1;
+        case FieldKind::Record:
+        case FieldKind::RecordList:
+        case FieldKind::IntList:
+        case FieldKind::StringList:
+        case FieldKind::Element:
+        case FieldKind::ElementList:
+        case FieldKind::JoinedInts:
+        case FieldKind::JoinedRecords:
+            break;
     }
+    ADD_FAILURE() << "a scalar of no scalar kind";
+    return nullptr;
 }
 
 Shape shapeOfOSD() {
