@@ -5,6 +5,7 @@
 #include <string>
 
 #include "domain/VideoAbility.h"
+#include "domainxml/XmlCursor.h"
 #include "protocol/SDKNormalXmlBodyParser.h"
 #include "virtual-device/DeviceState.h"
 #include "virtual-device/FactoryText.h"
@@ -28,26 +29,6 @@ constexpr StreamSize StreamSizes[] = {
 };
 
 using Values = std::map<std::string, std::string>;
-
-std::string escaped(const std::string& strValue) {
-    std::string strText;
-    for (const char nLetter : strValue) {
-        switch (nLetter) {
-            case '&':
-                strText += "&amp;";
-                break;
-            case '<':
-                strText += "&lt;";
-                break;
-            case '"':
-                strText += "&quot;";
-                break;
-            default:
-                strText += nLetter;
-        }
-    }
-    return strText;
-}
 
 // Names in braces become their values; braces in a value stay.
 std::string filled(const std::string& strText, const Values& mapValues) {
@@ -97,8 +78,8 @@ std::vector<T> listOf(const DomainList& vecRecords) {
 
 Values deviceValues(const DeviceOptions& options) {
     const bool bIsIPv6 = options.strBindAddress.find(':') != std::string::npos;
-    return {{"id", escaped(options.strDeviceId)},
-            {"ip", escaped(options.strBindAddress)},
+    return {{"id", escapedXml(options.strDeviceId)},
+            {"ip", escapedXml(options.strBindAddress)},
             {"ip-version", bIsIPv6 ? "2" : "1"},
             {"port", std::to_string(options.nPort)},
             {"channels", std::to_string(options.nChannels)}};

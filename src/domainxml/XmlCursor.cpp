@@ -85,6 +85,12 @@ std::string XmlCursor::text() const {
     return printer.Str();
 }
 
+std::string escapedXml(const std::string& strText) {
+    TIXML_STRING strEscaped;
+    TiXmlBase::EncodeString(TIXML_STRING(strText.c_str()), &strEscaped);
+    return std::string(strEscaped.c_str());
+}
+
 XmlDocument::XmlDocument() : m_pDocument(std::make_unique<TiXmlDocument>()) {}
 
 XmlDocument::XmlDocument(const char* szRootName) : XmlDocument() {

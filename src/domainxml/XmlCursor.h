@@ -49,6 +49,9 @@ private:
     TiXmlElement* m_pElement = nullptr;
 };
 
+// A text as it is written in an attribute, between quotes of either kind.
+std::string escapedXml(const std::string& strText);
+
 class XmlDocument {
 public:
     // A document that holds one empty element.
