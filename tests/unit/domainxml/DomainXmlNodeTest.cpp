@@ -93,6 +93,7 @@ TEST(DomainXmlNode, ReadsFractionsAsFarAsTheyGo) {
                             Case{"x", 7},
                             Case{"--5", 7},
                             Case{"1e2", 100},
+                            Case{"0x1p3", 0},
                             Case{"inf", Endless},
                             Case{"-INF", -Endless},
                             Case{"1e99", Endless},

@@ -285,6 +285,11 @@ TEST_F(ConnectionTest, TheSendTimeOutIsSetOnlyWhenItChanges) {
         const auto time = option<timeval>(*m_pClient, SOL_SOCKET, SO_SNDTIMEO);
         EXPECT_EQ(time.tv_sec * 1000 + time.tv_usec / 1000, nExpectedMs);
     }
+    // An opened socket starts without a limit, and knows it.
+    m_pClient->send("x", 1, 1300);
+    ASSERT_TRUE(m_pClient->open());
+    m_pClient->send("x", 1, 1300);
+    EXPECT_EQ(option<timeval>(*m_pClient, SOL_SOCKET, SO_SNDTIMEO).tv_sec, 1);
 }
 
 TEST(Socket, DatagramsGoWholeOrInPieces) {
