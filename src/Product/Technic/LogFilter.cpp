@@ -34,6 +34,13 @@ LogFilter& LogFilter::instance() {
     return *pInstance;
 }
 
+namespace {
+
+// Made when the library is loaded, so that a message needs no memory, the first one neither.
+[[maybe_unused]] const LogFilter& g_filterAtLoad = LogFilter::instance();
+
+}  // namespace
+
 bool LogFilter::set(int nThreshold, const std::vector<std::string>& vecFileNames) {
     if (vecFileNames.size() > MostFileNames) {
         return false;

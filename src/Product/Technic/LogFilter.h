@@ -15,7 +15,8 @@ class LogFilter {
 public:
     static constexpr std::size_t MostFileNames = 50;
 
-    // The filter of the process, made at first use and never destroyed.
+    // The filter of the process, made at first use, when the library is loaded at the latest, and
+    // never destroyed.
     static LogFilter& instance();
 
     // A message passes if its level is at or below the threshold (0 at the start) and, when there
