@@ -3,8 +3,8 @@
 set(FLEETKIT_STAGED_INCLUDE "${PROJECT_BINARY_DIR}/include")
 
 set(public_headers
-  device/FleetKit.h device/StructConversions.h device/TarnStruct.h device/TextFunctions.h
-  Product/Technic/Export.h Product/Technic/IPTool.h
+  device/FleetKit.h device/Login.h device/StructConversions.h device/TarnStruct.h
+  device/TextFunctions.h Product/Technic/Export.h Product/Technic/IPTool.h
   Product/Technic/LogThreshold.h
   domain/BaseDomain.h domain/DomainContainer.h domain/DomainVectorContainer.h
   domain/MemberVisitor.h domain/RecordDescriptor.h protocol/CommandCatalogue.h)

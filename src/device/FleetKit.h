@@ -135,7 +135,8 @@ public:
     //
     // Set `handle` to 0 before the call: when the login fails for any reason, a positive value that
     // stood there makes the call give Success and stays. From 0 a failed login gives Failed (-1),
-    // never the reason, and leaves it 0. NoMemory (-2) when an exception was caught.
+    // never the reason, which `fleetkit::login` of `<fleetkit/Login.h>` gives, and leaves it 0.
+    // NoMemory (-2) when an exception was caught.
     //
     //     long session = 0;
     //     int code = FleetKit::Login(device, session);

@@ -5,6 +5,7 @@
 
 #include "Product/Technic/ErrorCode.h"
 #include "session/TCPTransferFactory.h"
+#include "session/TransferConnector.h"
 
 using namespace fleetkit;
 
@@ -45,13 +46,18 @@ void FleetKitImpl::unload() {
     m_pVideoContext.reset();
 }
 
-int FleetKitImpl::login(const DeviceInfoEx& info, long& handle) noexcept {
+template <class CreateSession>
+int FleetKitImpl::guardLogin(const DeviceInfoEx& info, CreateSession createSession) noexcept {
     try {
-        // The caller may change its record while the login is under way.
-        const DeviceInfoEx copy(info);
-        if (!m_pSessionCreator) {
-            return ErrorCode::Failed;
-        }
+        // A copy, as the caller may change its record while the login is under way.
+        return m_pSessionCreator ? createSession(DeviceInfoEx(info)) : ErrorCode::Failed;
+    } catch (...) {
+        return ErrorCode::NoMemory;
+    }
+}
+
+int FleetKitImpl::login(const DeviceInfoEx& info, long& handle) noexcept {
+    return guardLogin(info, [&](const DeviceInfoEx& copy) -> int {
         // Not even the reason of a failure is looked at: only a handle tells.
         long hSession = handle;
         m_pSessionCreator->createSession(copy, ReplyTimeoutMs, hSession);
@@ -60,9 +66,18 @@ int FleetKitImpl::login(const DeviceInfoEx& info, long& handle) noexcept {
         }
         handle = hSession;
         return ErrorCode::Success;
-    } catch (...) {
-        return ErrorCode::NoMemory;
-    }
+    });
+}
+
+int FleetKitImpl::loginWithReason(const DeviceInfoEx& info, long& handle) noexcept {
+    return guardLogin(info, [&](const DeviceInfoEx& copy) -> int {
+        const int nCode = m_pSessionCreator->createSession(copy, ReplyTimeoutMs, handle);
+        // A name that stands for nothing is dialled as an empty address, which fails like a
+        // refusal.
+        return nCode == ErrorCode::ConnectFailed && getDialAddr(copy).getIP().empty()
+                   ? ErrorCode::HostNotFound
+                   : nCode;
+    });
 }
 
 int FleetKitImpl::logout(long handle) noexcept {

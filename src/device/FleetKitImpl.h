@@ -20,6 +20,9 @@ public:
     FleetKitImpl(const FleetKitImpl&) = delete;
     FleetKitImpl& operator=(const FleetKitImpl&) = delete;
 
+    // `fleetkit::login`.
+    int loginWithReason(const DeviceInfoEx& info, long& handle) noexcept;
+
     // The functions of these names in `FleetKit`.
     int login(const DeviceInfoEx& info, long& handle) noexcept;
     int logout(long handle) noexcept;
@@ -29,6 +32,9 @@ public:
     void unload();
 
 private:
+    // `createSession` takes a copy of the login data.
+    template <class CreateSession>
+    int guardLogin(const DeviceInfoEx& info, CreateSession createSession) noexcept;
     int play(long hWindow);
     void stop();
 

@@ -15,6 +15,7 @@
 #include "Product/Technic/AdapterList.h"
 #include "device/DeviceType.h"
 #include "device/FleetKitImpl.h"
+#include "device/Login.h"
 #include "device/SDK_DeviceController.h"
 #include "device/StructConversions.h"
 #include "domain/DeviceInfoEx.h"
@@ -452,6 +453,9 @@ TEST(FleetKit, KeepsAStaleHandleWhenALoginFails) {
             EXPECT_EQ(FleetKit::Login(peer.getDeviceInfo(), handle),
                       stale > 0 ? ErrorCode::Success : ErrorCode::Failed);
             EXPECT_EQ(handle, stale);
+            EXPECT_EQ(fleetkit::login(peer.getDeviceInfo(), handle), DeviceCode);
+            EXPECT_EQ(fleetkit::login(DeviceInfoEx(), handle), ErrorCode::HostNotFound);
+            EXPECT_EQ(handle, stale);
         }
     });
 }
@@ -461,6 +465,7 @@ TEST(FleetKitImpl, RefusesLoginsAfterUnload) {
     impl.unload();
     long handle = 5;
     EXPECT_EQ(impl.login(DeviceInfoEx(), handle), ErrorCode::Failed);
+    EXPECT_EQ(impl.loginWithReason(DeviceInfoEx(), handle), ErrorCode::Failed);
     EXPECT_EQ(handle, 5);
     EXPECT_EQ(impl.logout(5), ErrorCode::Failed);
 }
