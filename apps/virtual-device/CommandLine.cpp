@@ -5,6 +5,7 @@
 #include <iomanip>
 #include <iostream>
 #include <limits>
+#include <stdexcept>
 
 namespace {
 
@@ -16,8 +17,9 @@ constexpr int MaxCount = 10000;
 void printMisbehaviours() {
     for (const MisbehaviourKind& kind : misbehaviourKinds()) {
         std::cout << std::left << std::setw(18) << kind.szName << kind.szMeaning;
-        if (kind.nDefault != 0) {
-            std::cout << " (" << kind.nDefault << ")";
+        if (kind.value.isTaken()) {
+            std::cout << ", " << kind.value.nLeast << " to " << kind.value.nMost << " ("
+                      << kind.value.nDefault << ")";
         }
         std::cout << "\n";
     }
@@ -25,9 +27,12 @@ void printMisbehaviours() {
 
 // A validator of the parser: an error text, empty for a good value.
 std::string checkMisbehaviour(const std::string& strText) {
-    return parseMisbehaviour(strText)
-               ? std::string()
-               : "no misbehaviour: " + strText + " (see --list-misbehaviours)";
+    try {
+        parseMisbehaviour(strText);
+        return {};
+    } catch (const std::invalid_argument& error) {
+        return error.what();
+    }
 }
 
 // An IPv6 address is left to the system to judge.
@@ -96,7 +101,7 @@ void complete(const CLI::App& app, const std::vector<std::string>& vecMisbehavio
         device.nChannels = device.nKind == DeviceKind::NVR ? 4 : 1;
     }
     for (const std::string& strText : vecMisbehaviours) {
-        device.vecMisbehaviours.push_back(*parseMisbehaviour(strText));
+        device.vecMisbehaviours.push_back(parseMisbehaviour(strText));
     }
 }
 
@@ -118,10 +123,13 @@ CommandLine readCommandLine(int nCount, const char* const* pArguments) {
     app.add_option("--seconds", line.nSeconds, "End by itself after so many seconds")
         ->check(quiet(CLI::Range(1, std::numeric_limits<int>::max())))
         ->type_name("NUMBER");
-    app.add_option("--misbehave", vecMisbehaviours, "A misbehaviour; may be given several times")
+    app.add_option("--misbehave", vecMisbehaviours,
+                   "A misbehaviour; may be given several times. COMMAND, the only one that is\n"
+                   "spoilt, is a number or the name of an operation: drop:getNTPParam")
         ->check(CLI::Validator(checkMisbehaviour, ""))
         ->type_name("NAME[=VALUE][:COMMAND]");
-    app.add_flag("--list-misbehaviours", bList, "Print their names and end");
+    app.add_flag("--list-misbehaviours", bList,
+                 "Print their names, what they take for VALUE and by default, and end");
     try {
         app.parse(nCount, pArguments);
     } catch (const CLI::ParseError& error) {

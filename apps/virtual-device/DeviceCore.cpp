@@ -171,7 +171,7 @@ void DeviceCore::spoil(std::uint32_t nCommandId, Answer& answer) {
         if (!pKind || (misbehaviour.nCommandId != 0 && misbehaviour.nCommandId != nCommandId)) {
             continue;
         }
-        pKind->apply(answer, misbehaviour.nValue.value_or(pKind->nDefault));
+        pKind->apply(answer, misbehaviour.nValue.value_or(pKind->value.nDefault));
         misbehaviour.nTimes = misbehaviour.nTimes == 1 ? -1 : std::max(misbehaviour.nTimes - 1, 0);
     }
     std::erase_if(m_vecMisbehaviours, [](const auto& one) { return one.nTimes < 0; });

@@ -3,6 +3,9 @@
 
 #include <algorithm>
 #include <chrono>
+#include <stdexcept>
+#include <string>
+#include <system_error>
 
 #include "virtual-device/DeviceConnection.h"
 #include "virtual-device/MulticastListener.h"
@@ -12,14 +15,19 @@ namespace {
 // How long accepting rests when the process has run out of descriptors.
 constexpr std::chrono::milliseconds RetryDelay(100);
 
-asio::ip::tcp::endpoint endpointOf(const DeviceOptions& options) {
-    return {asio::ip::make_address(options.strBindAddress), options.nPort};
+asio::ip::tcp::acceptor listenOn(asio::io_context& context, const DeviceOptions& options) try {
+    return {context, {asio::ip::make_address(options.strBindAddress), options.nPort}};
+} catch (const std::system_error& error) {
+    const bool bInUse = error.code() == asio::error::address_in_use;
+    throw std::runtime_error("port " + std::to_string(options.nPort) + " of " +
+                             options.strBindAddress +
+                             (bInUse ? " is in use" : ": " + error.code().message()));
 }
 
 }  // namespace
 
 DeviceServer::DeviceServer(asio::io_context& context, DeviceOptions options)
-    : m_context(context), m_acceptor(context, endpointOf(options)), m_retry(context) {
+    : m_context(context), m_acceptor(listenOn(context, options)), m_retry(context) {
     options.nPort = m_acceptor.local_endpoint().port();
     m_pCore = std::make_shared<DeviceCore>(std::move(options));
 }

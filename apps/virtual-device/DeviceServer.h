@@ -14,7 +14,8 @@ class MulticastListener;
 // Lives on the thread of its context; kept alive by what is still under way there.
 class DeviceServer : public std::enable_shared_from_this<DeviceServer> {
 public:
-    // Listens from here on. Throws std::system_error when address or port cannot be had.
+    // Listens from here on. Throws std::runtime_error, with both, when address or port cannot be
+    // had.
     DeviceServer(asio::io_context& context, DeviceOptions options);
     ~DeviceServer();
 

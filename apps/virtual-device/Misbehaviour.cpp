@@ -4,11 +4,14 @@
 #include <algorithm>
 #include <charconv>
 #include <iterator>
+#include <limits>
 #include <memory>
+#include <stdexcept>
 
 #include "domain/DeviceName.h"
 #include "domain/EtResult.h"
 #include "domain/RecordDescriptor.h"
+#include "protocol/CommandCatalogue.h"
 #include "protocol/ProtocolType.h"
 #include "virtual-device/Answer.h"
 
@@ -102,73 +105,127 @@ void addStrays(Answer& answer, int nCount) {
     }
 }
 
+constexpr int Lowest = std::numeric_limits<int>::min();
+constexpr int Highest = std::numeric_limits<int>::max();
+constexpr int MostPieces = 1000000;  // in one body
+
+constexpr ValueRange NoValue;
+
+constexpr ValueRange number(int nDefault, int nLeast, int nMost) {
+    return {nDefault, nLeast, nMost};
+}
+
 constexpr MisbehaviourKind Kinds[] = {
-    {"delay", "answers VALUE milliseconds late", 1000,
+    {"delay", "answers VALUE milliseconds late", number(1000, 0, 600000),
      [](Answer& a, int n) { a.nDelay = std::chrono::milliseconds(n); }},
-    {"drop", "does not answer", 0, [](Answer& a, int) { a.bSilent = true; }},
-    {"close", "closes the connection instead of answering", 0,
+    {"drop", "does not answer", NoValue, [](Answer& a, int) { a.bSilent = true; }},
+    {"close", "closes the connection instead of answering", NoValue,
      [](Answer& a, int) { a.bSilent = a.bCloses = true; }},
-    {"strays", "sends VALUE answers to other requests first", 1, addStrays},
-    {"twice", "answers twice", 0, [](Answer& a, int) { a.bTwice = true; }},
-    {"trickle", "sends the answer byte by byte", 0, [](Answer& a, int) { a.bTrickles = true; }},
-    {"wrong-session", "answers with a session number that is off by VALUE", 1,
+    {"strays", "sends VALUE answers to other requests first", number(1, 1, 1000), addStrays},
+    {"twice", "answers twice", NoValue, [](Answer& a, int) { a.bTwice = true; }},
+    {"trickle", "sends the answer byte by byte", NoValue,
+     [](Answer& a, int) { a.bTrickles = true; }},
+    {"wrong-session", "answers with a session number that is off by VALUE",
+     number(1, Lowest, Highest),
      [](Answer& a, int n) {
          a.head.setSessionId(a.head.getSessionId() + static_cast<std::uint32_t>(n));
      }},
-    {"wrong-sequence", "answers with a sequence number that is off by VALUE", 1,
+    {"wrong-sequence", "answers with a sequence number that is off by VALUE",
+     number(1, -0xFFFF, 0xFFFF),
      [](Answer& a, int n) {
          a.head.setSequence(static_cast<std::uint16_t>(a.head.getSequence() + n));
      }},
-    {"wrong-command", "answers with a command id that is off by VALUE", 1,
+    {"wrong-command", "answers with a command id that is off by VALUE", number(1, Lowest, Highest),
      [](Answer& a, int n) {
          a.head.setCommandID(a.head.getCommandID() + static_cast<std::uint32_t>(n));
      }},
-    {"protocol-type", "names VALUE as the protocol type in the head", ProtocolType::Binary,
+    {"protocol-type", "names VALUE as the protocol type in the head",
+     number(ProtocolType::Binary, 0, 0xFFFF),
      [](Answer& a, int n) { a.head.setProtocolType(static_cast<std::uint16_t>(n)); }},
-    {"bad-magic", "sends a head that begins wrong", 0,
+    {"bad-magic", "sends a head that begins wrong", NoValue,
      [](Answer& a, int) { a.nDamagedByte = std::size_t{0}; }},
-    {"bad-checksum", "sends a head with a wrong checksum", 0,
+    {"bad-checksum", "sends a head with a wrong checksum", NoValue,
      [](Answer& a, int) { a.nDamagedByte = ChecksumByte; }},
-    {"bad-terminator", "sends a head that ends wrong", 0,
+    {"bad-terminator", "sends a head that ends wrong", NoValue,
      [](Answer& a, int) { a.nDamagedByte = TerminatorByte; }},
-    {"truncated", "sends half of the body and closes the connection", 0,
+    {"truncated", "sends half of the body and closes the connection", NoValue,
      [](Answer& a, int) { a.bCut = a.bCloses = true; }},
-    {"stalled", "sends half of the body and then nothing", 0,
+    {"stalled", "sends half of the body and then nothing", NoValue,
      [](Answer& a, int) { a.bCut = true; }},
-    {"huge-length", "announces a body of VALUE bytes and sends none", 0x7FFFFFF0,
+    {"huge-length", "announces a body of VALUE bytes and sends none",
+     number(0x7FFFFFF0, 1, Highest),
      [](Answer& a, int n) { a.nClaimed = static_cast<std::uint32_t>(n); }},
-    {"empty-body", "sends a head alone", 0, [](Answer& a, int) { a.strBody = ""; }},
-    {"not-xml", "sends a body that is no document", 0,
+    {"empty-body", "sends a head alone", NoValue, [](Answer& a, int) { a.strBody = ""; }},
+    {"not-xml", "sends a body that is no document", NoValue,
      [](Answer& a, int) { a.strBody = "\x01\x02 this is no document <<<"; }},
-    {"deep-nesting", "sends a body with VALUE levels of elements", 100000,
+    {"deep-nesting", "sends a body with VALUE levels of elements", number(100000, 1, MostPieces),
      [](Answer& a, int n) { a.strBody = deepDocument(n); }},
-    {"many-attributes", "sends a body with VALUE attributes in one element", 100000,
-     [](Answer& a, int n) { a.strBody = wideDocument(n); }},
-    {"many-records", "sends a body with VALUE records", 30000,
+    {"many-attributes", "sends a body with VALUE attributes in one element",
+     number(100000, 1, MostPieces), [](Answer& a, int n) { a.strBody = wideDocument(n); }},
+    {"many-records", "sends a body with VALUE records", number(30000, 1, MostPieces),
      [](Answer& a, int n) { a.strBody = longDocument(n); }},
-    {"invalid-utf8", "adds a name in another encoding than the declared UTF-8", 0,
+    {"invalid-utf8", "adds a name in another encoding than the declared UTF-8", NoValue,
      [](Answer& a, int) {
          DeviceName name;
          name.setName("\xC3\x28\xFF\xED");
          appendRecord(a.vecRecords, name);
      }},
-    {"doctype", "sends a body that defines entities", 0,
+    {"doctype", "sends a body that defines entities", NoValue,
      [](Answer& a, int) { a.strBody = entityDocument(); }},
-    {"no-result", "answers without a result", 0,
+    {"no-result", "answers without a result", NoValue,
      [](Answer& a, int) {
          keepRecords(a, [](const BaseDomain& record) { return !isResult(record); });
      }},
-    {"no-record", "answers with a result alone", 0,
+    {"no-record", "answers with a result alone", NoValue,
      [](Answer& a, int) { keepRecords(a, isResult); }},
-    {"empty-list", "answers with lists that are empty", 0, [](Answer& a, int) { emptyLists(a); }},
-    {"code", "answers with VALUE as the result, beside the records that were asked for", 99,
-     replaceResult},
+    {"empty-list", "answers with lists that are empty", NoValue,
+     [](Answer& a, int) { emptyLists(a); }},
+    {"code", "answers with VALUE as the result, beside the records that were asked for",
+     number(99, Lowest, Highest), replaceResult},
 };
 
 bool readNumber(const std::string& strText, auto& nNumber) {
     const char* const pEnd = strText.data() + strText.size();
     const auto [pStop, nError] = std::from_chars(strText.data(), pEnd, nNumber);
     return nError == std::errc() && pStop == pEnd;
+}
+
+int parseValue(const MisbehaviourKind& kind, const std::string& strText) {
+    if (!kind.value.isTaken()) {
+        throw std::invalid_argument(std::string(kind.szName) + " takes no value");
+    }
+    int nValue = 0;
+    if (!readNumber(strText, nValue) || nValue < kind.value.nLeast || nValue > kind.value.nMost) {
+        throw std::invalid_argument(kind.szName + std::string(" takes a number from ") +
+                                    std::to_string(kind.value.nLeast) + " to " +
+                                    std::to_string(kind.value.nMost) + ", not '" + strText + "'");
+    }
+    return nValue;
+}
+
+std::uint32_t parseCommand(const std::string& strText) {
+    std::uint32_t nCommandId = 0;
+    if (readNumber(strText, nCommandId) && findCommand(nCommandId) != nullptr) {
+        return nCommandId;
+    }
+    const FunctionDescriptor* pFunction = findFunction(strText);
+    if (pFunction == nullptr || pFunction->nRequestId == 0) {
+        throw std::invalid_argument("no command '" + strText +
+                                    "'; say its number or the name of an operation, such as 30507 "
+                                    "or getDeviceTime");
+    }
+    return pFunction->nRequestId;
+}
+
+const MisbehaviourKind& parseKind(const std::string& strName) {
+    if (const MisbehaviourKind* pKind = findMisbehaviourKind(strName)) {
+        return *pKind;
+    }
+    std::string strNames;
+    for (const MisbehaviourKind& kind : Kinds) {
+        strNames += std::string(" ") + kind.szName;
+    }
+    throw std::invalid_argument("no misbehaviour '" + strName + "'; there are:" + strNames);
 }
 
 }  // namespace
@@ -183,21 +240,18 @@ const MisbehaviourKind* findMisbehaviourKind(const std::string& strName) {
     return pKind == std::end(Kinds) ? nullptr : pKind;
 }
 
-std::optional<Misbehaviour> parseMisbehaviour(const std::string& strText) {
-    Misbehaviour result;
+Misbehaviour parseMisbehaviour(const std::string& strText) {
     const std::size_t nColon = strText.find(':');
     const std::string strHead = strText.substr(0, nColon);
-    if (nColon != std::string::npos && !readNumber(strText.substr(nColon + 1), result.nCommandId)) {
-        return std::nullopt;
-    }
     const std::size_t nEquals = strHead.find('=');
-    if (nEquals != std::string::npos &&
-        !readNumber(strHead.substr(nEquals + 1), result.nValue.emplace())) {
-        return std::nullopt;
+    const MisbehaviourKind& kind = parseKind(strHead.substr(0, nEquals));
+    Misbehaviour result;
+    result.strName = kind.szName;
+    if (nEquals != std::string::npos) {
+        result.nValue = parseValue(kind, strHead.substr(nEquals + 1));
     }
-    result.strName = strHead.substr(0, nEquals);
-    if (!findMisbehaviourKind(result.strName)) {
-        return std::nullopt;
+    if (nColon != std::string::npos) {
+        result.nCommandId = parseCommand(strText.substr(nColon + 1));
     }
     return result;
 }

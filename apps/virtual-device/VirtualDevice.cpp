@@ -1,8 +1,6 @@
 // Everything happens on the loop's thread; the callers wait for it.
 #include "virtual-device/VirtualDevice.h"
 
-#include <stdexcept>
-
 #include "virtual-device/DeviceLoop.h"
 #include "virtual-device/DeviceServer.h"
 
@@ -21,12 +19,9 @@ VirtualDevice::~VirtualDevice() {
 }
 
 void VirtualDevice::misbehave(const std::string& strText, int nTimes) {
-    auto misbehaviour = parseMisbehaviour(strText);
-    if (!misbehaviour) {
-        throw std::invalid_argument("no misbehaviour: " + strText);
-    }
-    misbehaviour->nTimes = nTimes;
-    m_pLoop->run([&] { m_pServer->core().misbehave(*misbehaviour); });
+    Misbehaviour misbehaviour = parseMisbehaviour(strText);
+    misbehaviour.nTimes = nTimes;
+    m_pLoop->run([&] { m_pServer->core().misbehave(misbehaviour); });
 }
 
 void VirtualDevice::behave() {

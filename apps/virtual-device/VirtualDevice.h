@@ -2,7 +2,7 @@
 //
 //     VirtualDevice device;                       // a camera on a free port of 127.0.0.1
 //     connectTo("127.0.0.1", device.getPort());
-//     device.misbehave("delay=500:30507");        // the next times are read half a second late
+//     device.misbehave("delay=500:getDeviceTime");  // the clock is read half a second late
 //
 // A device lives on a thread of its own, or shares that of a loop with others. All operations may
 // be called from any thread but the loop's own.
@@ -21,7 +21,8 @@ class DeviceServer;
 
 class VirtualDevice {
 public:
-    // Listens when it returns. Throws std::system_error when address, port or group cannot be had.
+    // Listens when it returns. Throws std::runtime_error, which names them, when address and port
+    // cannot be had, and std::system_error for the group.
     explicit VirtualDevice(DeviceOptions options = {});
     VirtualDevice(DeviceOptions options, std::shared_ptr<DeviceLoop> pLoop);
 
@@ -33,7 +34,7 @@ public:
     std::uint16_t getPort() const { return m_nPort; }
 
     // Adds a misbehaviour to those in force. The text is NAME[=VALUE][:COMMAND]; it spoils `nTimes`
-    // answers, or all from now on for 0. Throws std::invalid_argument for a text that is none.
+    // answers, or all from now on for 0. Throws what `parseMisbehaviour` throws.
     void misbehave(const std::string& strText, int nTimes = 0);
     void behave();  // ends all misbehaviour
 

@@ -426,7 +426,7 @@ TEST(FacadeAgainstDevice, EveryMisbehaviourHasItsCode) {
         std::set<std::string> setTried;
         for (const Trouble& trouble : Troubles) {
             SCOPED_TRACE(trouble.szMisbehaviour);
-            setTried.insert(parseMisbehaviour(trouble.szMisbehaviour)->strName);
+            setTried.insert(parseMisbehaviour(trouble.szMisbehaviour).strName);
             expectCodes(trouble);
         }
         EXPECT_EQ(setTried.size(), misbehaviourKinds().size());

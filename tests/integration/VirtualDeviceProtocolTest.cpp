@@ -349,8 +349,21 @@ TEST_F(VirtualDeviceTest, MisbehavesInWaysThatDoNoHarm) {
     for (const int nBehind : {1, 2, 0}) {
         EXPECT_EQ(m_client.receive().head.getSequence(), m_client.m_nSequence - nBehind);
     }
-    for (const char* szNone : {"sulk", "delay=x", "delay:"}) {
-        EXPECT_THROW(m_device.misbehave(szNone), std::invalid_argument) << szNone;
+    m_device.misbehave("code=5:getDeviceTime", 1);
+    EXPECT_EQ(m_client.ask(GetTime).code(), 5);
+    const std::pair<const char*, const char*> refusals[] = {
+        {"sulk", "there are: delay drop close"},  {"drop=1", "drop takes no value"},
+        {"delay=x", "from 0 to 600000, not 'x'"}, {"strays=1001", "from 1 to 1000"},
+        {"drop:", "number or the name"},          {"drop:0", "no command '0'"},
+        {"drop:12345", "no command '12345'"},     {"drop:Init", "no command 'Init'"},
+    };
+    for (const auto& [szText, szReason] : refusals) {
+        try {
+            m_device.misbehave(szText);
+            ADD_FAILURE() << szText;
+        } catch (const std::invalid_argument& error) {
+            EXPECT_THAT(error.what(), testing::HasSubstr(szReason));
+        }
     }
 }
 
@@ -417,6 +430,11 @@ TEST(VirtualDeviceProgram, RefusesWhatItDoesNotUnderstand) {
         EXPECT_EQ(runShell("$device --seconds 1 " + strOptions + " > out 2>&1"), 2) << strOptions;
     }
     EXPECT_EQ(runShell("$device --seconds 1 --bind 192.0.2.1 > out 2>&1"), 1);
+    const VirtualDevice device;
+    const std::string strPort = std::to_string(device.getPort());
+    EXPECT_EQ(runShell("$device --seconds 1 --port " + strPort + " 2> out; grep -q '^[^ ]* port " +
+                       strPort + " of 127.0.0.1 is in use$' out"),
+              0);
 }
 
 }  // namespace
