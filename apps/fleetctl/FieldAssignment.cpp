@@ -25,11 +25,25 @@ std::vector<std::string> splitPath(const std::string& strPath) {
     return vecSteps;
 }
 
+// Deeper than any record. Whoever copies or prints a value goes down it step by step.
+constexpr int MostLevels = 64;
+
+Json parseJson(const std::string& strText, const std::string& strPath) {
+    const auto checkDepth = [&](int nLevel, Json::parse_event_t, Json&) {
+        if (nLevel > MostLevels) {
+            throw UsageError(strPath + " takes JSON of at most " + std::to_string(MostLevels) +
+                             " levels");
+        }
+        return true;
+    };
+    return Json::parse(strText, checkDepth, false);
+}
+
 // A text is taken as it stands; every other kind is written as in JSON.
 Json parseValue(const std::string& strText, const Shape& shape, const std::string& strPath) {
     const bool isText = !shape.isList && shape.pRecord == nullptr &&
                         (shape.nScalar == FieldKind::String || shape.nScalar == FieldKind::Block);
-    Json value = isText ? Json(strText) : Json::parse(strText, nullptr, false);
+    Json value = isText ? Json(strText) : parseJson(strText, strPath);
     if (value.is_discarded()) {
         throw UsageError(strPath + " takes " + describeShape(shape) + ", not '" + strText + "'");
     }

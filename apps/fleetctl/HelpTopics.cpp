@@ -25,8 +25,12 @@ array:
   {"device":"192.0.2.7:30001","name":"ntp","code":0,"value":{"NTPEnableFlag":true,...}}
   {"device":"192.0.2.7:30001","name":"ntp","code":-213,"error":"..."}
 
-`set` shows the value that was written. A failed login is a result with the name "login". Texts of
-a device that are not UTF-8 have U+FFFD in the place of the bytes that are wrong.
+`set` shows the value that was written. A failed login is a result with the name "login".
+
+Texts of a device need not be UTF-8. Each byte that belongs to no character of UTF-8 is shown as
+\xE9, by its value, which JSON writes "\\xE9"; `set` leaves it alone in fields that it is not told
+to change. A character that would steer the terminal or turn the direction of its texts is shown as
+\u009B, which in JSON is that very character.
 
 With -o table a value is shown field by field, under the paths that `set` takes, or with a column
 for each field if it is a list of plain records; failures go to standard error.

@@ -5,13 +5,11 @@
 
 #include <algorithm>
 
+#include "VisibleText.h"
+
 namespace {
 
 using Rows = std::vector<std::vector<std::string>>;
-
-std::string dumped(const Json& json) {
-    return json.dump(-1, ' ', false, Json::error_handler_t::replace);
-}
 
 bool isFlatRecord(const Json& json) {
     return json.is_object() && !json.empty() &&
@@ -25,7 +23,7 @@ bool isColumnar(const Json& json) {
 }
 
 std::string cellOf(const Json& json) {
-    return json.is_string() ? json.get<std::string>() : dumped(json);
+    return json.is_string() ? json.get<std::string>() : jsonText(json);
 }
 
 Rows columnsOf(const Json& list) {
@@ -62,15 +60,6 @@ Rows rowsOf(const Json& value) {
     return vecRows;
 }
 
-std::string harmless(std::string strText) {
-    for (char& cNext : strText) {
-        if (static_cast<unsigned char>(cNext) < ' ' || cNext == '\x7f') {
-            cNext = '?';
-        }
-    }
-    return strText;
-}
-
 // Characters, not bytes.
 std::size_t widthOf(const std::string& strText) {
     return static_cast<std::size_t>(std::count_if(
@@ -84,15 +73,15 @@ std::string formatTable(const std::vector<std::vector<std::string>>& vecRows, in
     for (const auto& vecRow : vecRows) {
         vecWidths.resize(std::max(vecWidths.size(), vecRow.size()));
         for (std::size_t i = 0; i < vecRow.size(); ++i) {
-            vecWidths[i] = std::max(vecWidths[i], widthOf(vecRow[i]));
+            vecWidths[i] = std::max(vecWidths[i], widthOf(visibleText(vecRow[i])));
         }
     }
     std::string strTable;
     for (const auto& vecRow : vecRows) {
         std::string strLine(static_cast<std::size_t>(nIndent), ' ');
         for (std::size_t i = 0; i < vecRow.size(); ++i) {
-            strLine += harmless(vecRow[i]);
-            strLine.append(vecWidths[i] - widthOf(vecRow[i]) + 2, ' ');
+            strLine += visibleText(vecRow[i]);
+            strLine.append(vecWidths[i] - widthOf(visibleText(vecRow[i])) + 2, ' ');
         }
         strLine.erase(strLine.find_last_not_of(' ') + 1);
         strTable += strLine + '\n';
@@ -124,7 +113,7 @@ void Output::failure(const std::string& strDevice, const std::string& strName, i
 }
 
 void Output::jsonLine(const Json& json) {
-    text(dumped(json) + '\n');
+    text(jsonText(json) + '\n');
 }
 
 // Each result is out before the next one is asked for.

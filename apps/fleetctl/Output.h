@@ -34,6 +34,5 @@ private:
     bool m_bFailed = false;
 };
 
-// Rows of cells in columns, each as wide as its widest cell, behind an indent. Characters that
-// would steer the terminal are shown as question marks.
+// Rows of cells in columns, each as wide as its widest cell, behind an indent.
 std::string formatTable(const std::vector<std::vector<std::string>>& vecRows, int nIndent);

@@ -13,6 +13,7 @@
 
 #include "Base64Text.h"
 #include "UsageError.h"
+#include "VisibleText.h"
 
 using namespace fleetkit;
 
@@ -144,10 +145,6 @@ std::string describeScalar(FieldKind nKind) {
     return visitScalar(nKind, [](auto type) -> std::string {
         return ScalarJson<typename decltype(type)::Type>::Words;
     });
-}
-
-std::string printable(const Json& json) {
-    return json.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
 // The member that holds the field in the object of its record.
@@ -308,7 +305,10 @@ void checkJson(const Json& json, const Shape& shape, const std::string& strPath)
                        : shape.pRecord != nullptr ? json.is_object()
                                                   : isScalar(json, shape.nScalar);
     if (!bFits) {
-        throw UsageError(strPath + " takes " + describeShape(shape) + ", not " + printable(json));
+        throw UsageError(strPath + " takes " + describeShape(shape) + ", not " + jsonText(json));
+    }
+    if (json.is_string() && json.get_ref<const std::string&>().find('\0') != std::string::npos) {
+        throw UsageError(strPath + " cannot hold the character U+0000: a text ends there");
     }
     if (shape.isList) {
         for (std::size_t i = 0; i < json.size(); ++i) {

@@ -6,6 +6,7 @@
 #include "FieldAssignment.h"
 #include "RecordJson.h"
 #include "UsageError.h"
+#include "VisibleText.h"
 
 using namespace fleetkit;
 
@@ -140,6 +141,8 @@ TEST(FieldAssignment, RefusesWhatCannotBeMeant) {
         {R"(OSDGlobalParam={"InverseFlag":"x"})", "osd.OSDGlobalParam.InverseFlag takes true"},
         {"CanvasProperList={}", "a list in JSON"},
         {R"(CanvasProperList=[{"AreaID":null}])", "osd.CanvasProperList.0.AreaID takes"},
+        {R"(CanvasProperList=[{"OSDInfoList":[{"Info":"a\u0000b"}]}])",
+         "osd.CanvasProperList.0.OSDInfoList.0.Info cannot hold the character U+0000"},
         {"CanvasProperList.x.AreaID=1", "number of an element"},
         {"CanvasProperList.1.AreaID=1", "it has 0"},
         {"CanvasProperList.99999999999999999999.AreaID=1", "it has 0"},
@@ -148,6 +151,31 @@ TEST(FieldAssignment, RefusesWhatCannotBeMeant) {
         EXPECT_NE(refusalOf(szText).find(szReason), std::string::npos)
             << szText << " gave: " << refusalOf(szText);
     }
+    EXPECT_NE(refusalOf("=" + std::string(60000, '[')).find("at most 64 levels"),
+              std::string::npos);
+}
+
+TEST(VisibleText, ShowsWhatIsNoCharacterAndWhatSteersTheTerminal) {
+    const struct {
+        std::string strText;
+        std::string strShown;
+        std::string strJson;
+    } Cases[] = {
+        {"Gr\u00FC\u00DFe \u65E5 \U0001F600 \\", "Gr\u00FC\u00DFe \u65E5 \U0001F600 \\",
+         "\"Gr\u00FC\u00DFe \u65E5 \U0001F600 \\\\\""},
+        {"caf\xE9 bar", R"(caf\xE9 bar)", R"("caf\\xE9 bar")"},
+        {"\xC0\xAF\xED\xA0\x80\xF4\x90\x80\x80\xE2\x82",
+         R"(\xC0\xAF\xED\xA0\x80\xF4\x90\x80\x80\xE2\x82)",
+         R"("\\xC0\\xAF\\xED\\xA0\\x80\\xF4\\x90\\x80\\x80\\xE2\\x82")"},
+        {"\x1B\x7F\u009B\u202E\u2066", R"(\u001B\u007F\u009B\u202E\u2066)",
+         R"("\u001b\u007F\u009B\u202E\u2066")"},
+    };
+    for (const auto& one : Cases) {
+        EXPECT_EQ(visibleText(one.strText), one.strShown);
+        EXPECT_EQ(jsonText(one.strText), one.strJson);
+    }
+    EXPECT_EQ(Json::parse(jsonText({{"list", {"\u009B", "\xE9"}}})),
+              (Json{{"list", {"\u009B", "\\xE9"}}}));
 }
 
 TEST(FieldAssignment, NamesTheFieldsThatAreMissing) {
