@@ -124,6 +124,10 @@ def row_table(name, row, rows):
             f"const Rows<{row}> {name}{{{name}Rows, std::size({name}Rows)}};\n\n")
 
 
+def serves_of(function):
+    return " | ".join(f"Of{capital(name)}" for name in function.serves) or "0"
+
+
 def command_table(schema):
     carried = CarriedTable()
     commands = "".join(
@@ -132,7 +136,7 @@ def command_table(schema):
     functions = "".join(
         f'    {{"{one.name}", {command.request if command else 0},'
         f" {carried.rows(one.sends or (command.carries if command else []))},"
-        f" {' | '.join(f'Of{capital(name)}' for name in one.serves) or '0'},"
+        f" {serves_of(one)},"
         f" {str(one.is_exported).lower()}, {str('endangers' in one.flags).lower()}}},\n"
         for one, command in schema.sending())
     types = {kind for key in carried.names for kind, _ in key}
@@ -212,7 +216,7 @@ def property_row(name, verbs):
     get = callee("get", name, verbs["get"][1]) if "get" in verbs else "nullptr"
     change = callee("set", name, verbs["set"][1]) if "set" in verbs else "nullptr"
     return (f'        property<{get}, {change}>("{name}", "{summary}", '
-            f"{options_of(takes + needs)}, {options_of(needs)}),\n")
+            f"{options_of(takes + needs)}, {options_of(needs)}, {serves_of(function)}),\n")
 
 
 def action_row(name, use, function):
@@ -232,7 +236,7 @@ def fleetctl_tables(schema):
     includes = "".join(f"#include <fleetkit/{name}>\n"
                        for name in sorted({schema.records[one].header for one in records}))
     return ("#include <fleetkit/FleetKit.h>\n" + includes + '\n#include "Calls.h"\n'
-            "\nconst std::vector<Property>& properties() {\n"
+            "\nusing namespace fleetkit;\n\nconst std::vector<Property>& properties() {\n"
             f"    static const std::vector<Property> vecProperties = {{\n{properties}    }};\n"
             "    return vecProperties;\n}\n\n"
             "const std::vector<Action>& actions() {\n"

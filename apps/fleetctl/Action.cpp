@@ -1,16 +1,17 @@
 // Looks actions up.
 #include "Action.h"
 
+#include "Suggestion.h"
 #include "UsageError.h"
 
 const Action& findAction(const std::string& strName) {
-    std::string strNames;
+    std::vector<std::string> vecNames;
     for (const Action& action : actions()) {
         if (strName == action.szName) {
             return action;
         }
-        strNames += std::string(" ") + action.szName;
+        vecNames.emplace_back(action.szName);
     }
     throw UsageError((strName.empty() ? "no action" : "unknown action '" + strName + "'") +
-                     "; the actions are:" + strNames);
+                     suggest(strName, "actions", vecNames));
 }

@@ -97,12 +97,13 @@ Value makeValue() {
 
 // The row of a name; a function that is null is not there.
 template <auto Get, auto Set>
-Property property(const char* szName, const char* szSummary, unsigned nUses, unsigned nNeeds) {
+Property property(const char* szName, const char* szSummary, unsigned nUses, unsigned nNeeds,
+                  unsigned nServes) {
     constexpr bool Gets = !std::is_null_pointer_v<decltype(Get)>;
     constexpr bool Sets = !std::is_null_pointer_v<decltype(Set)>;
     using Target =
         typename LastParameter<std::conditional_t<Gets, decltype(Get), decltype(Set)>>::Type;
-    Property row{szName, szSummary, &makeValue<Target>, nullptr, nullptr, nUses, nNeeds};
+    Property row{szName, szSummary, &makeValue<Target>, nullptr, nullptr, nUses, nNeeds, nServes};
     if constexpr (Gets) {
         row.get = [](const Call& call, void* pObject) {
             return callGet(Get, call, *static_cast<Target*>(pObject));

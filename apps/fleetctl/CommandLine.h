@@ -10,10 +10,10 @@
 #include "Property.h"
 
 struct CommandLine {
-    enum class Verb { Get, Set, Do, Vocabulary, Help, Text };
+    enum class Verb { Get, Set, Do, Vocabulary, Text };
 
-    Verb nVerb = Verb::Help;
-    std::string strText;  // Verb::Text: what --help or --version prints
+    Verb nVerb = Verb::Text;
+    std::string strText;  // Verb::Text: what help and --version print
 
     std::string strDevice;
     std::string strUser;

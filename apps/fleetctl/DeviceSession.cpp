@@ -2,6 +2,7 @@
 #include "DeviceSession.h"
 
 #include <fleetkit/FleetKit.h>
+#include <fleetkit/Login.h>
 #include <fleetkit/domain/DeviceInfoEx.h>
 #include <netdb.h>
 #include <sys/socket.h>
@@ -79,7 +80,7 @@ InetAddr parseDeviceAddress(const std::string& strText) {
 
 DeviceSession::DeviceSession(const InetAddr& address, const std::string& strUser,
                              const std::string& strPassword)
-    : m_nCode(FleetKit::Login(loginData(address, strUser, strPassword), m_nHandle)) {}
+    : m_nCode(login(loginData(address, strUser, strPassword), m_nHandle)) {}
 
 DeviceSession::~DeviceSession() {
     if (m_nCode == ErrorCode::Success) {

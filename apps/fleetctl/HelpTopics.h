@@ -11,6 +11,3 @@ struct HelpTopic {
 };
 
 const std::vector<HelpTopic>& helpTopics();
-
-// UsageError, with the topics there are, for another one.
-const HelpTopic& findHelpTopic(const std::string& strName);

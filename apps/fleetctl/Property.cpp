@@ -1,16 +1,21 @@
 // The names of `get` and `set`, and the options that choose.
 #include "Property.h"
 
+#include <fleetkit/DeviceType.h>
+
+#include "Suggestion.h"
 #include "UsageError.h"
+
+using namespace fleetkit;
 
 namespace {
 
-std::string joinedNames() {
-    std::string strNames;
-    for (const Property& property : properties()) {
-        strNames += std::string(" ") + property.szName;
+// What a number of a device type stands for, as a bit of the types that a property serves.
+unsigned typeOf(int nType) {
+    if (isCamera(nType)) {
+        return OfCamera;
     }
-    return strNames;
+    return isRecorder(nType) ? unsigned{OfRecorder} : 0U;
 }
 
 }  // namespace
@@ -30,12 +35,30 @@ const std::vector<Selector>& selectors() {
 }
 
 const Property& findProperty(const std::string& strName) {
+    std::vector<std::string> vecNames;
     for (const Property& property : properties()) {
         if (strName == property.szName) {
             return property;
         }
+        vecNames.emplace_back(property.szName);
     }
-    throw UsageError("unknown name '" + strName + "'; the names are:" + joinedNames());
+    throw UsageError("unknown name '" + strName + "'" + suggest(strName, "names", vecNames));
+}
+
+void requireServedType(const Property& property, const Selection& selection) {
+    if (!selection.type || property.nServes == 0) {
+        return;
+    }
+    const unsigned nType = typeOf(*selection.type);
+    if (nType == 0) {
+        throw UsageError("--type " + std::to_string(*selection.type) +
+                         " is neither a camera nor a recorder; say ipc or nvr");
+    }
+    if ((property.nServes & nType) == 0) {
+        throw UsageError(std::string(property.szName) +
+                         (nType == OfCamera ? " is for recorders only, a camera has none"
+                                            : " is for cameras only, a recorder has none"));
+    }
 }
 
 void requireSelectors(const Property& property, const Selection& selection) {

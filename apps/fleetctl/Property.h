@@ -1,6 +1,8 @@
 // Property: what a name of `get` and `set` stands for, and how the library reads and writes it.
 #pragma once
 
+#include <fleetkit/protocol/CommandCatalogue.h>
+
 #include <optional>
 #include <string>
 #include <vector>
@@ -44,6 +46,7 @@ struct Property {
     int (*set)(const Call& call, const void* pObject);  // null: cannot be written
     unsigned nUses = 0;                                 // selectors that have a meaning for it
     unsigned nNeeds = 0;                                // selectors that have to be given
+    unsigned nServes = 0;  // fleetkit::DeviceTypeBit; 0 where the type does not matter
 };
 
 // In the order of their names.
@@ -54,6 +57,9 @@ const Property& findProperty(const std::string& strName);
 
 // UsageError for a selector that is needed and not given.
 void requireSelectors(const Property& property, const Selection& selection);
+
+// UsageError for a device type that has no such property.
+void requireServedType(const Property& property, const Selection& selection);
 
 // UsageError for a selector that is given and has no meaning for any of the properties.
 void refuseOtherSelectors(const std::vector<const Property*>& vecProperties,

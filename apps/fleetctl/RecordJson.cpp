@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "Base64Text.h"
+#include "Suggestion.h"
 #include "UsageError.h"
 #include "VisibleText.h"
 
@@ -171,11 +172,11 @@ const FieldDescriptor& fieldOf(const RecordDescriptor& descriptor, const std::st
     if (pField != nullptr) {
         return *pField;
     }
-    std::string strNames;
+    std::vector<std::string> vecNames;
     forEachField(descriptor,
-                 [&](const FieldDescriptor& field) { strNames += std::string(" ") + field.szTag; });
-    throw UsageError(strPath + " has no field '" + strName +
-                     "'; its fields are:" + (strNames.empty() ? " none" : strNames));
+                 [&](const FieldDescriptor& field) { vecNames.push_back(field.szTag); });
+    throw UsageError(strPath + " has no field '" + strName + "'" +
+                     suggest(strName, "fields", vecNames));
 }
 
 // Bare values stand in lists of their own type.

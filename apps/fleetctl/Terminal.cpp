@@ -3,6 +3,7 @@
 
 #include <fcntl.h>
 #include <signal.h>
+#include <sys/ioctl.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -86,6 +87,12 @@ std::FILE* claimStandardOutput() {
 
 bool isTerminal(std::FILE* pStream) {
     return isatty(fileno(pStream)) == 1;
+}
+
+std::optional<std::size_t> terminalWidth(std::FILE* pStream) {
+    winsize size{};
+    const bool bKnown = ioctl(fileno(pStream), TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+    return bKnown ? std::optional<std::size_t>(size.ws_col) : std::nullopt;
 }
 
 bool canAsk() {

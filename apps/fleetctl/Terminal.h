@@ -11,6 +11,10 @@ std::FILE* claimStandardOutput();
 
 bool isTerminal(std::FILE* pStream);
 
+// How many characters a line of the terminal holds. Nothing for a stream that is no terminal, or
+// one that does not know.
+std::optional<std::size_t> terminalWidth(std::FILE* pStream);
+
 // Whether there is somebody to answer a question.
 bool canAsk();
 

@@ -16,7 +16,12 @@ using namespace fleetkit;
 namespace {
 
 constexpr const char* LoginName = "login";
-constexpr const char* LoginError = "the login failed: no answer, or user or password refused";
+
+// The meaning of a code. Positive ones are none of the library's.
+std::string describe(int nCode) {
+    return nCode > 0 ? "the device refused with its own code " + std::to_string(nCode)
+                     : errorMeaning(nCode);
+}
 
 void requireUser(const CommandLine& line) {
     if (line.strUser.empty()) {
@@ -42,14 +47,9 @@ struct Target {
 // Logs in and has the work done with the handle.
 template <class Work>
 int withSession(const CommandLine& line, const Target& target, Output& output, Work work) {
-    if (target.address.getIP().empty()) {
-        output.failure(line.strDevice, LoginName, ErrorCode::Failed,
-                       "the host name has no address");
-        return ExitCode::LoginFailed;
-    }
     const DeviceSession session(target.address, line.strUser, target.strPassword);
     if (session.getCode() != ErrorCode::Success) {
-        output.failure(line.strDevice, LoginName, session.getCode(), LoginError);
+        output.failure(line.strDevice, LoginName, session.getCode(), describe(session.getCode()));
         return ExitCode::LoginFailed;
     }
     return work(session.getHandle());
@@ -61,18 +61,16 @@ int report(const CommandLine& line, Output& output, const std::string& strName, 
         output.success(line.strDevice, strName, value);
         return ExitCode::Success;
     }
-    output.failure(line.strDevice, strName, nCode, errorMeaning(nCode));
+    output.failure(line.strDevice, strName, nCode, describe(nCode));
     return ExitCode::OperationFailed;
 }
 
-// Plain lines also where no terminal is, for grep and cut.
-int listNames(const CommandLine& line, Output& output) {
-    const Format nFormat = line.format.value_or(Format::Table);
-    std::vector<std::vector<std::string>> vecRows;
+int listNames(Output& output) {
+    TableRows vecRows;
     for (const Property& property : properties()) {
         const bool bGet = property.get != nullptr;
         const bool bSet = property.set != nullptr;
-        if (nFormat == Format::JsonLines) {
+        if (output.getFormat() == Format::JsonLines) {
             output.jsonLine({{"name", property.szName},
                              {"get", bGet},
                              {"set", bSet},
@@ -82,8 +80,8 @@ int listNames(const CommandLine& line, Output& output) {
         vecRows.push_back(
             {property.szName, bGet ? "get" : "", bSet ? "set" : "", property.szSummary});
     }
-    if (nFormat == Format::Table) {
-        output.text(formatTable(vecRows, 0));
+    if (output.getFormat() == Format::Table) {
+        output.text(formatTable(vecRows, 0, output.getWidth()));
     }
     return ExitCode::Success;
 }
@@ -128,6 +126,14 @@ int setOne(const CommandLine& line, Output& output, const Property& property,
     }
     fromJson(json, value.shape, value.pObject.get());
     const int nCode = property.set(call, value.pObject.get());
+    if (nCode > 0) {  // only the device knows which of the fields it does not like
+        std::string strSent = "; sent:";
+        for (const std::string& strText : line.vecArguments) {
+            strSent += ' ' + strText;
+        }
+        output.failure(line.strDevice, property.szName, nCode, describe(nCode) + strSent);
+        return ExitCode::OperationFailed;
+    }
     return report(line, output, property.szName, nCode, toJson(value.shape, value.pObject.get()));
 }
 
@@ -154,7 +160,7 @@ bool isConfirmed(const Action& action, const CommandLine& line) {
 
 int runGet(const CommandLine& line, Output& output) {
     if (line.bList) {
-        return listNames(line, output);
+        return listNames(output);
     }
     if (line.vecNames.empty()) {
         throw UsageError("nothing to get; `fleetctl get --list` prints the names");
@@ -163,6 +169,7 @@ int runGet(const CommandLine& line, Output& output) {
     for (const std::string& strName : line.vecNames) {
         vecProperties.push_back(&readableProperty(strName));
         requireSelectors(*vecProperties.back(), line.selection);
+        requireServedType(*vecProperties.back(), line.selection);
     }
     refuseOtherSelectors(vecProperties, line.selection);
     return withSession(line, Target(line), output, [&](const long& nHandle) {
@@ -179,6 +186,7 @@ int runGet(const CommandLine& line, Output& output) {
 int runSet(const CommandLine& line, Output& output) {
     const Property& property = writableProperty(line.strName);
     requireSelectors(property, line.selection);
+    requireServedType(property, line.selection);
     refuseOtherSelectors({&property}, line.selection);
     const Shape shape = property.make().shape;
     std::vector<FieldAssignment> vecAssignments;

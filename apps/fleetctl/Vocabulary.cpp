@@ -12,21 +12,16 @@
 #include <vector>
 
 #include "ExitCode.h"
+#include "Suggestion.h"
 #include "UsageError.h"
 #include "VocabularyEntry.h"
 
 namespace {
 
-using Rows = std::vector<std::vector<std::string>>;
+constexpr std::size_t Indent = 2;
 
 std::span<const VocabularyEntry> entries() {
     return {vocabularyEntries, vocabularySize};
-}
-
-bool isNamed(const VocabularyEntry& entry, const std::string& strName) {
-    std::istringstream names(entry.szNames);
-    return std::any_of(std::istream_iterator<std::string>(names), {},
-                       [&](const std::string& strOther) { return strOther == strName; });
 }
 
 std::string textOf(const Json& fact) {
@@ -52,20 +47,20 @@ std::string titleOf(const std::string& strKey) {
     return strTitle;
 }
 
-std::string formatFacts(const Json& entry) {
+std::string formatFacts(const Json& entry, std::size_t nWidth) {
     static const std::set<std::string> LaidOutOtherwise = {"record", "fields", "example"};
-    Rows vecRows;
+    TableRows vecRows;
     for (const auto& [strKey, fact] : entry.items()) {
         if (LaidOutOtherwise.count(strKey) == 0) {
             vecRows.push_back({titleOf(strKey), textOf(fact)});
         }
     }
-    return formatTable(vecRows, 2);
+    return formatTable(vecRows, Indent, nWidth);
 }
 
 // A field whose absence prints two lines takes two rows.
-std::string formatFields(const Json& fields) {
-    Rows vecRows = {{"FIELD", "TYPE", "DEFAULT", "WHEN ABSENT", "PRINTED THEN"}};
+std::string formatFields(const Json& fields, std::size_t nWidth) {
+    TableRows vecRows = {{"FIELD", "TYPE", "DEFAULT", "WHEN ABSENT", "PRINTED THEN"}};
     for (const Json& field : fields) {
         std::vector<std::string> vecCells;
         for (const char* szCell : {"name", "type", "default", "absent"}) {
@@ -76,11 +71,11 @@ std::string formatFields(const Json& fields) {
             vecRows.push_back(std::exchange(vecCells, std::vector<std::string>(4)));
         }
     }
-    return formatTable(vecRows, 2);
+    return formatHeadedTable(vecRows, Indent, nWidth);
 }
 
-std::string formatNotes(const Json& fields) {
-    Rows vecRows;
+std::string formatNotes(const Json& fields, std::size_t nWidth) {
+    TableRows vecRows;
     for (const Json& field : fields) {
         if (field.contains("inheritedFrom")) {
             vecRows.push_back(
@@ -90,29 +85,29 @@ std::string formatNotes(const Json& fields) {
             vecRows.push_back({field.at("name"), note});
         }
     }
-    return vecRows.empty() ? "" : '\n' + formatTable(vecRows, 2);
+    return vecRows.empty() ? "" : '\n' + formatTable(vecRows, Indent, nWidth);
 }
 
-std::string formatEntry(const Json& entry) {
+std::string formatEntry(const Json& entry, std::size_t nWidth) {
     if (!entry.contains("record")) {
-        return formatFacts(entry);
+        return formatFacts(entry, nWidth);
     }
-    std::string strText = textOf(entry.at("record")) + '\n' + formatFacts(entry) + '\n';
+    std::string strText = textOf(entry.at("record")) + '\n' + formatFacts(entry, nWidth) + '\n';
     if (entry.contains("fields")) {
         const Json& fields = entry.at("fields");
-        strText += formatFields(fields) + formatNotes(fields) + '\n';
+        strText += formatFields(fields, nWidth) + formatNotes(fields, nWidth) + '\n';
     }
     return strText + textOf(entry.at("example"));
 }
 
-void listRecords(Format nFormat, Output& output) {
-    Rows vecRows;
+void listRecords(Output& output) {
+    TableRows vecRows;
     for (const VocabularyEntry& entry : entries()) {
         const Json json = Json::parse(entry.szJson);
         if (!json.contains("record")) {
             continue;
         }
-        if (nFormat == Format::JsonLines) {
+        if (output.getFormat() == Format::JsonLines) {
             Json line;
             for (const char* szKey : {"record", "id", "family", "about"}) {
                 if (json.contains(szKey)) {
@@ -124,31 +119,46 @@ void listRecords(Format nFormat, Output& output) {
         vecRows.push_back({json.at("record"), json.contains("id") ? textOf(json.at("id")) : "",
                            json.at("family")});
     }
-    if (nFormat == Format::Table) {
-        output.text(formatTable(vecRows, 0));
+    if (output.getFormat() == Format::Table) {
+        output.text(formatTable(vecRows, 0, output.getWidth()));
     }
+}
+
+std::vector<Json> findEntries(const std::string& strName) {
+    std::vector<Json> vecFound;
+    std::vector<std::string> vecNames;
+    for (const VocabularyEntry& entry : entries()) {
+        std::istringstream names(entry.szNames);
+        const std::vector<std::string> vecOwn(std::istream_iterator<std::string>(names), {});
+        if (std::find(vecOwn.begin(), vecOwn.end(), strName) != vecOwn.end()) {
+            vecFound.push_back(Json::parse(entry.szJson));
+        }
+        vecNames.insert(vecNames.end(), vecOwn.begin(), vecOwn.end());
+    }
+    if (vecFound.empty()) {
+        const std::string strNearest = nearestWord(strName, vecNames);
+        throw UsageError("no record or command '" + strName + "'; " +
+                         (strNearest.empty() ? "`fleetctl vocabulary` prints the records"
+                                             : "did you mean '" + strNearest + "'?"));
+    }
+    return vecFound;
 }
 
 }  // namespace
 
 int runVocabulary(const CommandLine& line, Output& output) {
-    const Format nFormat = line.format.value_or(Format::Table);
     if (line.strName.empty()) {
-        listRecords(nFormat, output);
+        listRecords(output);
         return ExitCode::Success;
     }
-    bool bFound = false;
-    for (const VocabularyEntry& entry : entries()) {
-        if (isNamed(entry, line.strName)) {
-            output.text(nFormat == Format::JsonLines
-                            ? std::string(entry.szJson) + '\n'
-                            : (bFound ? "\n" : "") + formatEntry(Json::parse(entry.szJson)));
-            bFound = true;
+    bool bFirst = true;
+    for (const Json& entry : findEntries(line.strName)) {
+        if (output.getFormat() == Format::JsonLines) {
+            output.jsonLine(entry);
+        } else {
+            output.text((bFirst ? "" : "\n") + formatEntry(entry, output.getWidth()));
         }
-    }
-    if (!bFound) {
-        throw UsageError("no record or command '" + line.strName +
-                         "'; `fleetctl vocabulary` prints the records");
+        bFirst = false;
     }
     return ExitCode::Success;
 }

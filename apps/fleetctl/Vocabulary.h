@@ -5,5 +5,5 @@
 #include "CommandLine.h"
 #include "Output.h"
 
-// UsageError for a name or id that is none. JSON only when asked for.
+// UsageError for a name or id that is none.
 int runVocabulary(const CommandLine& line, Output& output);

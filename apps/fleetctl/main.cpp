@@ -6,7 +6,6 @@
 
 #include "CommandLine.h"
 #include "ExitCode.h"
-#include "HelpTopics.h"
 #include "Output.h"
 #include "Terminal.h"
 #include "UsageError.h"
@@ -27,9 +26,6 @@ int runVerb(const CommandLine& line, Output& output) {
             return runDo(line, output);
         case CommandLine::Verb::Vocabulary:
             return runVocabulary(line, output);
-        case CommandLine::Verb::Help:
-            output.text(findHelpTopic(line.strName).szText);
-            break;
         case CommandLine::Verb::Text:
             output.text(line.strText);
             break;
@@ -37,8 +33,10 @@ int runVerb(const CommandLine& line, Output& output) {
     return ExitCode::Success;
 }
 
-Format defaultFormat(std::FILE* pOutput) {
-    return pOutput != nullptr && isTerminal(pOutput) ? Format::Table : Format::JsonLines;
+Output outputFor(const CommandLine& line, std::FILE* pStream) {
+    const bool bTerminal = pStream != nullptr && isTerminal(pStream);
+    return {pStream, line.format.value_or(bTerminal ? Format::Table : Format::JsonLines),
+            bTerminal ? terminalWidth(pStream).value_or(PageWidth) : AnyWidth};
 }
 
 int run(int nCount, char** ppArguments, std::FILE* pOutput) {
@@ -46,7 +44,7 @@ int run(int nCount, char** ppArguments, std::FILE* pOutput) {
     if (line.nVerbosity > 0) {
         setLogFilter(line.nVerbosity > 1 ? LogLevel::Trace : LogLevel::Failure);
     }
-    Output output(pOutput, line.format.value_or(defaultFormat(pOutput)));
+    Output output = outputFor(line, pOutput);
     const int nExitCode = runVerb(line, output);
     if (!output.finish()) {
         std::fputs("fleetctl: standard output could not be written\n", stderr);
@@ -62,7 +60,7 @@ int main(int nCount, char** ppArguments) {
     try {
         return run(nCount, ppArguments, pOutput);
     } catch (const UsageError& error) {
-        std::fprintf(stderr, "fleetctl: %s\nTry 'fleetctl --help'.\n", error.what());
+        std::fprintf(stderr, "fleetctl: %s\n", error.what());
         return ExitCode::WrongUsage;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "fleetctl: %s\n", error.what());

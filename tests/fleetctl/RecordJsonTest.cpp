@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "FieldAssignment.h"
+#include "Output.h"
 #include "RecordJson.h"
 #include "UsageError.h"
 #include "VisibleText.h"
@@ -134,7 +135,8 @@ TEST(FieldAssignment, RefusesWhatCannotBeMeant) {
         {"CameraId=99999999999999999999", "a whole number"},
         {"CameraId=one", "a whole number"},
         {"CameraId.x=1", "has no fields"},
-        {"cameraId=1", "its fields are: CameraId OSDGlobalParam CanvasProperList"},
+        {"cameraId=1", "osd has no field 'cameraId'; did you mean 'CameraId'?"},
+        {"Kamera=1", "the fields are: CameraId OSDGlobalParam CanvasProperList"},
         {"OSDGlobalParam.InverseFlag=1", "true or false"},
         {"OSDGlobalParam=1", "an object in JSON"},
         {R"(OSDGlobalParam={"Inverse":true})", "osd.OSDGlobalParam has no field 'Inverse'"},
@@ -176,6 +178,19 @@ TEST(VisibleText, ShowsWhatIsNoCharacterAndWhatSteersTheTerminal) {
     }
     EXPECT_EQ(Json::parse(jsonText({{"list", {"\u009B", "\xE9"}}})),
               (Json{{"list", {"\u009B", "\\xE9"}}}));
+}
+
+TEST(Output, KeepsTablesToTheirWidth) {
+    EXPECT_EQ(formatTable({{"a", "one two three four five six"}, {"bcd", "x"}}, 2, 28),
+              "  a    one two three four\n       five six\n  bcd  x\n");
+    EXPECT_EQ(formatTable({{"a", "0123456789012345678901\u00FC"}}, 0, 23),
+              "a  01234567890123456789\n   01\u00FC\n");
+    const TableRows vecFields = {
+        {"FIELD", "TYPE", "NOTE"}, {"Name", "text", ""}, {"Id", "int", "n"}};
+    EXPECT_EQ(formatHeadedTable(vecFields, 0, 17),
+              "FIELD  TYPE  NOTE\nName   text\nId     int   n\n");
+    EXPECT_EQ(formatHeadedTable(vecFields, 0, 16),
+              "FIELD  Name\nTYPE   text\n\nFIELD  Id\nTYPE   int\nNOTE   n\n");
 }
 
 TEST(FieldAssignment, NamesTheFieldsThatAreMissing) {

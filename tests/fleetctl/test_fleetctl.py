@@ -75,7 +75,7 @@ class FleetctlTest(unittest.TestCase):
 
     def test_reads_every_name(self):
         recorder = self.start("--kind", "nvr", "--channels", "2")
-        names = [row["name"] for row in self.results("get", "--list", "-o", "json")
+        names = [row["name"] for row in self.results("get", "--list")
                  if row["get"]]
         self.assertEqual(len(names), 27)
         for name in names:
@@ -109,7 +109,7 @@ class FleetctlTest(unittest.TestCase):
                             lambda v: v["CanvasProperList"][0]["OSDInfoList"][0]["Info"]
                             == "Grüße"),
         }
-        settable = [row["name"] for row in self.results("get", "--list", "-o", "json")
+        settable = [row["name"] for row in self.results("get", "--list")
                     if row["set"]]
         self.assertEqual(sorted(settable), sorted([*changes, "network"]))
         for name, (fields, is_set) in changes.items():
@@ -124,11 +124,20 @@ class FleetctlTest(unittest.TestCase):
     def test_wrong_usage_gives_2_and_changes_nothing(self):
         before = self.results("get", "ntp", "ports")
         cases: list[tuple[list[str], str]] = [
-            ([], "verbs are: get set do"),
-            (["fetch"], "verbs are: get set do"),
+            ([], "Try 'fleetctl --help'"),
+            (["fetch"], "unknown verb 'fetch'; the verbs are: get set do"),
+            (["gett", "ntp"], "did you mean 'get'?"),
+            (["get", "ntp", "--chanel", "1"], "did you mean '--channel'?"),
+            (["get", "ntp", "--nowhere"], "Try 'fleetctl get --help'"),
+            (["get", "ntp", "--channel", "x"], "--channel takes a whole number"),
+            (["get", "video", "--type", "toaster"], "--type takes ipc, nvr or a number"),
+            (["get", "video", "--type", "2"], "neither a camera nor a recorder"),
+            (["get", "channels", "--type", "ipc"], "a camera has none"),
+            (["get", "sensor", "--type", "nvr"], "a recorder has none"),
+            (["do", "reset", "--hold", "1,b"], "--hold takes a whole number"),
             (["get"], "get --list"),
             (["get", "nothing"], "the names are: audio blind"),
-            (["get", "ntp", "nothing"], "the names are"),
+            (["get", "ntp", "tme"], "did you mean 'time'?"),
             (["get", "network"], "can only be set"),
             (["get", "ntp", "--channel", "1"], "--channel has no meaning"),
             (["get", "stream", "--channel", "1"], "needs --stream"),
@@ -137,7 +146,7 @@ class FleetctlTest(unittest.TestCase):
             (["set", "summary", "DeviceName=x"], "only be read"),
             (["set", "ntp", "NTPPort"], "FIELD=VALUE"),
             (["set", "ntp", "NTPIp=x", "Port=1"],
-             "its fields are: NTPEnableFlag NTPIp NTPPort NTPRunTime IPProtoVer"),
+             "the fields are: NTPEnableFlag NTPIp NTPPort NTPRunTime IPProtoVer"),
             (["set", "ntp", "NTPPort=70000"], "from 0 to 65535"),
             (["set", "ntp", "NTPEnableFlag=yes"], "true or false"),
             (["set", "network", *NETWORK[1:]], "missing: NetId"),
@@ -151,7 +160,8 @@ class FleetctlTest(unittest.TestCase):
             (["do", "passwd"], "FLEETCTL_NEW_PASSWORD"),
             (["do", "network-by-multicast", "id", *NETWORK[1:]], "missing: NetId"),
             (["help", "nothing"], "environment output exit-codes targets"),
-            (["vocabulary", "Nothing"], "no record or command"),
+            (["vocabulary", "Nothing"], "`fleetctl vocabulary` prints"),
+            (["vocabulary", "ntpparam"], "did you mean 'NTPParam'?"),
             (["-d", "127.0.0.1", "get", "ntp"], "HOST:PORT"),
             (["-d", "127.0.0.1:0", "get", "ntp"], "port from 1 to 65535"),
             (["-d", "::1:30001", "get", "ntp"], "brackets"),
@@ -171,24 +181,33 @@ class FleetctlTest(unittest.TestCase):
     def test_a_failed_login_gives_3(self):
         gone = Device()
         gone.end()
-        for device, password in ((self.camera, "wrong"), (gone, PASSWORD)):
+        silent = self.start("--misbehave", "close:Login")
+        for device, password, code, words in (
+                (self.camera, "wrong", 2, "refused with its own code 2"),
+                (gone, PASSWORD, -204, "connecting failed"),
+                (silent, PASSWORD, -212, "closed the connection")):
             for arguments in (["get", "ntp"], ["set", "ntp", "NTPPort=1"],
                               ["do", "restart", "--yes"]):
                 result, = self.results(*arguments, status=3, device=device, password=password)
-                self.assertEqual((result["name"], result["code"]), ("login", -1))
-                self.assertIn("login failed", result["error"])
+                self.assertEqual((result["name"], result["code"]), ("login", code))
+                self.assertIn(words, result["error"])
+        result, = self.results("-d", "no..name:1", "get", "ntp", status=3)
+        self.assertEqual((result["name"], result["code"]), ("login", -218))
 
     def test_a_failed_operation_gives_1_and_the_others_go_on(self):
         broken = self.start("--misbehave", "code=99:32712", "--misbehave", "close:30523")
         first, second, third = self.results("get", "time", "ntp", "ports", status=1,
                                             device=broken)
         self.assertEqual(first["code"], 0)
-        self.assertEqual((second["code"], second["error"]), (99, "the device's own result code"))
+        self.assertEqual((second["code"], second["error"]),
+                         (99, "the device refused with its own code 99"))
         self.assertEqual(third["code"], -212)
         self.assertIn("closed", third["error"])
         self.assertNotIn("value", third)
         refused, = self.results("set", "ntp", "NTPPort=1", status=1, device=broken)
         self.assertEqual(refused["code"], 99)
+        refused, = self.results("set", "time", "Month=13", "Day=2", status=1)
+        self.assertIn("its own code 7; sent: Month=13 Day=2", refused["error"])
 
     def test_the_library_never_prints_on_standard_output(self):
         odd = self.start("--misbehave", "not-xml:32712")
@@ -210,9 +229,9 @@ class FleetctlTest(unittest.TestCase):
         text = run.stdout.decode()
         self.assertRegex(text, r"(?m)^  NTPPort +123$")
         self.assertRegex(text, r"(?m)^  ChannelId  StreamId  StreamName")
-        failed = fleetctl("-o", "table", "get", "channels", "--type", "1", device=self.camera)
-        self.assertEqual((failed.returncode, failed.stdout), (1, b""))
-        self.assertIn(b"(code -1)", failed.stderr)
+        failed = fleetctl("-o", "table", "get", "ntp", device=self.camera, password="wrong")
+        self.assertEqual((failed.returncode, failed.stdout), (3, b""))
+        self.assertIn(b"(code 2)", failed.stderr)
 
     def test_actions(self):
         for arguments in (["restart", "--yes"], ["reset", "--yes", "--hold", "1,2"],
@@ -245,10 +264,15 @@ class FleetctlTest(unittest.TestCase):
             run = fleetctl(*arguments)
             self.assertEqual((run.returncode, run.stderr), (0, b""), arguments)
             self.assertTrue(run.stdout)
+        for verb in ("", "get", "set", "do"):
+            text = fleetctl("help", *verb.split()).stdout
+            self.assertEqual(text, fleetctl(*verb.split(), "--help").stdout)
+            self.assertLessEqual(max(map(len, text.splitlines())), 80)
+        self.assertIn(b"\n  stream --channel N --stream N ", fleetctl("help", "get").stdout)
 
     def test_vocabulary_prints_one_record_or_command(self):
-        for name in ("NTPParam", "206", "NTPParamList"):
-            record, = self.results("vocabulary", name, "-o", "json")
+        for name in ("NTPParam", "206", "NTPParamList", "ntp"):
+            record, = self.results("vocabulary", name)
             self.assertEqual((record["record"], record["id"]), ("NTPParam", 206))
             self.assertEqual([field["name"] for field in record["fields"]],
                              ["NTPEnableFlag", "NTPIp", "NTPPort", "NTPRunTime", "IPProtoVer"])
@@ -266,15 +290,16 @@ class FleetctlTest(unittest.TestCase):
         self.assertEqual(operation["fields"][0], {
             "name": "CameraId", "type": "int", "default": "1", "absent": "stays as it was",
             "printed": [r"getProperty get CameraId failed \n"]})
-        text = fleetctl("vocabulary", "EtPTZOperation").stdout.decode()
+        text = fleetctl("vocabulary", "EtPTZOperation", "-o", "table").stdout.decode()
         for part in ("carried by  14006", r"getProperty get CameraId failed \n",
                      '<PTZOperation CameraId="1" PTZId="1" PTZOperation="text" Name="text" />\n'):
             self.assertIn(part, text)
 
     def test_vocabulary_lists_the_records(self):
-        records = self.results("vocabulary", "-o", "json")
+        records = self.results("vocabulary")
         self.assertEqual(sum("id" in record for record in records), 715)
-        self.assertEqual(len(fleetctl("vocabulary").stdout.splitlines()), len(records))
+        table = fleetctl("vocabulary", "-o", "table").stdout
+        self.assertEqual(len(table.splitlines()), len(records))
 
     def on_terminal(self, answers, *arguments):
         """Runs with a terminal for standard input and error; answers each question in turn."""
