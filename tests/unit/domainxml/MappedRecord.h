@@ -27,8 +27,9 @@ public:
     BaseDomain& domain() const { return *m_pRecord; }
 
     // The element of the record, tagged with the class name. What a mapper prints is dropped.
-    std::string text() const {
-        const XmlDocument document(m_pDescriptor->szClass);
+    std::string text() const { return text(m_pDescriptor->szClass); }
+    std::string text(const char* szTag) const {
+        const XmlDocument document(szTag);
         captureOutput(
             [&] { EXPECT_TRUE(XmlMapping::writeRecord(*m_pDescriptor, get(), document.root())); });
         return document.root().text();

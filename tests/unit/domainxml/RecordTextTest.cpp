@@ -1,0 +1,225 @@
+// The texts of records against cases written down by hand, and what no text can show.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <fstream>
+#include <map>
+#include <regex>
+#include <string>
+#include <vector>
+
+#include "Product/Technic/LogFilter.h"
+#include "domain/ConverseAbility.h"
+#include "domain/EtPTZOperation.h"
+#include "domain/EtResult.h"
+#include "domain/EtThermalOperation.h"
+#include "domain/IntelligentEvent.h"
+#include "domain/PTZPointParam.h"
+#include "domain/PolygonArea.h"
+#include "domain/UpdateSoftware.h"
+#include "domainxml/DomainXmlFactory.h"
+#include "domainxml/MappingWords.h"
+#include "domainxml/TypedXml.h"
+#include "unit/domainxml/MappedRecord.h"
+#include "unit/domainxml/NodeText.h"
+
+using namespace fleetkit;
+
+namespace {
+
+// ---- the cases of texts/README.txt
+
+constexpr std::array Parts = {"held", "read", "refused", "both", "prints", "writes"};
+
+struct TextCase {
+    std::string strPlace;
+    std::string strClass;
+    std::map<std::string, std::string> mapParts;
+
+    bool has(const std::string& strPart) const { return mapParts.count(strPart) != 0; }
+};
+
+std::vector<TextCase> casesOf(const std::string& strName) {
+    std::ifstream file(FLEETKIT_SOURCE_DIR "/tests/unit/domainxml/texts/" + strName);
+    std::vector<TextCase> vecCases;
+    std::string* pPart = nullptr;
+    for (std::string strLine; std::getline(file, strLine);) {
+        if (strLine.empty() || strLine[0] == '#') {
+            continue;
+        }
+        if (strLine.starts_with("== ")) {
+            const std::string strClass = strLine.substr(3, strLine.find(':') - 3);
+            vecCases.push_back({strName + ": " + strLine, strClass, {}});
+        } else if (std::ranges::count(Parts, strLine) == 1) {
+            pPart = &vecCases.back().mapParts[strLine];
+        } else if (strLine[0] == ' ') {
+            pPart->back() = ' ';
+            *pPart += strLine.substr(strLine.find_first_not_of(' ')) + "\n";
+        } else {
+            *pPart += strLine + "\n";
+        }
+    }
+    return vecCases;
+}
+
+std::string printedLines(const TextCase& one) {
+    if (!one.has("prints")) {
+        return "";
+    }
+    const std::string strJoined =
+        std::regex_replace(one.mapParts.at("prints"), std::regex("\n"), "");
+    return std::regex_replace(strJoined, std::regex(R"(\\n)"), "\n");
+}
+
+// What was printed, with marks for places in the source.
+std::string withMarks(const std::string& strPrinted) {
+    const std::string strLines =
+        std::regex_replace(strPrinted, std::regex(R"((Xml parseDomainXmlNode )\d+)"), "$1{line}");
+    return std::regex_replace(
+        strLines, std::regex(R"((EtPTZOperationOddXml|MappingWords)\.cpp\d+)"), "{place}");
+}
+
+void expectCase(const TextCase& one) {
+    SCOPED_TRACE(one.strPlace);
+    MappedRecord record(*findRecordDescriptor(one.strClass));
+    if (one.has("held")) {
+        record.read(one.mapParts.at("held"));
+    }
+    const std::string strArrives = one.has("both") ? "both" : one.has("read") ? "read" : "refused";
+    EXPECT_EQ(withMarks(record.read(one.mapParts.at(strArrives), strArrives != "refused")),
+              printedLines(one));
+    if (strArrives == "both" || one.has("writes")) {
+        EXPECT_EQ(record.text(), one.mapParts.at(one.has("both") ? "both" : "writes"));
+    }
+}
+
+class RecordText : public testing::TestWithParam<const char*> {
+protected:
+    void SetUp() override { setLogFilter(LogLevel::Failure); }
+    void TearDown() override { setLogFilter(0); }
+};
+
+TEST_P(RecordText, IsReadAndWrittenAsTheCasesSay) {
+    const std::vector<TextCase> vecCases = casesOf(GetParam());
+    EXPECT_GT(vecCases.size(), 10U);
+    for (const TextCase& one : vecCases) {
+        expectCase(one);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Files, RecordText,
+                         testing::Values("shapes.txt", "odd-values.txt", "absent.txt"));
+
+TEST(MappingWords, TheWordsOfANodeName) {
+    for (const auto& [szTag, szName] : {std::pair{"OSDInfoList", "OSD_INFO_LIST"},
+                                        {"PTZPresetV2List", "PTZ_PRESET_V2_LIST"},
+                                        {"RS485List", "RS485_LIST"},
+                                        {"RS485OSDList", "RS485_OSD_LIST"},
+                                        {"GPIOLEDList", "GPIOLED_LIST"}}) {
+        EXPECT_EQ(MappingWords::nodeName(szTag), szName);
+    }
+}
+
+// ---- what is written and not read
+
+template <class Record>
+std::string written(const Record& record) {
+    const XmlDocument document(Record::descriptor().szClass);
+    EXPECT_TRUE(XmlMapping::writeRecord(Record::descriptor(), &record, document.root()));
+    return document.root().text();
+}
+
+TEST(WrittenText, HasWhatIsNotRead) {
+    EtThermalOperation operation;
+    operation.setThermalOperation("go");
+    EXPECT_EQ(written(operation),
+              "<EtThermalOperation ThermalMainOperationId=\"0\" ThermalSubOperationId=\"0\" "
+              "ThermalOperation=\"go\" />\n");
+    PTZPointParam point;
+    point.setPTZID(7);
+    EXPECT_EQ(written(point),
+              "<PTZPointParam PanPosion=\"0\" TiltPosion=\"0\" ZoomValue=\"0\" DZoomValue=\"0\" "
+              "DayFocusValue=\"0\" NightFocusValue=\"0\" PTZID=\"7\" />\n");
+    AbilityFlag flag;
+    flag.setUnit("x");
+    ConverseAbility ability;
+    ability.setDetailGet(flag);
+    EXPECT_THAT(written(ability), testing::HasSubstr("<DetailGet enable=\"false\" unit=\"x\" />"));
+}
+
+TEST(WrittenText, OfAPTZOperationIsTraced) {
+    EtPTZOperation record;
+    record.setPTZId(4);
+    std::string strText;
+    EXPECT_EQ(captureOutput([&] { strText = written(record); }),
+              "setProperty get nCameraID =1  \nsetProperty get nPTZId =4  \n");
+    EXPECT_EQ(strText,
+              "<EtPTZOperation CameraId=\"1\" PTZId=\"4\" PTZOperation=\"\" Name=\"\" />\n");
+}
+
+// ---- the ways to a mapper
+
+TEST(TypedXml, MapsListsUnderTheTypesOwnEntryTags) {
+    const Node node = newNode("ResultList");
+    EXPECT_TRUE(TypedXml<EtResult>::createList({EtResult(), EtResult()}, node));
+    EXPECT_EQ(
+        textOf(node),
+        "<ResultList>\n\t<EtResult Code=\"0\" />\n\t<EtResult Code=\"0\" />\n</ResultList>\n");
+    std::vector<EtResult> vecRead;
+    EXPECT_TRUE(TypedXml<EtResult>::parseList(node, vecRead));
+    EXPECT_EQ(vecRead.size(), 2U);
+}
+
+TEST(TypedXml, OneBadEntryLeavesAContainerAsItWas) {
+    const RecordDescriptor& descriptor = *findRecordDescriptor("EtMotionDetectionStreamReq");
+    const auto pList = descriptor.access.makeContainer();
+    void* pElements = descriptor.access.containerList(*pList);
+    descriptor.access.listReset(pElements, 3);
+    const XmlDocument document =
+        XmlDocument::parse("<L><A CameraId=\"1\" ConsumerId=\"2\"/><A CameraId=\"1\"/></L>");
+    captureOutput(
+        [&] { EXPECT_FALSE(XmlMapping::readDomain(descriptor, document.root(), *pList)); });
+    EXPECT_EQ(descriptor.access.listSize(pElements), 3U);
+}
+
+TEST(TypedXml, AsksForANode) {
+    EtResult record;
+    std::vector<EtResult> vecRecords = {record};
+    for (const Node& node : {Node(), wrapSafe(std::make_unique<DomainXmlNode>())}) {
+        EXPECT_FALSE(TypedXml<EtResult>::createSingle(record, node));
+        EXPECT_FALSE(TypedXml<EtResult>::parseSingle(node, record));
+        EXPECT_FALSE(TypedXml<EtResult>::createList(vecRecords, node));
+        EXPECT_FALSE(TypedXml<EtResult>::parseList(node, vecRecords));
+        EXPECT_FALSE(TypedXml<EtResult>().createDomainXmlNode(record, node));
+        EXPECT_FALSE(TypedXml<EtResult>().parseDomainXmlNode(node, record));
+    }
+    EXPECT_EQ(vecRecords.size(), 1U);
+}
+
+TEST(TypedXml, MapsIntelligentEventByTheDirectFormsOnly) {
+    TypedXml<IntelligentEvent> mapper;
+    IntelligentEvent event;
+    const Node node = newNode("R");
+    EXPECT_FALSE(mapper.createDomainXmlNode(event, node));
+    EXPECT_FALSE(mapper.parseDomainXmlNode(node, event));
+    EXPECT_FALSE(mapper.createDomainXmlNode(BaseDomain(), node));
+    EXPECT_TRUE(TypedXml<IntelligentEvent>::createSingle(event, node));
+    EXPECT_TRUE(TypedXml<IntelligentEvent>::parseSingle(node, event));
+}
+
+TEST(MapperFactory, MapsAnyRecordThatHasAMapper) {
+    Node node;
+    std::string strTag;
+    const auto record = wrapSafe<BaseDomain>(std::make_unique<UpdateSoftware>());
+    ASSERT_TRUE(createDomainXmlNode("T", record, node));
+    EXPECT_TRUE(parseDomainXmlNode(node, strTag, record));
+    EXPECT_EQ(strTag, "T");
+    const auto nested = wrapSafe<BaseDomain>(std::make_unique<PolygonArea>());
+    for (const SafePointer<BaseDomain>& unmapped : {SafePointer<BaseDomain>(), nested}) {
+        EXPECT_FALSE(createDomainXmlNode("T", unmapped, node));
+        EXPECT_FALSE(parseDomainXmlNode(node, strTag, unmapped));
+    }
+}
+
+}  // namespace
