@@ -1,7 +1,6 @@
-// The table of commands: its counts and its oddities.
+// The table of commands: its oddities.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <map>
 
 #include "protocol/CommandCatalogue.h"
@@ -11,21 +10,6 @@ using namespace fleetkit;
 namespace {
 
 using Counts = std::map<std::uint32_t, int>;
-
-TEST(CommandCatalogueTest, HoldsEveryCommandOfTheProtocol) {
-    const auto& rows = commandCatalogue();
-    EXPECT_EQ(rows.size(), 509U);
-    EXPECT_EQ(std::ranges::count(rows, 10000U, &CommandDescriptor::nResponseId), 209);
-    Counts mapRowsOfOperation;
-    for (const auto& row : rows) {
-        ++mapRowsOfOperation[row.nOperation];
-    }
-    EXPECT_EQ(mapRowsOfOperation, (Counts{{1, 149}, {2, 223}, {3, 38}, {4, 99}}));
-    EXPECT_EQ(rows[0].nRequestId, 11004U);
-    EXPECT_EQ(rows[9].nRequestId, 11001U);
-    EXPECT_EQ(rows[rows.size() - 1].nRequestId, 32765U);
-    EXPECT_EQ(rows[rows.size() - 1].nParamGroup, 1006U);
-}
 
 TEST(CommandCatalogueTest, OnlyTwoRequestsStandMoreThanOnceAndAlwaysAlike) {
     Counts mapRepeated;
