@@ -7,6 +7,7 @@ import unittest
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[2]
+CASES = Path(__file__).resolve().parent / "cases"
 sys.path.insert(0, str(ROOT / "codegen"))
 
 
