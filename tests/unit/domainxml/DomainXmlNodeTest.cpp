@@ -4,7 +4,9 @@
 #include <clocale>
 #include <cmath>
 #include <limits>
+#include <map>
 #include <string>
+#include <vector>
 
 #include "Product/Technic/KXRuntimeError.h"
 #include "domainxml/XmlText.h"
@@ -78,36 +80,26 @@ TEST(DomainXmlNode, ReadsIntegersAsFarAsTheyGo) {
 
 TEST(DomainXmlNode, ReadsFractionsAsFarAsTheyGo) {
     constexpr float Endless = std::numeric_limits<float>::infinity();
+    constexpr float Before = 7;  // what stays where there is no number
     const std::string strTiny = "0." + std::string(400, '0') + "1";
     const std::string strHuge = "1" + std::string(400, '0');
-    struct Case {
-        std::string strText;
-        float fExpected;
-    };
-    for (const Case& one : {Case{" -1.5kg", -1.5F},
-                            Case{"+2", 2},
-                            Case{".5", 0.5F},
-                            Case{"5.", 5},
-                            Case{"1,5", 1},
-                            Case{"", 7},
-                            Case{"x", 7},
-                            Case{"--5", 7},
-                            Case{"1e2", 100},
-                            Case{"0x1p3", 0},
-                            Case{"inf", Endless},
-                            Case{"-INF", -Endless},
-                            Case{"1e99", Endless},
-                            Case{"-1e99", -Endless},
-                            Case{"1e-99", 0},
-                            Case{strTiny, 0},
-                            Case{strHuge, Endless},
-                            Case{strHuge + "e-5", Endless},
-                            Case{strTiny + "e5", 0},
-                            Case{"1e99999999999999999999", Endless},
-                            Case{"1e-99999999999999999999", 0}}) {
-        float fValue = 7;
-        XmlText::toFloat(one.strText.c_str(), fValue);
-        EXPECT_EQ(fValue, one.fExpected) << one.strText;
+    const std::map<float, std::vector<std::string>> mapTexts = {
+        {Before, {"", "x", "--5"}},
+        {-1.5F, {" -1.5kg"}},
+        {0.5F, {".5"}},
+        {1, {"1,5"}},
+        {2, {"+2"}},
+        {5, {"5."}},
+        {100, {"1e2"}},
+        {0, {"0x1p3", "1e-99", strTiny, strTiny + "e5", "1e-99999999999999999999"}},
+        {Endless, {"inf", "1e99", strHuge, strHuge + "e-5", "1e99999999999999999999"}},
+        {-Endless, {"-INF", "-1e99"}}};
+    for (const auto& [fExpected, vecTexts] : mapTexts) {
+        for (const std::string& strText : vecTexts) {
+            float fValue = Before;
+            XmlText::toFloat(strText.c_str(), fValue);
+            EXPECT_EQ(fValue, fExpected) << strText;
+        }
     }
     double dValue = 7;
     XmlText::toDouble("nan", dValue);
