@@ -1,29 +1,19 @@
 """Does what docs/adding-an-operation.md says, and asks a virtual device by the new name."""
 
-import argparse
 import os
 import shutil
 import subprocess
-import sys
-import tempfile
-import unittest
 from pathlib import Path
 
-from run_examples import Device
-from snippets import snippets_of
+from harness import PORT, ROOT, Device, PageCase, run, snippets_of
 
-ROOT = Path(__file__).resolve().parents[2]
 DOCUMENT = ROOT / "docs" / "adding-an-operation.md"
 MOST_FILES, MOST_LINES = 3, 10
 
 
-class AddingAnOperation(unittest.TestCase):
-    arguments = argparse.Namespace()
-
+class AddingAnOperation(PageCase):
     def setUp(self):
-        directory = tempfile.TemporaryDirectory()
-        self.addCleanup(directory.cleanup)
-        self.place = Path(directory.name)
+        super().setUp()
         self.out, self.include = self.place / "out", self.place / "include"
         blocks = snippets_of(DOCUMENT)
         self.changes = [block.text for block in blocks if block.language == "diff"]
@@ -34,9 +24,7 @@ class AddingAnOperation(unittest.TestCase):
             shutil.copytree(ROOT / part, self.place / part)
         subprocess.run(["git", "apply", "--unidiff-zero", "-"], cwd=self.place, check=True,
                        text=True, input="".join(self.changes))
-        subprocess.run(
-            [sys.executable, "-B", ROOT / "codegen" / "fleetkit_codegen.py",
-             "--schema", self.place / "schema", "--out", self.out], check=True)
+        self.assertEqual(self.generate("--out", self.out), (0, ""))
 
     def stage(self, *headers):
         """As the build does with the public headers that are new or changed."""
@@ -87,27 +75,14 @@ class AddingAnOperation(unittest.TestCase):
                  if Path(part).name != "FactoryText.cpp.o"]
         virtual_device = self.build("virtual-device", [self.factory_source(), table],
                                     [*parts, *self.arguments.link])
-        with Device(virtual_device, ["--user", "admin", "--password", "secret",
-                                     "--port", "0"]) as device:
-            command = self.run_shown.text.replace("31000", device.port).split()
+        with Device(virtual_device) as device:
+            command = self.run_shown.text.replace(PORT, device.port).split()
             done = subprocess.run([fleetctl, *command[1:]], check=True, text=True,
                                   stdout=subprocess.PIPE,
                                   env=dict(os.environ, FLEETCTL_PASSWORD="secret"))
-        self.assertEqual(done.stdout.replace(device.port, "31000"), self.run_shown.output)
-
-
-def main():
-    parser = argparse.ArgumentParser(description="Follows docs/adding-an-operation.md.")
-    parser.add_argument("--compiler", required=True)
-    parser.add_argument("--include", required=True, help="directory of the staged headers")
-    for name, meaning in (("flag", "a flag for the compiler"),
-                          ("fleetctl-part", "an object or library of fleetctl alone"),
-                          ("device-part", "an object of virtual-device alone"),
-                          ("link", "a library of both, in link order")):
-        parser.add_argument(f"--{name}", action="append", default=[], help=meaning)
-    AddingAnOperation.arguments = parser.parse_args()
-    unittest.main(argv=[sys.argv[0]])
+        self.assertEqual(done.stdout.replace(device.port, PORT), self.run_shown.output)
 
 
 if __name__ == "__main__":
-    main()
+    run(AddingAnOperation, ["compiler", "include"],
+        ["flag", "fleetctl-part", "device-part", "link"])

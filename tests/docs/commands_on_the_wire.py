@@ -4,16 +4,14 @@ fleetctl reads and writes everything that it knows by name; the library's log sh
 device's tells the commands.
 """
 
-import argparse
 import os
 import re
 import subprocess
 import sys
-import unittest
-from pathlib import Path
 
-ROOT = Path(__file__).resolve().parents[2]
-sys.path.insert(0, str(ROOT / "codegen"))
+from harness import CODEGEN, ROOT, Device, PageCase, run
+
+sys.path.insert(0, str(CODEGEN))
 
 from check import check_schema
 from schema import read_schema
@@ -43,9 +41,7 @@ RUNS = [
 ]
 
 
-class Wire(unittest.TestCase):
-    fleetctl = virtual_device = ""
-
+class Wire(PageCase):
     def setUp(self):
         self.schema = read_schema(ROOT / "schema")
         check_schema(self.schema)
@@ -53,21 +49,15 @@ class Wire(unittest.TestCase):
         self.seen = {}
 
     def ask(self, kind, *arguments):
-        """One run of fleetctl against a device of its own; gives what it printed."""
-        device = subprocess.Popen(
-            [self.virtual_device, "--port", "0", "--user", "admin", "--password", "secret",
-             "--kind", kind, "--seconds", "60", "--verbose"],
-            stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
-        address = device.stdout.readline().split()[-1]
-        done = subprocess.run(
-            [self.fleetctl, "-d", address, "-u", "admin", "-o", "json", "-vv", *arguments],
-            env=dict(os.environ, FLEETCTL_PASSWORD="secret", FLEETCTL_NEW_PASSWORD="new"),
-            capture_output=True, text=True, stdin=subprocess.DEVNULL, timeout=60, check=False)
-        device.terminate()
-        _, told = device.communicate()
+        """One run of fleetctl against a device of its own."""
+        with Device(self.arguments.virtual_device, "--kind", kind, "--verbose") as device:
+            done = subprocess.run(
+                [self.arguments.fleetctl, "-d", f"127.0.0.1:{device.port}", "-u", "admin",
+                 "-o", "json", "-vv", *arguments],
+                env=dict(os.environ, FLEETCTL_PASSWORD="secret", FLEETCTL_NEW_PASSWORD="new"),
+                capture_output=True, text=True, stdin=subprocess.DEVNULL, timeout=60, check=False)
         self.assertEqual(done.returncode, 0, msg=f"{arguments}: {done.stdout}")
-        self.take(told, done.stderr)
-        return done.stdout
+        self.take(device.told, done.stderr)
 
     def take(self, told, log):
         """Pairs the commands that the device tells of with the bodies in the library's log."""
@@ -97,14 +87,5 @@ class Wire(unittest.TestCase):
                               msg=str(command.request))
 
 
-def main():
-    parser = argparse.ArgumentParser(description="Compares the schema's commands with the wire.")
-    parser.add_argument("--fleetctl", required=True)
-    parser.add_argument("--virtual-device", required=True)
-    arguments = parser.parse_args()
-    Wire.fleetctl, Wire.virtual_device = arguments.fleetctl, arguments.virtual_device
-    unittest.main(argv=[sys.argv[0]])
-
-
 if __name__ == "__main__":
-    main()
+    run(Wire, ["fleetctl", "virtual-device"])

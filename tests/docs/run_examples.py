@@ -9,17 +9,13 @@ place of 31000, and has to end with 0. An `output` block behind it has to be pri
 import argparse
 import os
 import re
-import signal
 import subprocess
 import sys
 import tempfile
 from pathlib import Path
 
-from snippets import snippets_of
+from harness import PORT, SECONDS, Device, snippets_of
 
-PORT = "31000"
-DEVICE = ["--port", PORT, "--user", "admin", "--password", "secret"]
-SECONDS = 60
 # These programs use the library from inside; another test builds them.
 INSIDE = {"adding-a-record.md", "adding-an-operation.md"}
 
@@ -50,28 +46,6 @@ int main() {{
 """
 
 
-class Device:
-    """A virtual device for one example."""
-
-    def __init__(self, program, arguments):
-        arguments = ["0" if argument == PORT else argument for argument in arguments]
-        self.process = subprocess.Popen(
-            [program, *arguments, "--seconds", str(SECONDS)], stdout=subprocess.PIPE, text=True)
-        line = self.process.stdout.readline()
-        match = re.fullmatch(r"listening on 127\.0\.0\.1:(\d+)\n", line)
-        if not match:
-            raise RuntimeError(f"the virtual device said {line!r}")
-        self.port = match[1]
-
-    def __enter__(self):
-        return self
-
-    def __exit__(self, *_):
-        self.process.send_signal(signal.SIGTERM)
-        self.process.wait(SECONDS)
-        self.process.stdout.close()
-
-
 def program_of(text):
     """A whole C++ program for an example."""
     if re.search(r"^int main\(", text, re.M):
@@ -96,7 +70,7 @@ class Examples:
     def run_cpp(self, snippet, directory):
         source, program = directory / "example.cpp", directory / "example"
         kind = ["--kind", "nvr"] if "recorder" in snippet.text else []
-        with Device(self.arguments.virtual_device, DEVICE + kind) as device:
+        with Device(self.arguments.virtual_device, *kind) as device:
             source.write_text(program_of(snippet.text).replace(PORT, device.port))
             command = [
                 self.arguments.compiler, "-std=c++17", "-fPIC", "-Wall", "-Wextra", "-Werror",
@@ -107,13 +81,13 @@ class Examples:
             return self.output_of([program], directory, device.port)
 
     def run_shell(self, snippet, directory):
-        script, device_arguments = "set -e\n", DEVICE
+        script, options = "set -e\n", []
         for line in snippet.text.splitlines(keepends=True):
             if line.startswith("virtual-device "):
-                device_arguments = line.rstrip(" &\n").split()[1:]
+                options = line.rstrip(" &\n").split()[1:]
             else:
                 script += line
-        with Device(self.arguments.virtual_device, device_arguments) as device:
+        with Device(self.arguments.virtual_device, *options) as device:
             for name, text in self.saved.items():
                 (directory / name).write_text(text.replace(PORT, device.port))
             return self.output_of(["bash", "-c", script.replace(PORT, device.port)], directory,

@@ -1,17 +1,12 @@
 """A device takes and gives the bytes of docs/wire-format.md and of its picture."""
 
-import argparse
 import re
 import socket
-import subprocess
-import sys
-import unittest
 from html import unescape
-from pathlib import Path
 
-from snippets import snippets_of
+from harness import ROOT, Device, PageCase, run, snippets_of
 
-DOCS = Path(__file__).resolve().parents[2] / "docs"
+DOCS = ROOT / "docs"
 
 
 def message(head, body):
@@ -32,20 +27,7 @@ def message_of_picture():
     return message(head, unescape("\n".join(lines) + "\n").replace("    ", "\t"))
 
 
-class WireFormat(unittest.TestCase):
-    virtual_device = ""
-
-    def setUp(self):
-        self.device = subprocess.Popen(
-            [self.virtual_device, "--port", "0", "--user", "admin", "--password", "secret",
-             "--seconds", "60"], stdout=subprocess.PIPE, text=True)
-        self.addCleanup(self.device.stdout.close)
-        self.addCleanup(self.device.wait)
-        self.addCleanup(self.device.terminate)
-        host, port = self.device.stdout.readline().split()[-1].split(":")
-        self.connection = socket.create_connection((host, int(port)), timeout=30)
-        self.addCleanup(self.connection.close)
-
+class WireFormat(PageCase):
     def ask(self, request):
         self.connection.sendall(request)
         answer = self.receive(24)
@@ -61,21 +43,16 @@ class WireFormat(unittest.TestCase):
 
     def test_the_conversation(self):
         login, welcome, get, value, keep_alive, acknowledgement = messages_of_page()
-        self.assertEqual(self.ask(login), welcome)
-        self.assertEqual(self.ask(get), value)
-        answer = self.ask(message_of_picture())
-        self.assertEqual(answer[4:12], bytes.fromhex("00 02 00 00 00 00 27 10"))
-        self.assertIn(b'<Result Code="0" />', answer)
-        self.assertIn(b'NTPIp="192.0.2.1"', self.ask(get))
-        self.assertEqual(self.ask(keep_alive), acknowledgement)
-
-
-def main():
-    parser = argparse.ArgumentParser(description="Plays docs/wire-format.md to a device.")
-    parser.add_argument("--virtual-device", required=True)
-    WireFormat.virtual_device = parser.parse_args().virtual_device
-    unittest.main(argv=[sys.argv[0]])
+        with Device(self.arguments.virtual_device) as device, \
+                socket.create_connection(("127.0.0.1", int(device.port)), 30) as self.connection:
+            self.assertEqual(self.ask(login), welcome)
+            self.assertEqual(self.ask(get), value)
+            answer = self.ask(message_of_picture())
+            self.assertEqual(answer[4:12], bytes.fromhex("00 02 00 00 00 00 27 10"))
+            self.assertIn(b'<Result Code="0" />', answer)
+            self.assertIn(b'NTPIp="192.0.2.1"', self.ask(get))
+            self.assertEqual(self.ask(keep_alive), acknowledgement)
 
 
 if __name__ == "__main__":
-    main()
+    run(WireFormat, ["virtual-device"])

@@ -1,0 +1,90 @@
+"""What the tests of the documentation share: pages, a virtual device, and options."""
+
+import argparse
+import re
+import subprocess
+import sys
+import tempfile
+import unittest
+from dataclasses import dataclass
+from pathlib import Path
+from typing import Optional
+
+ROOT = Path(__file__).resolve().parents[2]
+CODEGEN = ROOT / "codegen"
+FENCE = re.compile(r"^```(\w*)\n(.*?)^```$", re.M | re.S)
+PORT = "31000"  # that of a device in the documentation
+ACCOUNT = ["--user", "admin", "--password", "secret", "--port", PORT]
+SECONDS = 60
+
+
+@dataclass
+class Snippet:
+    language: str
+    text: str
+    place: str  # document and line
+    output: Optional[str] = None  # what the document says that it prints
+
+
+def snippets_of(path):
+    """The fenced blocks of a document; an `output` block belongs to the block before it."""
+    document = path.read_text(encoding="utf-8")
+    result: list[Snippet] = []
+    for match in FENCE.finditer(document):
+        line = document.count("\n", 0, match.start()) + 1
+        if match[1] == "output":
+            result[-1].output = match[2]
+        else:
+            result.append(Snippet(match[1], match[2], f"{path.name}:{line}"))
+    return result
+
+
+class Device:
+    """A virtual device as the documentation has it, at a port of its own."""
+
+    def __init__(self, program, *options):
+        options = options if "--port" in options else [*ACCOUNT, *options]
+        options = ["0" if option == PORT else option for option in options]
+        self.process = subprocess.Popen(
+            [program, *options, "--seconds", str(SECONDS)], stdout=subprocess.PIPE, text=True,
+            stderr=subprocess.PIPE if "--verbose" in options else None)
+        line = self.process.stdout.readline()
+        match = re.fullmatch(r"listening on 127\.0\.0\.1:(\d+)\n", line)
+        if not match:
+            raise RuntimeError(f"the virtual device said {line!r}")
+        self.port = match[1]
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self.process.terminate()
+        self.told = self.process.communicate(timeout=SECONDS)[1]
+
+
+class PageCase(unittest.TestCase):
+    arguments = argparse.Namespace()
+
+    def setUp(self):
+        directory = tempfile.TemporaryDirectory()
+        self.addCleanup(directory.cleanup)
+        self.place = Path(directory.name)
+
+    def generate(self, *options):
+        """Runs the generator on the schema of this place; gives status and error text."""
+        done = subprocess.run(
+            [sys.executable, "-B", CODEGEN / "fleetkit_codegen.py",
+             "--schema", self.place / "schema", *options],
+            capture_output=True, text=True, check=False)
+        return done.returncode, done.stderr
+
+
+def run(case, required, repeated=()):
+    """Runs the tests of a class, with the options of the command line as its arguments."""
+    parser = argparse.ArgumentParser()
+    for name in required:
+        parser.add_argument("--" + name, required=True)
+    for name in repeated:
+        parser.add_argument("--" + name, action="append", default=[])
+    case.arguments = parser.parse_args()
+    unittest.main(module=case.__module__, argv=[sys.argv[0]])
