@@ -1,3 +1,4 @@
+// A device on the loopback that a test scripts, over plain sockets.
 #include "support/ScriptedPeer.h"
 
 #include <arpa/inet.h>
@@ -10,18 +11,7 @@
 #include <stdexcept>
 #include <utility>
 
-#include "protocol/CommandBuffer.h"
-
-namespace {
-
-sockaddr_in loopback() {
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    return address;
-}
-
-}  // namespace
+#include "support/WireBytes.h"
 
 std::string peerMessage(SDKCommandHeadInfo head, const std::string& strBody,
                         std::uint16_t nProtocolType) {
@@ -29,7 +19,7 @@ std::string peerMessage(SDKCommandHeadInfo head, const std::string& strBody,
     head.setPayloadLength(static_cast<std::uint32_t>(strBody.size()));
     CommandBuffer bytes;
     encodeCommandHead(head, bytes);
-    return std::string(reinterpret_cast<const char*>(bytes.data()), bytes.getLength()) + strBody;
+    return bytesOf(bytes) + strBody;
 }
 
 std::string peerBody(const std::string& strElements) {
@@ -69,15 +59,8 @@ bool PeerLink::hasMore() const {
 }
 
 void PeerLink::send(const std::string& strBytes) {
-    std::size_t nSent = 0;
-    while (nSent < strBytes.size()) {
-        const ssize_t nCount =
-            ::send(m_nSocket, strBytes.data() + nSent, strBytes.size() - nSent, MSG_NOSIGNAL);
-        if (nCount <= 0) {
-            return;
-        }
-        nSent += static_cast<std::size_t>(nCount);
-    }
+    // On a blocking socket all of it is sent, unless the connection ends first.
+    ::send(m_nSocket, strBytes.data(), strBytes.size(), MSG_NOSIGNAL);
 }
 
 void PeerLink::close() {
@@ -86,7 +69,9 @@ void PeerLink::close() {
 
 ScriptedPeer::ScriptedPeer(Script script) : m_script(std::move(script)) {
     m_nListener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in address = loopback();
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     socklen_t nLength = sizeof address;
     auto* pAddress = reinterpret_cast<sockaddr*>(&address);
     if (bind(m_nListener, pAddress, nLength) != 0 || listen(m_nListener, 8) != 0 ||

@@ -116,10 +116,6 @@ TEST(EveryRecord, IsReadFromItsExampleInTheReference) {
 
 constexpr std::uint32_t None = 0xFFFFFFFF;
 
-std::uint32_t idOf(const std::unique_ptr<BaseDomain>& pRecord) {
-    return pRecord == nullptr ? None : effectiveDomainId(*pRecord);
-}
-
 TEST(EveryRecord, IsFoundByIdByNameAndByListName) {
     std::map<std::string, std::uint32_t> mapFirst;  // of the types that share a name
     forEach(namedRecords(), [&](const RecordDescriptor& descriptor) {
@@ -132,11 +128,11 @@ TEST(EveryRecord, IsFoundByIdByNameAndByListName) {
         EXPECT_TRUE(getDomainNameOfRecord(*descriptor.access.makeContainer(), strName));
         EXPECT_EQ(strName, strTag + "List");
         const std::uint32_t nFirst = mapFirst.emplace(strTag, descriptor.nDomainId).first->second;
-        EXPECT_EQ(idOf(createSingleDomain(strTag)), nFirst);
-        if (descriptor.szList != nullptr) {
-            EXPECT_EQ(idOf(createListDomain(descriptor.szList)), nFirst);
-            EXPECT_EQ(createListDomain(descriptor.szList)->getDomainId(), ContainerDomainId);
-        }
+        EXPECT_EQ(createSingleDomain(strTag)->getDomainId(), nFirst);
+        const bool bList = descriptor.szList != nullptr;
+        const auto pList = createListDomain(bList ? descriptor.szList : strTag + "List");
+        EXPECT_EQ(pList == nullptr ? None : effectiveDomainId(*pList), bList ? nFirst : None);
+        EXPECT_EQ(pList != nullptr && pList->getDomainId() == ContainerDomainId, bList);
     });
 }
 
