@@ -21,21 +21,26 @@ class AddingARecord(PageCase):
         self.refusal = next(block.output for block in blocks if block.text == "./dev build\n")
         self.program = next(block for block in blocks if block.language == "cpp")
 
-    def append(self, name, text):
+    def insert(self, name, text):
+        """Puts lines where their id belongs; gives the number of lines in front of them."""
         path = self.schema / name
-        path.write_text(path.read_text() + "\n" + text)
+        keyword, number = re.search(r"^(\w+) \D*(\d+)", text, re.M).groups()
+        held = path.read_text() + "\n"
+        above = [match.start() for match in re.finditer(rf"^{keyword} \D*(\d+)", held, re.M)
+                 if int(match[1]) > int(number)]
+        at = min(above, default=len(held))
+        path.write_text(held[:at] + text + "\n" + held[at:])
+        return held[:at].count("\n")
 
     def add(self):
-        self.append("image.schema", self.record)
-        self.append("domains.schema", self.domain)
-        self.append("commands.schema", self.command)
+        self.insert("image.schema", self.record)
+        self.insert("domains.schema", self.domain)
+        self.insert("commands.schema", self.command)
         self.assertEqual(self.generate("--out", self.out), (0, ""))
 
     def test_a_mistake_is_told_with_its_place(self):
-        lines = (self.schema / "image.schema").read_text().count("\n") + 1
         wrong = self.record.replace("Interval    int ", "Interval    integer ")
-        self.append("image.schema", wrong)
-        line = lines + 1 + wrong[:wrong.index("integer")].count("\n")
+        line = 1 + self.insert("image.schema", wrong) + wrong[:wrong.index("integer")].count("\n")
         expected = re.sub(r":\d+:", f":{line}:", self.refusal)
         self.assertEqual(self.generate("--out", self.out), (1, expected))
 
