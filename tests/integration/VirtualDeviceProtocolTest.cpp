@@ -8,7 +8,6 @@
 #include <string>
 
 #include "Product/Technic/ErrorCode.h"
-#include "device/DeviceSearchChannel.h"
 #include "domain/DeviceSummaryInfo.h"
 #include "domain/DeviceTime.h"
 #include "domain/EtCOMWriteData.h"
@@ -26,10 +25,10 @@
 #include "protocol/CommandParserFactory.h"
 #include "protocol/SDKCommandParser.h"
 #include "session/TCPTransfer.h"
-#include "support/LoopbackNamespace.h"
 #include "support/ManualClock.h"
 #include "support/SampleRecords.h"
 #include "support/ScriptedPeer.h"
+#include "support/TempDir.h"
 #include "support/WireCommands.h"
 #include "virtual-device/CommandHandlers.h"
 #include "virtual-device/DeviceResult.h"
@@ -364,38 +363,6 @@ TEST_F(VirtualDeviceTest, MisbehavesInWaysThatDoNoHarm) {
         } catch (const std::invalid_argument& error) {
             EXPECT_THAT(error.what(), testing::HasSubstr(szReason));
         }
-    }
-}
-
-TEST(VirtualDeviceMulticast, IsSetByItsIdAndItsCredentials) {
-    const bool bRan = runInLoopbackNamespace([] {
-        DeviceOptions options;
-        options.bMulticast = true;
-        options.strDeviceId = "mine";
-        const VirtualDevice device(options);
-        const struct {
-            const char* szDeviceId;
-            const char* szPassword;
-            int nCode;
-            const char* szAddress;  // of the device from then on
-        } Cases[]{
-            {"other", "admin", ErrorCode::ReceiveTimedOut, "127.0.0.1"},
-            {"mine", "wrong", ErrorCode::Success, "127.0.0.1"},
-            {"mine", "admin", ErrorCode::Success, "10.9.8.7"},
-        };
-        for (const auto& one : Cases) {
-            User user;
-            user.setUserName("admin");
-            user.setPassword(one.szPassword);
-            const auto network = with(&HostNetwork::setLocalIp, "10.9.8.7");
-            EXPECT_EQ(DeviceSearchChannel().setHostNetwork(loginData(0).getDeviceAddr(),
-                                                           one.szDeviceId, network, user),
-                      one.nCode);
-            EXPECT_EQ(device.getState().vecHostNetworks.front().getLocalIp(), one.szAddress);
-        }
-    });
-    if (!bRan) {
-        GTEST_SKIP() << "this machine permits no network namespace";
     }
 }
 

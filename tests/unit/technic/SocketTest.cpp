@@ -18,7 +18,6 @@
 
 #include "Product/Technic/Socket.h"
 #include "Product/Technic/platform/Clock.h"
-#include "support/LoopbackNamespace.h"
 
 namespace {
 
@@ -373,32 +372,5 @@ TEST(Socket, AGroupIsJoinedOnTheInterfaceOfTheLocalAddress) {
     for (const char* pNoGroup : {"234.5.6.7", "127.0.0.1", "", "somewhere"}) {
         group.setIP(pNoGroup);
         EXPECT_FALSE(socket.joinGroup(group)) << "joined already, or no group: " << pNoGroup;
-    }
-}
-
-// Two sockets share a group, and both receive what is sent to it from the loopback.
-TEST(Socket, AnOpenedGroupIsSharedAndReceives) {
-    const bool bPermitted = runInLoopbackNamespace([] {
-        for (const auto& [nIpVersion, pGroup] : {std::pair(1, "234.5.6.7"), {2, "ff12::1%lo"}}) {
-            InetAddr group;
-            group.setIP(pGroup);
-            group.setPORT(31001);
-            Socket first(nIpVersion, Socket::Datagram);
-            Socket second(nIpVersion, Socket::Datagram);
-            BoundSocket sender(nIpVersion, Socket::Datagram);
-            ASSERT_TRUE(first.open() && first.openGroup(group)) << pGroup;
-            ASSERT_TRUE(second.open() && second.openGroup(group)) << pGroup;
-            ASSERT_EQ(sender.sendTo("hello", 5, group), 5);
-            for (Socket* pSocket : {&first, &second}) {
-                char szText[16] = {};
-                InetAddr from;
-                EXPECT_EQ(pSocket->recvFrom(szText, sizeof szText, from, LongMs), 5);
-                EXPECT_STREQ(szText, "hello");
-            }
-            EXPECT_FALSE(first.openGroup(group)) << "bound already";
-        }
-    });
-    if (!bPermitted) {
-        GTEST_SKIP() << "no network namespace on this machine";
     }
 }

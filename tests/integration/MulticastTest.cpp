@@ -1,0 +1,266 @@
+// The network of a device set over multicast, on the loopback and from one host to another.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sched.h>
+
+#include <QString>
+#include <cstdlib>
+#include <functional>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "Product/Technic/AdapterList.h"
+#include "Product/Technic/ErrorCode.h"
+#include "device/DeviceSearchChannel.h"
+#include "device/FleetKit.h"
+#include "domain/DeviceId.h"
+#include "domain/EtAdapterType.h"
+#include "domain/EtIPProtoVer.h"
+#include "session/UDPTransfer.h"
+#include "support/OwnNetwork.h"
+#include "support/SampleRecords.h"
+#include "support/ScriptedPeer.h"
+#include "virtual-device/VirtualDevice.h"
+
+using namespace fleetkit;
+
+namespace {
+
+using testing::AnyOf;
+using testing::ElementsAre;
+
+constexpr int LongMs = 5000;
+constexpr const char* NewAddress = "10.9.8.7";
+
+InetAddr addressOf(const std::string& strIP, int nIPProtoVer = 1, std::uint16_t nPort = 0) {
+    InetAddr address;
+    address.setIP(strIP);
+    address.setPORT(nPort);
+    address.setIPProtoVer(nIPProtoVer);
+    return address;
+}
+
+struct Datagram {
+    InetAddr from;
+    PeerRequest request;
+};
+
+using Answer = std::function<std::string(const PeerRequest&)>;
+using Answers = std::vector<Answer>;
+
+// What a member of the group hears while an action runs. It gives the first datagram the first
+// answers, the second one the second, and expects no more of them.
+std::vector<Datagram> heard(const std::vector<Answers>& vecAnswers,
+                            const std::function<void()>& action, int nIPProtoVer = 1) {
+    UDPTransfer member(nIPProtoVer);
+    UDPTransfer another(nIPProtoVer);  // the group is shared
+    const char* szGroup = nIPProtoVer == 2 ? "ff12::1" : "234.5.6.7";
+    for (UDPTransfer* pMember : {&another, &member}) {
+        EXPECT_EQ(pMember->create(), ErrorCode::Success);
+        EXPECT_TRUE(pMember->openGroup(addressOf(szGroup, nIPProtoVer, 31001)));
+    }
+    std::vector<Datagram> vecHeard;
+    CommandBuffer buffer;
+    std::jthread answering([&] {
+        for (const Answers& answers : vecAnswers) {
+            auto& [from, request] = vecHeard.emplace_back();
+            EXPECT_EQ(member.recvCommand(buffer, LongMs, from), ErrorCode::Success);
+            EXPECT_TRUE(decodeCommandHead(buffer.data(), buffer.getLength(), request.m_head));
+            request.m_strBody = bytesOf(buffer).substr(SDKCommandHeadInfo::WireLength);
+            for (const Answer& answer : answers) {
+                EXPECT_EQ(member.sendCommand(bufferOf(answer(request)), from, LongMs), 0);
+            }
+        }
+    });
+    action();
+    answering.join();
+    InetAddr from;
+    EXPECT_EQ(member.recvCommand(buffer, 0, from), ErrorCode::ReceiveTimedOut);
+    for (std::size_t nDatagram = 0; nDatagram < vecAnswers.size(); ++nDatagram) {
+        EXPECT_EQ(another.recvCommand(buffer, LongMs, from), ErrorCode::Success);
+    }
+    return vecHeard;
+}
+
+// The good answer, with something about its head changed.
+Answer changed(std::function<void(SDKCommandHeadInfo&)> change) {
+    return [=](const PeerRequest& request) {
+        SDKCommandHeadInfo head = request.m_head;
+        head.setCommandID(32505);
+        change(head);
+        return peerMessage(head, peerResult(0));
+    };
+}
+
+const Answer Good = changed([](auto&) {});
+const Answer Late = changed(
+    [](auto& head) { head.setSequence(static_cast<std::uint16_t>(head.getSequence() + 1)); });
+const Answer OtherSession = changed([](auto& head) { head.setSessionId(5); });
+const Answer OtherCommand = changed([](auto& head) { head.setCommandID(10000); });
+const Answer Broken = [](const PeerRequest&) { return "no command"; };
+const Answers FourLate(4, Late);
+
+HostNetwork network() {
+    auto network = with(&HostNetwork::setLocalIp, NewAddress);
+    network.setIPProtoVer(1);
+    return network;
+}
+
+User user(const std::string& strName, const std::string& strPassword) {
+    User user;
+    user.setUserName(strName);
+    user.setPassword(strPassword);
+    user.setIP("198.51.100.1");  // stays here
+    return user;
+}
+
+int setFrom(const InetAddr& local, const std::string& strPassword = "admin") {
+    return DeviceSearchChannel().setHostNetwork(local, "IPC-1", network(),
+                                                user("admin", strPassword));
+}
+
+int setOverAdapters() {
+    return setHostNetworkByMulticast("IPC-1", network(), user("admin", "admin"));
+}
+
+// Over adapters with these addresses each.
+int setOverAdapters(const std::vector<std::vector<InetAddr>>& vecAdapters) {
+    setAdapterLister([=](std::vector<NetworkAdapter>& vecListed) {
+        for (const auto& vecAddresses : vecAdapters) {
+            vecListed.push_back({"test", vecAddresses});
+        }
+        return true;
+    });
+    return setOverAdapters();
+}
+
+DeviceOptions multicastDevice(const std::string& strDeviceId, const std::string& strAddress) {
+    DeviceOptions options;
+    options.bMulticast = true;
+    options.strDeviceId = strDeviceId;
+    options.strBindAddress = strAddress;
+    return options;
+}
+
+std::string addressKept(const VirtualDevice& device) {
+    return device.getState().vecHostNetworks.front().getLocalIp();
+}
+
+}  // namespace
+
+TEST(DeviceSearchChannel, SendsOneCommandWithTheFiveRecordsToTheGroupOfItsVersion) {
+    inOwnNetwork([] {
+        for (const InetAddr& local : {addressOf("127.0.0.1"), addressOf("::1", 2)}) {
+            const int nIPProtoVer = local.getIPProtoVer();
+            const auto [from, request] =
+                heard(
+                    {{Good}}, [&] { EXPECT_EQ(setFrom(local), 0); }, nIPProtoVer)
+                    .front();
+            EXPECT_EQ(from, addressOf(local.getIP(), nIPProtoVer, 31002));
+            EXPECT_EQ(request.m_head.getProtocolType(), 1);
+            EXPECT_EQ(request.m_head.getCommandID(), 32506U);
+            EXPECT_EQ(request.m_head.getSessionId(), 0U);
+            EXPECT_FALSE(request.m_head.isFlagA() || request.m_head.isFlagB());
+            User credentials;
+            credentials.setUserName(enciphered("admin"));
+            credentials.setPassword(enciphered("admin"));
+            EXPECT_EQ(
+                request.m_strBody,
+                bodyOf(recordsOf(credentials, with(&DeviceId::setId, "IPC-1"), EtAdapterType(),
+                                 with(&EtIPProtoVer::setIPProtoVer, 1), network())));
+        }
+        EXPECT_EQ(setFrom(addressOf("2001:db8::1", 2)), ErrorCode::BindFailed);
+        EXPECT_EQ(setFrom(addressOf("127.0.0.1", 3)), ErrorCode::NoTransferFactory);
+    });
+}
+
+TEST(DeviceSearchChannel, TellsItsAnswerFromStrays) {
+    const std::pair<Answers, int> arrCases[] = {
+        {{Late, OtherSession, OtherCommand, Good}, ErrorCode::Success},
+        {{Late, Late, Late, Late, Good}, ErrorCode::BadReply},
+        {Answers(4, OtherSession), ErrorCode::BadReply},
+        {Answers(4, OtherCommand), ErrorCode::BadReply},
+        {{Late, Broken, Good}, ErrorCode::DecodeFailed},
+    };
+    inOwnNetwork([&] {
+        for (const auto& [answers, nCode] : arrCases) {
+            heard({answers}, [&] { EXPECT_EQ(setFrom(addressOf("127.0.0.1")), nCode); });
+        }
+    });
+}
+
+TEST(SetHostNetworkByMulticast, TriesEveryAdapterFromItsFirstIPv4Address) {
+    inOwnNetwork([] {
+        std::vector<std::string> vecSenders;
+        const auto setOverFour = [] {
+            EXPECT_EQ(setOverAdapters({{},
+                                       {addressOf("127.0.0.2"), addressOf("127.0.0.9")},
+                                       {addressOf("::1", 2)},
+                                       {addressOf("0.0.0.0"), addressOf("127.0.0.3")}}),
+                      ErrorCode::Success);
+        };
+        for (const Datagram& datagram : heard({{Good}, {Good}, {Good}, {Good}}, setOverFour)) {
+            vecSenders.push_back(datagram.from.getIP());
+        }
+        // The first adapter has no address: the system picks one, or none.
+        EXPECT_THAT(vecSenders, ElementsAre(AnyOf("0.0.0.0", "127.0.0.1"), "127.0.0.2", "127.0.0.2",
+                                            "127.0.0.3"));
+    });
+}
+
+TEST(SetHostNetworkByMulticast, TakesSilenceForSuccessAndElseTheLastCode) {
+    const std::pair<std::vector<Answers>, int> arrCases[] = {
+        {{{}, {Broken}}, ErrorCode::Success},
+        {{{Broken}, FourLate}, ErrorCode::BadReply},
+        {{FourLate, {Broken}}, ErrorCode::DecodeFailed},
+    };
+    inOwnNetwork([&] {
+        for (const auto& [vecAnswers, nCode] : arrCases) {
+            heard(vecAnswers, [&] {
+                EXPECT_EQ(setOverAdapters({{addressOf("127.0.0.2")}, {addressOf("127.0.0.3")}}),
+                          nCode);
+            });
+        }
+    });
+}
+
+TEST(SetHostNetworkByMulticast, FailsWithoutAdapterAndWithoutRoute) {
+    inOwnNetwork([] {
+        EXPECT_EQ(setOverAdapters(), ErrorCode::Failed) << "the loopback does not count";
+        ASSERT_EQ(::unshare(CLONE_NEWNET), 0);  // even that one is down here
+        EXPECT_EQ(setOverAdapters({{addressOf("127.0.0.1")}, {}}), ErrorCode::SendFailed);
+    });
+}
+
+TEST(SetHostNetworkByMulticast, SetsTheDeviceThatIsNamedFromOneHostToAnother) {
+    inOwnNetwork([] {
+        std::optional<VirtualDevice> other;
+        std::optional<VirtualDevice> device;
+        ASSERT_TRUE(onNeighbour([&] {
+            other.emplace(multicastDevice("other", NeighbourAddress));
+            device.emplace(multicastDevice("IPC-1", NeighbourAddress));
+        }));
+        ASSERT_EQ(std::system("ip addr add 10.77.0.3/24 dev near label near:1"), 0);
+        std::vector<std::string> vecAdapters;
+        getAdapterNames(vecAdapters);
+        EXPECT_THAT(vecAdapters, ElementsAre("near")) << "a label is no adapter";
+        HostNetwork setting = network();
+        User account = user("admin", "wrong");
+        const auto set = [&] { return FleetKit::setDeviceHostNetwork("IPC-1", setting, account); };
+        EXPECT_EQ(set(), ErrorCode::Success) << "an answer is an answer";
+        EXPECT_EQ(addressKept(*device), NeighbourAddress);
+        account.setPassword("admin");
+        EXPECT_EQ(set(), ErrorCode::Success);
+        EXPECT_EQ(addressKept(*device), NewAddress);
+        EXPECT_EQ(addressKept(*other), NeighbourAddress);
+        EXPECT_EQ(setting, network());
+        EXPECT_EQ(account, user("admin", "admin"));
+        // Damaged answers give themselves away by their codes: they did arrive.
+        device->misbehave("strays=4:32506", 1);
+        EXPECT_EQ(set(), ErrorCode::BadReply);
+        device->misbehave("bad-checksum:32506", 1);
+        EXPECT_EQ(set(), ErrorCode::DecodeFailed);
+    });
+}
