@@ -33,11 +33,17 @@ const std::string Acknowledgement =
 
 const SDKCommandParser Parser;
 
-// The records make these bytes, and these bytes make the records again.
-void expectBothWays(const SDKCommandHeadInfo& head, const Records& records,
-                    const std::string& strBytes) {
+// The records make these bytes, whatever type and length their head tells, and these bytes make the
+// records again.
+void expectBothWays(SDKCommandHeadInfo head, const Records& records, const std::string& strBytes) {
+    head.setProtocolType(3);
+    head.setPayloadLength(12345);
     EXPECT_EQ(encoded(Parser, sdkCommand(head, records)), strBytes);
     const auto param = decoded(Parser, bufferOf(strBytes));
+    const auto& decodedHead = static_cast<const SDKCommandParam&>(*param).getHead();
+    EXPECT_EQ(param->getProtocolType(), 1U);
+    EXPECT_EQ(decodedHead.getProtocolType(), 1);
+    EXPECT_EQ(decodedHead.getPayloadLength(), strBytes.size() - SDKCommandHeadInfo::WireLength);
     EXPECT_EQ(idsOf(recordsIn(param)), idsOf(records));
     EXPECT_EQ(encoded(Parser, param), strBytes);
 }

@@ -1,4 +1,4 @@
-// Commands of a number and raw bytes, both ways.
+// Commands of a number and raw bytes, both ways, and the choice of the parser.
 #include <gtest/gtest.h>
 
 #include "protocol/BinCommandParser.h"
@@ -14,12 +14,12 @@ const std::string GoldenCommand = GoldenHead + fromHex("00 00 01 02 61 62 63");
 
 const BinCommandParser Parser;
 
-std::string dataOf(const BinCommandParam& param) {
-    return {reinterpret_cast<const char*>(param.getData()), param.getDataLength()};
-}
-
 const BinCommandParam& binParam(const SafePointer<CommandParam>& param) {
     return static_cast<const BinCommandParam&>(*param);
+}
+
+std::string dataOf(const BinCommandParam& param) {
+    return {reinterpret_cast<const char*>(param.getData()), param.getDataLength()};
 }
 
 TEST(BinCommandParserTest, WritesAndReadsHeadNumberAndData) {
@@ -27,20 +27,16 @@ TEST(BinCommandParserTest, WritesAndReadsHeadNumberAndData) {
     staleHead.setProtocolType(1);
     staleHead.setPayloadLength(999);
     EXPECT_EQ(encoded(Parser, binCommand(staleHead, 0x102, "abc")), GoldenCommand);
-
     const auto param = decoded(Parser, bufferOf(GoldenCommand));
     EXPECT_EQ(param->getProtocolType(), 3U);
     EXPECT_EQ(encoded(Parser, param), GoldenCommand);
     EXPECT_EQ(binParam(param).getHead().getPayloadLength(), 7U);
-}
 
-TEST(BinCommandParserTest, DataOfAnySizeComesBackWithZerosForWhatDidNotArrive) {
     for (const std::size_t nSize : {0U, 1U, 1024U, 1025U, 2000U}) {
-        const std::string strData(nSize, 'x');
-        const auto param =
-            decoded(Parser, bufferOf(encoded(Parser, binCommand(headOf(7), -1, strData))));
-        EXPECT_EQ(dataOf(binParam(param)), strData);
-        EXPECT_EQ(binParam(param).getBinCommandId(), -1);
+        const auto sized = binCommand(headOf(7), -1, std::string(nSize, 'x'));
+        const auto read = decoded(Parser, bufferOf(encoded(Parser, sized)));
+        EXPECT_EQ(dataOf(binParam(read)), std::string(nSize, 'x'));
+        EXPECT_EQ(binParam(read).getBinCommandId(), -1);
     }
     const CommandBuffer notAllArrived = bufferOf(GoldenCommand.substr(0, 29), 2);
     EXPECT_EQ(dataOf(binParam(decoded(Parser, notAllArrived))), std::string("a\0\0", 3));
@@ -73,22 +69,21 @@ TEST(BinCommandParserTest, RefusedBytesLeaveTheCommandAsItWas) {
     EXPECT_EQ(param.get(), pBefore);
 }
 
-TEST(CommandProtocolParserTest, EachKindOfCommandHasItsParser) {
+TEST(CommandProtocolParserTest, EachKindOfCommandHasItsParserAndNoParserWritesAnother) {
     EXPECT_NE(dynamic_cast<SDKCommandParser*>(createCommandProtocolParser(1).get()), nullptr);
     EXPECT_NE(dynamic_cast<BinCommandParser*>(createCommandProtocolParser(3).get()), nullptr);
     for (const int nType : {0, 2, 4, -1}) {
         EXPECT_EQ(createCommandProtocolParser(nType), nullptr) << nType;
     }
-}
-
-TEST(CommandProtocolParserTest, WhatAParserCannotWriteLeavesTheBuffer) {
     const SDKCommandParser sdkParser;
+    const SafePointer<CommandParam> none;
+    const auto sdk = sdkCommand(headOf(7), {});
+    const auto withoutItsData = sdkCommand(headOf(33026), {});
     CommandBuffer buffer = bufferOf("untouched");
-    EXPECT_FALSE(Parser.createCommand(sdkCommand(headOf(7), {}), buffer));
+    EXPECT_FALSE(Parser.createCommand(sdk, buffer) || Parser.createCommand(none, buffer));
     EXPECT_FALSE(sdkParser.createCommand(binCommand(headOf(7), 1, "a"), buffer));
-    EXPECT_FALSE(Parser.createCommand(SafePointer<CommandParam>(), buffer));
-    EXPECT_FALSE(sdkParser.createCommand(SafePointer<CommandParam>(), buffer));
-    EXPECT_FALSE(sdkParser.createCommand(sdkCommand(headOf(33026), {}), buffer)) << "no data";
+    EXPECT_FALSE(sdkParser.createCommand(none, buffer));
+    EXPECT_FALSE(sdkParser.createCommand(withoutItsData, buffer));
     EXPECT_EQ(bytesOf(buffer), "untouched");
 }
 

@@ -46,16 +46,12 @@ TEST(CommandHeadTest, IsWrittenAndReadByteByByte) {
     ASSERT_TRUE(decode(strBytes, read));
     EXPECT_EQ(encode(read), strBytes);
     EXPECT_EQ(read.getHeadKind(), 9U) << "not on the wire";
-}
-
-TEST(CommandHeadTest, ItsBytesAreTheNumbersItTells) {
-    SDKCommandHeadInfo head;
-    ASSERT_TRUE(decode(WorkedHead, head));
-    EXPECT_EQ(head.getCommandID(), 18002U);
-    EXPECT_EQ(head.getProtocolType(), 1);
-    EXPECT_EQ(head.getSequence(), 7);
-    EXPECT_EQ(head.getSessionId(), 0x12345U);
-    EXPECT_EQ(head.getPayloadLength(), 0x72U);
+    ASSERT_TRUE(decode(WorkedHead, read));
+    EXPECT_EQ(read.getCommandID(), 18002U);
+    EXPECT_EQ(read.getProtocolType(), 1);
+    EXPECT_EQ(read.getSequence(), 7);
+    EXPECT_EQ(read.getSessionId(), 0x12345U);
+    EXPECT_EQ(read.getPayloadLength(), 0x72U);
 }
 
 TEST(CommandHeadTest, AnySingleBitChangedIsRefusedAndWritesNothing) {
@@ -68,20 +64,15 @@ TEST(CommandHeadTest, AnySingleBitChangedIsRefusedAndWritesNothing) {
     }
 }
 
-TEST(CommandHeadTest, OnlyReservedBytesAndWhatFollowsDoNotCount) {
+TEST(CommandHeadTest, OnlyReservedBytesLowBitsOfFlagsAndWhatFollowsDoNotCount) {
     SDKCommandHeadInfo head;
     EXPECT_FALSE(decodeCommandHead(nullptr, 24, head));
     EXPECT_FALSE(decode(WorkedHead.substr(0, 23), head));
-    EXPECT_FALSE(decode(withByte(0, 0xAE), head));
-    EXPECT_FALSE(decode(withByte(1, 0x00), head));
+    EXPECT_FALSE(decode(withByte(0, 0xAE), head) || decode(withByte(1, 0x00), head));
     ASSERT_TRUE(decode(withByte(21, 0x55) + "whatever follows", head));
     EXPECT_EQ(encode(head), WorkedHead);
-}
-
-TEST(CommandHeadTest, OnlyTheHighBitOfAFlagByteCounts) {
     for (const std::size_t nOffset : {6U, 7U}) {
         for (const auto& [nByte, nWritten] : {std::pair{0x7F, 0}, {0x80, 0x80}, {0xFF, 0x80}}) {
-            SDKCommandHeadInfo head;
             ASSERT_TRUE(decode(withByte(nOffset, nByte), head));
             EXPECT_EQ(encode(head), withByte(nOffset, nWritten));
             EXPECT_EQ(head.isFlagA(), nOffset == 6 && nWritten != 0);
