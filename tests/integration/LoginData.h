@@ -1,18 +1,12 @@
 // How to log in to a virtual device.
 #pragma once
 
-#include <cstdint>
-#include <string>
-
 #include "domain/DeviceInfoEx.h"
+#include "support/Addresses.h"
 
-inline DeviceInfoEx loginData(std::uint16_t nPort, const std::string& strIP = "127.0.0.1") {
-    InetAddr address;
-    address.setIP(strIP);
-    address.setPORT(nPort);
-    address.setIPProtoVer(1);
+inline DeviceInfoEx loginData(std::uint16_t nPort) {
     DeviceInfoEx info;
-    info.setDeviceAddr(address);
+    info.setDeviceAddr(addressOf(Loopback, nPort));
     info.setUserID("admin");
     info.setPassword("admin");
     return info;

@@ -4,7 +4,6 @@
 #include <sched.h>
 
 #include <QString>
-#include <cstdlib>
 #include <functional>
 #include <optional>
 #include <string>
@@ -19,6 +18,7 @@
 #include "domain/EtAdapterType.h"
 #include "domain/EtIPProtoVer.h"
 #include "session/UDPTransfer.h"
+#include "support/Addresses.h"
 #include "support/OwnNetwork.h"
 #include "support/SampleRecords.h"
 #include "support/ScriptedPeer.h"
@@ -33,14 +33,6 @@ using testing::ElementsAre;
 
 constexpr int LongMs = 5000;
 constexpr const char* NewAddress = "10.9.8.7";
-
-InetAddr addressOf(const std::string& strIP, int nIPProtoVer = 1, std::uint16_t nPort = 0) {
-    InetAddr address;
-    address.setIP(strIP);
-    address.setPORT(nPort);
-    address.setIPProtoVer(nIPProtoVer);
-    return address;
-}
 
 struct Datagram {
     InetAddr from;
@@ -59,7 +51,7 @@ std::vector<Datagram> heard(const std::vector<Answers>& vecAnswers,
     const char* szGroup = nIPProtoVer == 2 ? "ff12::1" : "234.5.6.7";
     for (UDPTransfer* pMember : {&another, &member}) {
         EXPECT_EQ(pMember->create(), ErrorCode::Success);
-        EXPECT_TRUE(pMember->openGroup(addressOf(szGroup, nIPProtoVer, 31001)));
+        EXPECT_TRUE(pMember->openGroup(addressOf(szGroup, 31001, nIPProtoVer)));
     }
     std::vector<Datagram> vecHeard;
     CommandBuffer buffer;
@@ -152,13 +144,13 @@ std::string addressKept(const VirtualDevice& device) {
 
 TEST(DeviceSearchChannel, SendsOneCommandWithTheFiveRecordsToTheGroupOfItsVersion) {
     inOwnNetwork([] {
-        for (const InetAddr& local : {addressOf("127.0.0.1"), addressOf("::1", 2)}) {
+        for (const InetAddr& local : {addressOf(Loopback), addressOf("::1", 0, 2)}) {
             const int nIPProtoVer = local.getIPProtoVer();
             const auto [from, request] =
                 heard(
                     {{Good}}, [&] { EXPECT_EQ(setFrom(local), 0); }, nIPProtoVer)
                     .front();
-            EXPECT_EQ(from, addressOf(local.getIP(), nIPProtoVer, 31002));
+            EXPECT_EQ(from, addressOf(local.getIP(), 31002, nIPProtoVer));
             EXPECT_EQ(request.m_head.getProtocolType(), 1);
             EXPECT_EQ(request.m_head.getCommandID(), 32506U);
             EXPECT_EQ(request.m_head.getSessionId(), 0U);
@@ -171,8 +163,8 @@ TEST(DeviceSearchChannel, SendsOneCommandWithTheFiveRecordsToTheGroupOfItsVersio
                 bodyOf(recordsOf(credentials, with(&DeviceId::setId, "IPC-1"), EtAdapterType(),
                                  with(&EtIPProtoVer::setIPProtoVer, 1), network())));
         }
-        EXPECT_EQ(setFrom(addressOf("2001:db8::1", 2)), ErrorCode::BindFailed);
-        EXPECT_EQ(setFrom(addressOf("127.0.0.1", 3)), ErrorCode::NoTransferFactory);
+        EXPECT_EQ(setFrom(addressOf("2001:db8::1", 0, 2)), ErrorCode::BindFailed);
+        EXPECT_EQ(setFrom(addressOf(Loopback, 0, 3)), ErrorCode::NoTransferFactory);
     });
 }
 
@@ -186,7 +178,7 @@ TEST(DeviceSearchChannel, TellsItsAnswerFromStrays) {
     };
     inOwnNetwork([&] {
         for (const auto& [answers, nCode] : arrCases) {
-            heard({answers}, [&] { EXPECT_EQ(setFrom(addressOf("127.0.0.1")), nCode); });
+            heard({answers}, [&] { EXPECT_EQ(setFrom(addressOf(Loopback)), nCode); });
         }
     });
 }
@@ -197,7 +189,7 @@ TEST(SetHostNetworkByMulticast, TriesEveryAdapterFromItsFirstIPv4Address) {
         const auto setOverFour = [] {
             EXPECT_EQ(setOverAdapters({{},
                                        {addressOf("127.0.0.2"), addressOf("127.0.0.9")},
-                                       {addressOf("::1", 2)},
+                                       {addressOf("::1", 0, 2)},
                                        {addressOf("0.0.0.0"), addressOf("127.0.0.3")}}),
                       ErrorCode::Success);
         };
@@ -230,7 +222,7 @@ TEST(SetHostNetworkByMulticast, FailsWithoutAdapterAndWithoutRoute) {
     inOwnNetwork([] {
         EXPECT_EQ(setOverAdapters(), ErrorCode::Failed) << "the loopback does not count";
         ASSERT_EQ(::unshare(CLONE_NEWNET), 0);  // even that one is down here
-        EXPECT_EQ(setOverAdapters({{addressOf("127.0.0.1")}, {}}), ErrorCode::SendFailed);
+        EXPECT_EQ(setOverAdapters({{addressOf(Loopback)}, {}}), ErrorCode::SendFailed);
     });
 }
 
@@ -242,7 +234,7 @@ TEST(SetHostNetworkByMulticast, SetsTheDeviceThatIsNamedFromOneHostToAnother) {
             other.emplace(multicastDevice("other", NeighbourAddress));
             device.emplace(multicastDevice("IPC-1", NeighbourAddress));
         }));
-        ASSERT_EQ(std::system("ip addr add 10.77.0.3/24 dev near label near:1"), 0);
+        ASSERT_TRUE(runCommand("ip addr add 10.77.0.3/24 dev near label near:1"));
         std::vector<std::string> vecAdapters;
         getAdapterNames(vecAdapters);
         EXPECT_THAT(vecAdapters, ElementsAre("near")) << "a label is no adapter";

@@ -11,6 +11,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "support/Addresses.h"
 #include "support/WireBytes.h"
 
 std::string peerMessage(SDKCommandHeadInfo head, const std::string& strBody,
@@ -96,12 +97,8 @@ ScriptedPeer::~ScriptedPeer() {
 }
 
 DeviceInfoEx ScriptedPeer::getDeviceInfo() const {
-    InetAddr address;
-    address.setIP("127.0.0.1");
-    address.setPORT(m_nPort);
-    address.setIPProtoVer(1);
     DeviceInfoEx info;
-    info.setDeviceAddr(address);
+    info.setDeviceAddr(addressOf(Loopback, m_nPort));
     info.setUserID("admin");
     info.setPassword("secret");
     return info;

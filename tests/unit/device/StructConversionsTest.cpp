@@ -40,6 +40,16 @@ std::unique_ptr<Structure> written(const std::vector<Record>& vecRecords) {
     return pStructure;
 }
 
+// The records of a structure, which make the same bytes again.
+template <class Record, class Structure>
+std::vector<Record> expectKept(const Structure& from) {
+    const auto vecRecords = read<Record>(from);
+    const auto pTo = filledWith<Structure>(0);
+    toStructure(&vecRecords, pTo.get());
+    EXPECT_EQ(std::memcmp(&from, pTo.get(), sizeof from), 0);
+    return vecRecords;
+}
+
 OSDUserParam textOf(std::size_t nCanvases, std::size_t nInfos, const std::string& strInfo) {
     OSDInfo info;
     info.setInfo(strInfo);
@@ -52,33 +62,23 @@ OSDUserParam textOf(std::size_t nCanvases, std::size_t nInfos, const std::string
 
 }  // namespace
 
-TEST(StructConversions, KeepEveryFieldOfAStream) {
-    auto pFrom = filledWith<tagAllAVStreamParam>(0);
-    pFrom->Count = 2;
-    pFrom->Streams[0] = {1, 2, "main", 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, Highest};
-    pFrom->Streams[1] = {Lowest, Highest, "", -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1};
-    const auto vecStreams = read<AVStreamParam>(*pFrom);
-    ASSERT_EQ(vecStreams.size(), 2U);
-    EXPECT_EQ(vecStreams[0].getVideoHeight(), 3);
-    EXPECT_EQ(vecStreams[0].getIFrameIntervalUnit(), 10);
-    auto pTo = filledWith<tagAllAVStreamParam>(0);
-    toStructure(&vecStreams, pTo.get());
-    EXPECT_EQ(std::memcmp(pFrom.get(), pTo.get(), sizeof *pTo), 0);
-}
+TEST(StructConversions, KeepEveryField) {
+    auto pStreams = filledWith<tagAllAVStreamParam>(0);
+    pStreams->Count = 2;
+    pStreams->Streams[0] = {1, 2, "main", 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, Highest};
+    pStreams->Streams[1] = {Lowest, Highest, "", -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1};
+    const auto vecStreams = expectKept<AVStreamParam>(*pStreams);
+    EXPECT_EQ(vecStreams.at(0).getVideoHeight(), 3);
+    EXPECT_EQ(vecStreams.at(0).getIFrameIntervalUnit(), 10);
 
-TEST(StructConversions, KeepEveryFieldOfAText) {
-    auto pFrom = filledWith<tagOSDUserParamList>(0);
-    pFrom->Count = 1;
-    tagOSDUserParam& param = pFrom->Params[0];
-    param = {1, 2, {3, 4, 5}, {6, 7, 8}, 9, 1, 11, 2, {}};
-    param.Canvases[1] = {{12, 13, 14, 15}, 16, 17, 18, 19, 2, {}};
-    param.Canvases[1].OSDInfos[1] = {20, 21, 22, 1, 24, "Gate 4"};
-    const auto vecParams = read<OSDUserParam>(*pFrom);
-    ASSERT_EQ(vecParams.size(), 1U);
-    EXPECT_EQ(vecParams[0].getOSDGlobalParam().getOSDFontInverseColor().getB(), 8);
-    auto pTo = filledWith<tagOSDUserParamList>(0);
-    toStructure(&vecParams, pTo.get());
-    EXPECT_EQ(std::memcmp(pFrom.get(), pTo.get(), sizeof *pTo), 0);
+    auto pTexts = filledWith<tagOSDUserParamList>(0);
+    pTexts->Count = 1;
+    tagOSDUserParam& text = pTexts->Params[0];
+    text = {1, 2, {3, 4, 5}, {6, 7, 8}, 9, 1, 11, 2, {}};
+    text.Canvases[1] = {{12, 13, 14, 15}, 16, 17, 18, 19, 2, {}};
+    text.Canvases[1].OSDInfos[1] = {20, 21, 22, 1, 24, "Gate 4"};
+    const auto vecTexts = expectKept<OSDUserParam>(*pTexts);
+    EXPECT_EQ(vecTexts.at(0).getOSDGlobalParam().getOSDFontInverseColor().getB(), 8);
 }
 
 TEST(StructConversions, ReadAtMostTheCapacityAndNothingForACountBelowOne) {

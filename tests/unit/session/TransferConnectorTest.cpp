@@ -5,6 +5,7 @@
 #include "gtest/gtest.h"
 #include "session/TransferConnector.h"
 #include "session/TransferFactoryMap.h"
+#include "support/Addresses.h"
 
 using namespace fleetkit;
 
@@ -22,14 +23,6 @@ public:
 private:
     int& m_nDeleted;
 };
-
-InetAddr addressOf(const char* szIP, unsigned short nPort, int nIPProtoVer) {
-    InetAddr address;
-    address.setIP(szIP);
-    address.setPORT(nPort);
-    address.setIPProtoVer(nIPProtoVer);
-    return address;
-}
 
 DeviceInfoEx deviceAt(const InetAddr& address) {
     DeviceInfoEx info;
@@ -77,7 +70,7 @@ TEST(TransferConnector, ConnectsToADeviceThatListens) {
         return connector.connect(deviceAt(to), nKind, transfer, LongMs);
     };
     EXPECT_EQ(ErrorCode::ConnectFailed, connect(address, TransferKind::TCP));
-    EXPECT_EQ(ErrorCode::ConnectFailed, connect(addressOf("not a name", 9, 1), TransferKind::TCP));
+    EXPECT_EQ(ErrorCode::ConnectFailed, connect(addressOf("not a name", 9), TransferKind::TCP));
     EXPECT_EQ(ErrorCode::NoTransferFactory, connect(address, 3));
     EXPECT_TRUE(transfer.isNull());
 

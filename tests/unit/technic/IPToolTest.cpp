@@ -8,20 +8,13 @@
 
 #include "Product/Technic/AdapterList.h"
 #include "Product/Technic/IPTool.h"
-#include "Product/Technic/InetAddr.h"
+#include "support/Addresses.h"
 
 struct IPToolAccess {
     static int dtob(int nValue, char* pszOut) { return IPTool().dtob(nValue, pszOut); }
 };
 
 namespace {
-
-InetAddr addressOf(const std::string& strText, int nVersion) {
-    InetAddr address;
-    address.setIP(strText);
-    address.setIPProtoVer(nVersion);
-    return address;
-}
 
 // Puts a list of adapters in the place of the system's for one test.
 class IPToolAdapters : public testing::Test {
@@ -109,9 +102,9 @@ TEST(IPTool, ALocalAddressIsAnIPv4Text) {
 }
 
 TEST_F(IPToolAdapters, AddressesAreListedByVersionInTheOrderOfTheSystem) {
-    use({{"lan0", {addressOf("10.0.0.7", 1), addressOf("fe80::7%lan0", 2)}},
+    use({{"lan0", {addressOf("10.0.0.7"), addressOf("fe80::7%lan0", 0, 2)}},
          {"empty0", {}},
-         {"lan1", {addressOf("::1", 2), addressOf("10.0.1.7", 1)}}});
+         {"lan1", {addressOf("::1", 0, 2), addressOf("10.0.1.7")}}});
     EXPECT_EQ(m_tool.getEnumIPNum(), 0);
     EXPECT_EQ(list(1), (std::vector<std::string>{"10.0.0.7", "10.0.1.7"}));
     EXPECT_EQ(list(2), (std::vector<std::string>{"fe80::7%lan0"}));
@@ -125,7 +118,7 @@ TEST_F(IPToolAdapters, AddressesAreListedByVersionInTheOrderOfTheSystem) {
 }
 
 TEST_F(IPToolAdapters, TheTableIsBounded) {
-    use({{"lan0", std::vector<InetAddr>(40, addressOf(std::string(100, 'a'), 2))}});
+    use({{"lan0", std::vector<InetAddr>(40, addressOf(std::string(100, 'a'), 0, 2))}});
     EXPECT_EQ(list(2), std::vector<std::string>(30, std::string(48, 'a')));
 }
 
