@@ -7,25 +7,17 @@
 #include "Product/Technic/KXRuntimeError.h"
 #include "support/CapturedOutput.h"
 
-namespace {
-
 using Function = KX_FUNCTION::function<int>;
 
-struct Counter {
-    int next() { return ++m_nCount; }
-    int m_nCount = 0;
-};
-
-}  // namespace
-
-TEST(KXFunction, CallsABoundMemberOfTheObjectItself) {
-    Counter counter;
-    const Function next(KX_FUNCTION::bind_funcobj0<int, Counter>(&Counter::next, &counter));
-    EXPECT_EQ(next(), 1);
-    EXPECT_EQ(counter.m_nCount, 1);
-}
-
 TEST(KXFunction, CopiesShareOneCallableWhichGoesWithTheLast) {
+    struct Counter {
+        int next() { return ++m_nCount; }
+        int m_nCount = 0;
+    } counter;
+    const Function bound(KX_FUNCTION::bind_funcobj0<int, Counter>(&Counter::next, &counter));
+    EXPECT_EQ(bound(), 1);
+    EXPECT_EQ(counter.m_nCount, 1) << "of the object itself";
+
     const auto pToken = std::make_shared<int>(0);
     {
         const Function first([pToken, nCalls = 0]() mutable { return ++nCalls; });

@@ -1,6 +1,5 @@
 // Safe pointers: counting, and the fixed text of every misuse.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <atomic>
 #include <memory>
@@ -33,7 +32,7 @@ struct Gadget : Widget {
 // A slot whose fields a test sets, standing outside the registry.
 struct LooseSlot : SafePointerSlot {
     explicit LooseSlot(void* pObject) : SafePointerSlot(0) { m_pObject = pObject; }
-    KXMutexHandle& getMutex() { return m_mutex; }
+    using SafePointerSlot::m_mutex;
 };
 
 // A holder whose raw fields a test sets, past all counting.
@@ -109,7 +108,7 @@ TEST_F(SafePointerTest, MisuseOfNullIsReported) {
 TEST_F(SafePointerTest, CopyOfADestructedHolderIsReported) {
     Widget widget(m_nAlive);
     LooseSlot dead(&widget);
-    dead.getMutex().destroy();
+    dead.m_mutex.destroy();
     LooseSlot empty(&widget);
     const auto copy = [&](SafePointerSlot* pSlot) {
         return [&widget, pSlot] { RawHolder(&widget, pSlot).copyAndForget(); };
@@ -137,7 +136,7 @@ TEST_F(SafePointerTest, HolderOfAnotherObjectsSlotIsToldOnCopyAndAtItsEnd) {
     EXPECT_EQ(strOutput, "");
 }
 
-TEST_F(SafePointerTest, WrapSafeFreesTheObjectWhenTheTableIsFull) {
+TEST_F(SafePointerTest, AFullTableFreesTheObjectThatItRefuses) {
     struct Token : Widget {
         using Widget::Widget;
     };
@@ -148,11 +147,10 @@ TEST_F(SafePointerTest, WrapSafeFreesTheObjectWhenTheTableIsFull) {
             holder = makeToken();
         }
         const auto pRaw = std::make_unique<Token>(m_nAlive);
-        const auto wrapRaw = [&] { SafePointer<Token> holder(pRaw.get()); };
-        EXPECT_THAT(thrownText<KXRuntimeError>(wrapRaw),
+        EXPECT_THROW(SafePointer<Token>(pRaw.get()), KXRuntimeError);
+        EXPECT_EQ(m_nAlive, 20097) << "a raw pointer stays with the caller";
+        EXPECT_THAT(thrownText<KXRuntimeError>(makeToken),
                     testing::HasSubstr("(" + std::string(typeid(Token).name()) + ",20096)"));
-        EXPECT_EQ(m_nAlive, 20097);  // a raw pointer stays with the caller
-        EXPECT_THROW(makeToken(), KXRuntimeError);
         EXPECT_EQ(m_nAlive, 20097);
         vecHolders.pop_back();
         vecHolders.push_back(makeToken());
