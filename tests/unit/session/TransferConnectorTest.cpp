@@ -1,8 +1,7 @@
 // The registry of transports, and the way from login data to a connected one.
-#include <memory>
+#include <gtest/gtest.h>
 
 #include "Product/Technic/ErrorCode.h"
-#include "gtest/gtest.h"
 #include "session/TransferConnector.h"
 #include "session/TransferFactoryMap.h"
 #include "support/Addresses.h"
@@ -53,8 +52,8 @@ TEST(TransferFactoryMap, AConnectorRegistersBothKindsOnce) {
     for (const int nKind : {TransferKind::TCP, TransferKind::UDP}) {
         TransferConnector();
         ITransferFactory* pFactory = TransferFactoryMap::instance().find(nKind);
-        EXPECT_NE(nullptr, pFactory);
         TransferConnector();
+        EXPECT_NE(nullptr, pFactory);
         EXPECT_EQ(pFactory, TransferFactoryMap::instance().find(nKind));
     }
 }
