@@ -98,7 +98,7 @@ def includes_of(schema, record):
 
 def accessors_of(field):
     name, kind, member = capital(field.name), cpp_type(field), member_of(field)
-    note = f"    // {field.comment}\n" if field.comment else ""
+    note = f"    // {capital(field.comment)}.\n" if field.comment else ""
     if is_plain(field):
         return (f"{note}    {kind} get{name}() const noexcept {{ return {member}; }}\n"
                 f"    void set{name}({kind} value) noexcept {{ {member} = value; }}\n")

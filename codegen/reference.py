@@ -45,20 +45,24 @@ class Reference:
         return MARK.sub(lambda mark: self.link(mark[2]) if mark[2] else f"<code>{mark[1]}</code>",
                         escape(str(fact), quote=False))
 
-    def field_row(self, field: dict[str, Any]) -> str:
+    def field_row(self, field: dict[str, Any], has_meanings: bool) -> str:
         words = "".join(f"<code>{escape(line)}</code>" for line in field["printed"])
         extra = "".join(f'<span class="note">{escape(note)}</span>' for note in field["notes"])
         mark = ' class="inherited"' if "inheritedFrom" in field else ""
-        return (f"<tr{mark}><td><code>{field['name']}</code>{extra}</td>"
+        meaning = f"<td>{escape(field['meaning'])}</td>" if has_meanings else ""
+        return (f"<tr{mark}><td><code>{field['name']}</code>{extra}</td>{meaning}"
                 f"<td>{self.markup(field['type'])}</td><td>{escape(field['default'])}</td>"
                 f"<td>{escape(field['absent'])}</td><td class=\"words\">{words}</td></tr>\n")
 
     def field_table(self, record: Record) -> str:
-        rows = [self.field_row(field) for field in self.vocabulary.fields(record)]
-        if not rows:
+        fields = self.vocabulary.fields(record)
+        if not fields:
             return "<p>It has no fields.</p>\n"
-        return ('<div class="scroll"><table><thead><tr><th>Field</th><th>Type</th><th>Default</th>'
-                "<th>When absent</th><th>Printed then</th></tr></thead>\n<tbody>\n"
+        has_meanings = any(field["meaning"] for field in fields)
+        rows = [self.field_row(field, has_meanings) for field in fields]
+        meaning = "<th>Meaning</th>" if has_meanings else ""
+        return (f'<div class="scroll"><table><thead><tr><th>Field</th>{meaning}<th>Type</th>'
+                "<th>Default</th><th>When absent</th><th>Printed then</th></tr></thead>\n<tbody>\n"
                 + "".join(rows) + "</tbody></table></div>\n")
 
     # Records
@@ -191,6 +195,8 @@ elements that are not in the table are passed over.</p>
 child for an entry.</li>
 <li><b>Carried by</b> names the commands whose request holds the record, <b>Answers</b> those whose
 reply does, where that is known.</li>
+<li><b>Meaning</b> is told where it is known and the name does not say it all. "The device's own
+number" is one that each device chooses; the library passes it on.</li>
 <li><b>Default</b> is what a new record holds, if that is not 0, false or empty.</li>
 <li><b>When absent</b> tells what reading does with a field that is not there. "Becomes 0" holds
 even if the record had another value before; "stays as it was" keeps that value, in a new record the

@@ -65,8 +65,8 @@ def printed_of(schema, record, field):
 
 
 def notes_of(field):
-    """What else is to be known of the field."""
-    result = [capital(field.comment)] if field.comment else []
+    """What else is to be known of the field: its marks, told in words."""
+    result = []
     if "write-only" in field.flags:
         result.append("Written, never read.")
     if "read-only" in field.flags:
@@ -200,7 +200,8 @@ class Vocabulary:
         return inherited + [self.field(record, field) for field in record.fields]
 
     def field(self, owner, field):
-        return {"name": field.name, "type": type_of(self.schema, field), "default": field.default,
+        return {"name": field.name, "meaning": capital(field.comment),
+                "type": type_of(self.schema, field), "default": field.default,
                 "absent": absence_of(self.schema, field),
                 "printed": printed_of(self.schema, owner, field), "notes": notes_of(field)}
 

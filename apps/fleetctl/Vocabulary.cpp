@@ -74,6 +74,16 @@ std::string formatFields(const Json& fields, std::size_t nWidth) {
     return formatHeadedTable(vecRows, Indent, nWidth);
 }
 
+std::string formatMeanings(const Json& fields, std::size_t nWidth) {
+    TableRows vecRows;
+    for (const Json& field : fields) {
+        if (field.contains("meaning")) {
+            vecRows.push_back({field.at("name"), field.at("meaning")});
+        }
+    }
+    return vecRows.empty() ? "" : formatTable(vecRows, Indent, nWidth) + '\n';
+}
+
 std::string formatNotes(const Json& fields, std::size_t nWidth) {
     TableRows vecRows;
     for (const Json& field : fields) {
@@ -95,7 +105,8 @@ std::string formatEntry(const Json& entry, std::size_t nWidth) {
     std::string strText = textOf(entry.at("record")) + '\n' + formatFacts(entry, nWidth) + '\n';
     if (entry.contains("fields")) {
         const Json& fields = entry.at("fields");
-        strText += formatFields(fields, nWidth) + formatNotes(fields, nWidth) + '\n';
+        strText += formatMeanings(fields, nWidth) + formatFields(fields, nWidth) +
+                   formatNotes(fields, nWidth) + '\n';
     }
     return strText + textOf(entry.at("example"));
 }
