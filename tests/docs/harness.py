@@ -43,10 +43,10 @@ class Device:
     """A virtual device as the documentation has it, at a port of its own."""
 
     def __init__(self, program, *options):
-        options = options if "--port" in options else [*ACCOUNT, *options]
-        options = ["0" if option == PORT else option for option in options]
+        told = options if "--port" in options else [*ACCOUNT, *options]
+        free = ["0" if option == PORT else option for option in told]
         self.process = subprocess.Popen(
-            [program, *options, "--seconds", str(SECONDS)], stdout=subprocess.PIPE, text=True,
+            [program, *free, "--seconds", str(SECONDS)], stdout=subprocess.PIPE, text=True,
             stderr=subprocess.PIPE if "--verbose" in options else None)
         line = self.process.stdout.readline()
         match = re.fullmatch(r"listening on 127\.0\.0\.1:(\d+)\n", line)
