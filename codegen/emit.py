@@ -4,6 +4,7 @@ import re
 from pathlib import Path
 
 from operations import files_of_operations
+from printed import absent_words, bad_words
 from schema import capital
 from vocabulary import entries_source
 
@@ -171,11 +172,6 @@ def field_kind(field):
     return FIELD_KINDS[field.kind]
 
 
-def words_of(field, record, text):
-    """Fills in what is known now; the rest is filled in when the line is printed."""
-    return text.replace("{mapper}", record.name + "Xml")
-
-
 def field_row(schema, record, field):
     by_name = {other.name: other for other in record.members}
     own = by_name[field.name]
@@ -197,8 +193,8 @@ def field_row(schema, record, field):
         row.append(f".szItem = {quoted(field.pattern or field.item)}")
     for key, text in (("szSeparator", field.separator), ("szUnread", field.unread),
                       ("szDefault", field.default), ("szFallback", field.fallback),
-                      ("szAbsent", words_of(field, record, field.absent)),
-                      ("szBad", field.bad), ("szUnwritten", field.unwritten)):
+                      ("szAbsent", absent_words(record, field)),
+                      ("szBad", bad_words(field)), ("szUnwritten", field.unwritten)):
         if text:
             row.append(f".{key} = {quoted(text)}")
     return "        {" + ",\n         ".join(row) + "},\n"

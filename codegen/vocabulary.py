@@ -8,6 +8,7 @@ import json
 import re
 
 from example import entry_tag, example_of
+from printed import absent_words, bad_words
 from schema import ACKNOWLEDGEMENT, OPERATIONS, capital
 
 ACKNOWLEDGING_RECORD = "EtResult"
@@ -22,11 +23,6 @@ def plain(value):
     if isinstance(value, list):
         return [plain(one) for one in value]
     return MARK.sub(lambda mark: mark[1] or mark[2], value) if isinstance(value, str) else value
-
-
-def node_name(tag):
-    """The tag as the lines about missing lists spell it: PTZOpenList is PTZ_OPEN_LIST."""
-    return re.sub(r"(?<=[a-z0-9])(?=[A-Z])|(?<=.)(?=[A-Z][a-z])", "_", tag).upper()
 
 
 def absence_of(schema, field):
@@ -49,19 +45,12 @@ def absence_of(schema, field):
 
 def printed_of(schema, record, field):
     """The lines that are printed when the field is absent."""
-    mapper = record.name + "Xml"
-    if field.kind in ("list", "values"):
-        if "bare" in field.flags:
-            return []
-        return [field.absent or f"getConfigNode NODE_{node_name(field.name)} failed\\n",
-                field.bad or f"parseDomainXmlNode obj{field.name} failed\\n"]
+    if "bare" in field.flags:
+        return []
+    words = absent_words(record, field)
     if field.kind == "element":
-        words = field.absent or schema.records[field.type].absent
-    elif field.presence in ("logged", "required") and field.kind != "record":
-        words = field.absent or f"{mapper}::parseDomainXmlNode get {field.name} failed \\n"
-    else:
-        words = field.absent
-    return [words.replace("{mapper}", mapper)] if words else []
+        words = words or schema.records[field.type].absent
+    return [line for line in (words, bad_words(field)) if line]
 
 
 def notes_of(field):

@@ -103,8 +103,8 @@ struct FieldDescriptor {
     const char* szUnread = nullptr;     // field of an inline element that is not read
     const char* szDefault = nullptr;    // what the constructor gives, if not zero, false or empty
     const char* szFallback = nullptr;   // for Presence::Fallback
-    const char* szAbsent = nullptr;     // words instead of the standard line when it is absent
-    const char* szBad = nullptr;        // words instead of the standard line when a list is bad
+    const char* szAbsent = nullptr;     // words when it is absent, if any are printed
+    const char* szBad = nullptr;        // of a list: words when it is absent or bad
     const char* szUnwritten = nullptr;  // words instead of the standard line when writing failed
 
     bool has(FieldFlag nFlag) const noexcept { return (nFlags & nFlag) != 0; }

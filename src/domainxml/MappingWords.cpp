@@ -59,25 +59,10 @@ void print(const RecordDescriptor& owner, const std::string& strLine,
     std::fputs(strLine.c_str(), stdout);
 }
 
-bool isUpper(char c) {
-    return c >= 'A' && c <= 'Z';
-}
-bool isLower(char c) {
-    return c >= 'a' && c <= 'z';
-}
-bool isDigit(char c) {
-    return c >= '0' && c <= '9';
-}
-
 }  // namespace
 
 void printMissing(const RecordDescriptor& owner, const FieldDescriptor& field, XmlCursor element,
                   const std::string& strValue) {
-    if (field.szAbsent == nullptr) {
-        print(owner, std::string(owner.szClass) + "Xml::parseDomainXmlNode get " + field.szTag +
-                         " failed \n");
-        return;
-    }
     print(owner, filledIn(field.szAbsent, {element.name(), element.parentName(), strValue}));
 }
 
@@ -87,15 +72,11 @@ void printMissingElement(const RecordDescriptor& owner, const FieldDescriptor& f
 }
 
 void printMissingList(const RecordDescriptor& owner, const FieldDescriptor& field) {
-    print(owner, field.szAbsent != nullptr
-                     ? field.szAbsent
-                     : "getConfigNode NODE_" + nodeName(field.szTag) + " failed\n");
+    print(owner, field.szAbsent);
 }
 
 void printBadList(const RecordDescriptor& owner, const FieldDescriptor& field) {
-    print(owner, field.szBad != nullptr
-                     ? field.szBad
-                     : "parseDomainXmlNode obj" + std::string(field.szTag) + " failed\n");
+    print(owner, field.szBad);
 }
 
 void printUnwritten(const RecordDescriptor& owner, const FieldDescriptor& field) {
@@ -104,21 +85,6 @@ void printUnwritten(const RecordDescriptor& owner, const FieldDescriptor& field)
               ? field.szUnwritten
               : "createDomainXmlNode " + std::string(field.szTag) + " failed \n",
           "createDomainXmlNode");
-}
-
-std::string nodeName(const std::string& strTag) {
-    std::string strName;
-    for (std::size_t i = 0; i < strTag.size(); ++i) {
-        const char cNext = i + 1 < strTag.size() ? strTag[i + 1] : '\0';
-        const bool bStartsWord =
-            i > 0 && isUpper(strTag[i]) &&
-            (isLower(strTag[i - 1]) || isDigit(strTag[i - 1]) || isLower(cNext));
-        if (bStartsWord) {
-            strName += '_';
-        }
-        strName += isLower(strTag[i]) ? static_cast<char>(strTag[i] - 'a' + 'A') : strTag[i];
-    }
-    return strName;
 }
 
 }  // namespace MappingWords

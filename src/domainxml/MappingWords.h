@@ -22,7 +22,4 @@ void printBadList(const fleetkit::RecordDescriptor& owner, const fleetkit::Field
 void printUnwritten(const fleetkit::RecordDescriptor& owner,
                     const fleetkit::FieldDescriptor& field);
 
-// "ALARM_LINKAGE_PARAM_LIST" for "AlarmLinkageParamList".
-std::string nodeName(const std::string& strTag);
-
 }  // namespace MappingWords

@@ -7,6 +7,7 @@ from collections import Counter
 from support import CASES, ROOT, SchemaCase
 
 import check
+import printed
 import schema
 
 
@@ -63,6 +64,11 @@ class Vocabulary(SchemaCase):
         self.assertEqual(rows, [
             tuple(map(str, (command.request, command.response, command.group, command.operation)))
             for command in self.real.commands])
+
+    def test_names_of_nodes(self):
+        for tag, name in (("PTZPresetV2List", "PTZ_PRESET_V2_LIST"), ("RS485List", "RS485_LIST"),
+                          ("RS485OSDList", "RS485_OSD_LIST"), ("GPIOLEDList", "GPIOLED_LIST")):
+            self.assertEqual(printed.node_name(tag), name)
 
 
 if __name__ == "__main__":

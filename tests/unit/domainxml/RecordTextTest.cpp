@@ -19,7 +19,6 @@
 #include "domain/PolygonArea.h"
 #include "domain/UpdateSoftware.h"
 #include "domainxml/DomainXmlFactory.h"
-#include "domainxml/MappingWords.h"
 #include "domainxml/TypedXml.h"
 #include "unit/domainxml/MappedRecord.h"
 #include "unit/domainxml/NodeText.h"
@@ -112,16 +111,6 @@ TEST_P(RecordText, IsReadAndWrittenAsTheCasesSay) {
 
 INSTANTIATE_TEST_SUITE_P(Files, RecordText,
                          testing::Values("shapes.txt", "odd-values.txt", "absent.txt"));
-
-TEST(MappingWords, TheWordsOfANodeName) {
-    for (const auto& [szTag, szName] : {std::pair{"OSDInfoList", "OSD_INFO_LIST"},
-                                        {"PTZPresetV2List", "PTZ_PRESET_V2_LIST"},
-                                        {"RS485List", "RS485_LIST"},
-                                        {"RS485OSDList", "RS485_OSD_LIST"},
-                                        {"GPIOLEDList", "GPIOLED_LIST"}}) {
-        EXPECT_EQ(MappingWords::nodeName(szTag), szName);
-    }
-}
 
 // ---- what is written and not read
 
