@@ -9,7 +9,7 @@
 #include <algorithm>
 
 #include "FieldAssignment.h"
-#include "StructRoom.h"
+#include "StructLimits.h"
 #include "UsageError.h"
 
 using namespace fleetkit;
@@ -64,7 +64,7 @@ int Calls::getOsd(const Call& call, std::vector<OSDUserParam>& vecParams) {
 }
 
 int Calls::setOsd(const Call& call, const std::vector<OSDUserParam>& vecParams) {
-    requireRoom(vecParams);
+    requireFit(vecParams);
     const auto pParams = std::make_unique<tagOSDUserParamList>();
     toStructure(&vecParams, pParams.get());
     return FleetKit::setAllOSDUserParam(call.nHandle, *pParams);
@@ -112,7 +112,7 @@ int Calls::getStreams(const Call& call, std::vector<AVStreamParam>& vecStreams) 
 }
 
 int Calls::setStreams(const Call& call, const std::vector<AVStreamParam>& vecStreams) {
-    requireRoom(vecStreams);
+    requireFit(vecStreams);
     const auto pStreams = std::make_unique<tagAllAVStreamParam>();
     toStructure(&vecStreams, pStreams.get());
     return call.selection.channel

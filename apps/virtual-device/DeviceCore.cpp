@@ -1,7 +1,6 @@
 // Sessions, refusals and misbehaviour; what a command does stands in the table of handlers.
 #include "virtual-device/DeviceCore.h"
 
-#include <algorithm>
 #include <cstdio>
 
 #include "domain/DataBuffer.h"
@@ -12,6 +11,7 @@
 #include "domain/EtResult.h"
 #include "domain/HostNetwork.h"
 #include "domain/User.h"
+#include "protocol/BodyParserFactory.h"
 #include "protocol/CommandCatalogue.h"
 #include "protocol/CommandIds.h"
 #include "protocol/ProtocolType.h"
@@ -53,11 +53,6 @@ void putBinaryData(Answer& answer) {
     appendRecord(answer.vecRecords, data);
     appendRecord(answer.vecRecords, EtFileDataPack());
     appendRecord(answer.vecRecords, EtPTZOperation());
-}
-
-bool hasBinaryForm(std::uint32_t nResponseId) {
-    constexpr std::uint32_t Ids[] = {14006, 15020, 31026, 32743, 32821, 33028};
-    return std::find(std::begin(Ids), std::end(Ids), nResponseId) != std::end(Ids);
 }
 
 std::string describe(std::uint32_t nCommandId, int nCode) {

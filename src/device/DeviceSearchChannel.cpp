@@ -6,7 +6,7 @@
 
 #include "Product/Technic/AdapterList.h"
 #include "Product/Technic/ErrorCode.h"
-#include "Product/Technic/RoomGuard.h"
+#include "Product/Technic/MemoryGuard.h"
 #include "Product/Technic/platform/NameResolution.h"
 #include "domain/DeviceId.h"
 #include "domain/EtAdapterType.h"
@@ -168,7 +168,7 @@ int DeviceSearchChannel::encode(std::uint16_t nSequence, const std::string& strD
     head.setSessionId(m_nSessionId);
     auto pParam = std::make_unique<SDKCommandParam>();
     pParam->setHead(head);
-    const bool bEncoded = guardRoom([&] {
+    const bool bEncoded = guardMemory([&] {
         pParam->setDomains({copyOf(credentials), copyOf(device), copyOf(EtAdapterType()),
                             copyOf(version), copyOf(network)});
         return createCommandProtocolParser(ProtocolType::SDK)

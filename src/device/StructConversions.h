@@ -24,7 +24,7 @@ FLEETKIT_EXPORT void toRecords(const NS_TARN_STRUCT::tagOSDUserParamList* pParam
 
 // Writing one sets the counts to the number of elements written, at most the capacity, and leaves
 // alone what stands behind them. Texts are cut to their fields and end in a zero, those of channels
-// only where there is room for it. With a null pointer nothing happens.
+// only where there is space for it. With a null pointer nothing happens.
 FLEETKIT_EXPORT void toStructure(const std::vector<AVStreamParam>* pRecords,
                                  NS_TARN_STRUCT::tagAllAVStreamParam* pStreams);
 FLEETKIT_EXPORT void toStructure(const std::vector<ChannelInfo>* pRecords,

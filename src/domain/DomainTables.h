@@ -1,4 +1,4 @@
-// The generated tables of the vocabulary, for the look-ups of this room.
+// The generated tables of the vocabulary, for the look-ups beside it.
 #pragma once
 
 #include <cstdint>

@@ -3,7 +3,7 @@
 
 #include <utility>
 
-#include "Product/Technic/RoomGuard.h"
+#include "Product/Technic/MemoryGuard.h"
 #include "protocol/BinCommandParam.h"
 #include "protocol/CommandFrame.h"
 #include "protocol/NetworkOrder.h"
@@ -39,7 +39,7 @@ bool BinCommandParser::parseCommand(const CommandBuffer& in, SafePointer<Command
         payload.getLength() < NumberLength) {
         return false;
     }
-    return guardRoom([&] {
+    return guardMemory([&] {
         auto pParam = std::make_unique<BinCommandParam>();
         pParam->setHead(head);
         pParam->setBinCommandId(static_cast<std::int32_t>(readNetworkU32(payload.data())));

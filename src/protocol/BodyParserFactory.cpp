@@ -38,9 +38,18 @@ constexpr BinaryForm BinaryForms[] = {
     {47005, make<FileReadDataCommandBodyParser>},  // request that carries file data
 };
 
+const BinaryForm* findBinaryForm(std::uint32_t nCommandID) {
+    const auto form = std::ranges::find(BinaryForms, nCommandID, &BinaryForm::nCommandID);
+    return form == std::end(BinaryForms) ? nullptr : &*form;
+}
+
 }  // namespace
 
 std::unique_ptr<ICommandBodyParser> createBodyParser(std::uint32_t nCommandID) {
-    const auto form = std::ranges::find(BinaryForms, nCommandID, &BinaryForm::nCommandID);
-    return form == std::end(BinaryForms) ? make<SDKNormalXmlBodyParser>() : form->makeParser();
+    const BinaryForm* pForm = findBinaryForm(nCommandID);
+    return pForm != nullptr ? pForm->makeParser() : make<SDKNormalXmlBodyParser>();
+}
+
+bool hasBinaryForm(std::uint32_t nCommandID) {
+    return findBinaryForm(nCommandID) != nullptr;
 }

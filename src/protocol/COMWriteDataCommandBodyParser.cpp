@@ -1,7 +1,7 @@
 // Data for a serial port, with the port behind it.
 #include "protocol/COMWriteDataCommandBodyParser.h"
 
-#include "Product/Technic/RoomGuard.h"
+#include "Product/Technic/MemoryGuard.h"
 #include "domain/EtCOMWriteData.h"
 #include "protocol/BinaryBody.h"
 
@@ -25,7 +25,7 @@ bool COMWriteDataCommandBodyParser::createCommandBody(const DomainList& domains,
 
 bool COMWriteDataCommandBodyParser::parseCommandBody(const CommandBuffer& in,
                                                      DomainList& domains) const {
-    return guardRoom([&] {
+    return guardMemory([&] {
         BodyReader reader(in);
         std::uint32_t nLength = 0;
         DataBuffer data;

@@ -1,7 +1,7 @@
 // A piece of a file, with a flag and a code.
 #include "protocol/FileReadDataCommandBodyParser.h"
 
-#include "Product/Technic/RoomGuard.h"
+#include "Product/Technic/MemoryGuard.h"
 #include "domain/EtFileDataPack.h"
 #include "domain/EtResult.h"
 #include "protocol/BinaryBody.h"
@@ -28,7 +28,7 @@ bool FileReadDataCommandBodyParser::createCommandBody(const DomainList& domains,
 
 bool FileReadDataCommandBodyParser::parseCommandBody(const CommandBuffer& in,
                                                      DomainList& domains) const {
-    return guardRoom([&] {
+    return guardMemory([&] {
         BodyReader reader(in);
         std::uint32_t nLength = 0;
         std::uint8_t nPackFlag = 0;

@@ -1,7 +1,7 @@
 // A PTZ operation with its camera, and the code of its answer.
 #include "protocol/PTZOperationBodyParser.h"
 
-#include "Product/Technic/RoomGuard.h"
+#include "Product/Technic/MemoryGuard.h"
 #include "domain/EtPTZOperation.h"
 #include "domain/EtResult.h"
 #include "protocol/BinaryBody.h"
@@ -32,7 +32,7 @@ bool PTZOperationBodyParser::createCommandBody(const DomainList& domains,
 }
 
 bool PTZOperationBodyParser::parseCommandBody(const CommandBuffer& in, DomainList& domains) const {
-    return guardRoom([&] {
+    return guardMemory([&] {
         BodyReader reader(in);
         std::uint32_t nCode = 0;
         std::uint32_t nCameraId = 0;

@@ -1,7 +1,7 @@
 // Parameters of a device as one block.
 #include "protocol/ParamImportReqBodyParser.h"
 
-#include "Product/Technic/RoomGuard.h"
+#include "Product/Technic/MemoryGuard.h"
 #include "protocol/BinaryBody.h"
 
 namespace {
@@ -19,7 +19,7 @@ bool ParamImportReqBodyParser::createCommandBody(const DomainList& domains,
 
 bool ParamImportReqBodyParser::parseCommandBody(const CommandBuffer& in,
                                                 DomainList& domains) const {
-    return guardRoom([&] {
+    return guardMemory([&] {
         BodyReader reader(in);
         std::uint32_t nLength = 0;
         auto pData = std::make_unique<DataBuffer>();

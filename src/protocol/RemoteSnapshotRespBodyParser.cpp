@@ -1,7 +1,7 @@
 // An image, with the code of the answer.
 #include "protocol/RemoteSnapshotRespBodyParser.h"
 
-#include "Product/Technic/RoomGuard.h"
+#include "Product/Technic/MemoryGuard.h"
 #include "domain/EtResult.h"
 #include "protocol/BinaryBody.h"
 
@@ -25,7 +25,7 @@ bool RemoteSnapshotRespBodyParser::createCommandBody(const DomainList& domains,
 
 bool RemoteSnapshotRespBodyParser::parseCommandBody(const CommandBuffer& in,
                                                     DomainList& domains) const {
-    return guardRoom([&] {
+    return guardMemory([&] {
         BodyReader reader(in);
         std::uint32_t nLength = 0;
         std::uint32_t nCode = 0;

@@ -1,7 +1,7 @@
 // Heads for transports: encoding and decoding behind the safe pointers that transports hold.
 #include "protocol/SDKCommandHeadParser.h"
 
-#include "Product/Technic/RoomGuard.h"
+#include "Product/Technic/MemoryGuard.h"
 #include "protocol/SDKCommandHeadInfo.h"
 
 namespace {
@@ -26,7 +26,7 @@ bool SDKCommandHeadParser::parseCommandHead(const std::uint8_t* pBytes, std::uin
     if (!decodeCommandHead(pBytes, nLength, decoded)) {
         return false;
     }
-    return guardRoom([&] {
+    return guardMemory([&] {
         head = wrapSafe<CommandHeadInfo>(std::make_unique<SDKCommandHeadInfo>(decoded));
         return true;
     });

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "Product/Technic/LogFilter.h"
-#include "Product/Technic/RoomGuard.h"
+#include "Product/Technic/MemoryGuard.h"
 #include "protocol/BodyParserFactory.h"
 #include "protocol/CommandFrame.h"
 #include "protocol/ProtocolType.h"
@@ -75,7 +75,7 @@ bool SDKCommandParser::parseCommand(const CommandBuffer& in, SafePointer<Command
                    nCommandID);
         return false;
     }
-    return guardRoom([&] {
+    return guardMemory([&] {
         auto pParam = std::make_unique<SDKCommandParam>();
         pParam->setDomains(std::move(vecDomains));
         pParam->setHead(head);

@@ -5,7 +5,7 @@
 #include <cstring>
 
 #include "Product/Technic/LogFilter.h"
-#include "Product/Technic/RoomGuard.h"
+#include "Product/Technic/MemoryGuard.h"
 #include "domain/DomainContainer.h"
 #include "domain/DomainFactory.h"
 #include "domain/EtResult.h"
@@ -74,7 +74,7 @@ bool SDKNormalXmlBodyParser::createCommandBody(const DomainList& domains,
 }
 
 bool SDKNormalXmlBodyParser::parseCommandBody(const CommandBuffer& in, DomainList& domains) const {
-    return guardRoom([&] {
+    return guardMemory([&] {
         const char* szText = textOf(in);
         return szText && parseDocument(szText, domains);
     });

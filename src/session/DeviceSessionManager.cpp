@@ -6,7 +6,7 @@
 
 #include "Product/Technic/ErrorCode.h"
 #include "Product/Technic/KXFunction.h"
-#include "Product/Technic/RoomGuard.h"
+#include "Product/Technic/MemoryGuard.h"
 #include "Product/Technic/platform/Clock.h"
 #include "domain/EtSessionId.h"
 #include "protocol/CommandIds.h"
@@ -109,8 +109,8 @@ int DeviceSessionManager::heartBeat() {
         currentClock().sleepMs(ScanPauseMs, m_ending.get_token());
         if (!m_ending.stop_requested()) {
             m_nNow = secondsNow();
-            // Without room the rest is found by the next scan.
-            guardRoom([this] {
+            // Without memory the rest is found by the next scan.
+            guardMemory([this] {
                 scanSessions(m_nNow, m_pending);
                 return true;
             });

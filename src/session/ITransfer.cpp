@@ -1,3 +1,4 @@
+// What a transport gives for what it does not do.
 #include "session/ITransfer.h"
 
 #include "Product/Technic/ErrorCode.h"

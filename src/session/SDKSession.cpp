@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "Product/Technic/ErrorCode.h"
-#include "Product/Technic/RoomGuard.h"
+#include "Product/Technic/MemoryGuard.h"
 #include "domain/EtResult.h"
 #include "protocol/CommandBuffer.h"
 #include "protocol/CommandParserFactory.h"
@@ -59,7 +59,7 @@ std::int32_t SDKSession::sendCommand(const SDKCommandHeadInfo& head, const Domai
     pParam->setHead(head);
     pParam->setDomains(request);
     CommandBuffer buffer;
-    const bool bEncoded = guardRoom([&] {
+    const bool bEncoded = guardMemory([&] {
         return createCommandProtocolParser(ProtocolType::SDK)
             ->createCommand(wrapSafe<CommandParam>(std::move(pParam)), buffer);
     });

@@ -1,3 +1,4 @@
+// The numbers that tell one request from another.
 #include "session/SequenceNumber.h"
 
 #include <atomic>

@@ -1,8 +1,8 @@
 // One exchange each: typed request records in, the typed answer out.
 //
 // Request records travel as copies, in the order of the arguments; a vector travels, and is
-// answered, as one list record. NoTransport without a session, EncodeFailed when there is no room
-// for the copies, BadReply when the reply lacks the answer or there is no room for it, else what
+// answered, as one list record. NoTransport without a session, EncodeFailed when there is no memory
+// for the copies, BadReply when the reply lacks the answer or there is none for it, else what
 // `SDKSession::sendRecv` gives. The answer is assigned on Success only.
 #pragma once
 
@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "Product/Technic/ErrorCode.h"
-#include "Product/Technic/RoomGuard.h"
+#include "Product/Technic/MemoryGuard.h"
 #include "Product/Technic/SafePointer.h"
 #include "domain/DomainList.h"
 #include "session/SDKSession.h"
@@ -45,7 +45,7 @@ std::int32_t sendRecords(const SafePointer<SDKSession>& session, std::uint32_t n
         return fleetkit::ErrorCode::NoTransport;
     }
     DomainList records;
-    const bool bRoom = guardRoom([&] {
+    const bool bRoom = guardMemory([&] {
         records = {copyOf(request)...};
         return true;
     });
@@ -71,7 +71,7 @@ std::int32_t sendGet(const SafePointer<SDKSession>& session, std::uint32_t nComm
         return nCode;
     }
     const Answer* pAnswer = findAnswer(reply, answer);
-    const bool bTaken = pAnswer != nullptr && guardRoom([&] {
+    const bool bTaken = pAnswer != nullptr && guardMemory([&] {
                             answer = Answer(*pAnswer);
                             return true;
                         });

@@ -1,3 +1,4 @@
+// Commands over a TCP connection.
 #include "session/TCPTransfer.h"
 
 #include <algorithm>

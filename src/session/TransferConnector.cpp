@@ -1,3 +1,4 @@
+// From the login data of a device to a connected transport.
 #include "session/TransferConnector.h"
 
 #include <memory>

@@ -1,3 +1,4 @@
+// Commands as datagrams.
 #include "session/UDPTransfer.h"
 
 #include "Product/Technic/ErrorCode.h"

@@ -151,7 +151,7 @@ class FleetctlTest(unittest.TestCase):
             (["set", "ntp", "NTPEnableFlag=yes"], "true or false"),
             (["set", "network", *NETWORK[1:]], "missing: NetId"),
             (["set", "streams", "9.BitRate=1"], "no element 9"),
-            (["set", "streams", "0.StreamName=" + 36 * "x"], "room for 35"),
+            (["set", "streams", "0.StreamName=" + 36 * "x"], "space for 35"),
             (["do"], "the actions are: exec network-by-multicast passwd"),
             (["do", "dance"], "the actions are"),
             (["do", "exec"], "usage: do exec COMMAND"),

@@ -178,7 +178,8 @@ TEST(DeviceSearchChannel, TellsItsAnswerFromStrays) {
     };
     inOwnNetwork([&] {
         for (const auto& [answers, nCode] : arrCases) {
-            heard({answers}, [&] { EXPECT_EQ(setFrom(addressOf(Loopback)), nCode); });
+            heard({answers},
+                  [nExpected = nCode] { EXPECT_EQ(setFrom(addressOf(Loopback)), nExpected); });
         }
     });
 }
@@ -210,9 +211,9 @@ TEST(SetHostNetworkByMulticast, TakesSilenceForSuccessAndElseTheLastCode) {
     };
     inOwnNetwork([&] {
         for (const auto& [vecAnswers, nCode] : arrCases) {
-            heard(vecAnswers, [&] {
+            heard(vecAnswers, [nExpected = nCode] {
                 EXPECT_EQ(setOverAdapters({{addressOf("127.0.0.2")}, {addressOf("127.0.0.3")}}),
-                          nCode);
+                          nExpected);
             });
         }
     });

@@ -1,3 +1,4 @@
+// Adapters out of the list of interfaces: one for each, whatever labels its addresses have.
 #include "Product/Technic/AdapterList.h"
 
 #include <utility>

@@ -1,3 +1,4 @@
+// Questions about address texts and about the addresses of this machine.
 #include "Product/Technic/IPTool.h"
 
 #include <algorithm>
@@ -56,7 +57,7 @@ void store(InetAddr& address, const std::string& strText, int nVersion) {
     address.setIPProtoVer(nVersion);
 }
 
-// `out` has room for the text and its end.
+// `out` has space for the text and its end.
 void copyText(std::string_view text, char* out) {
     out[text.copy(out, text.size())] = '\0';
 }

@@ -44,10 +44,10 @@ public:
     // loopback left out, at most 30 of them.
     bool enumIPList(int version);
     int getEnumIPNum();
-    // Copies an entry of that list; `out` has room for 49 bytes.
+    // Copies an entry of that list; `out` has space for 49 bytes.
     bool getEnumIP(int index, char* out);
 
-    // The first IPv4 address that this machine's name stands for; `out` has room for 16 bytes. The
+    // The first IPv4 address that this machine's name stands for; `out` has space for 16 bytes. The
     // number is ignored.
     bool getLocalIP(int, char* out);
 

@@ -51,7 +51,7 @@ public:
     virtual std::int32_t recvFrom(void* pBuffer, std::int32_t nLength, InetAddr& sender,
                                   std::int32_t nTimeoutMs) = 0;  // (S)
     virtual std::int32_t recvFrom(void* pBuffer, std::int32_t nLength, InetAddr& sender) = 0;
-    // (S) `pszHost` has room for 49 bytes.
+    // (S) `pszHost` has space for 49 bytes.
     virtual std::int32_t recvFrom(void* pBuffer, std::int32_t nLength, char* pszHost,
                                   std::uint16_t* pPort) = 0;
 

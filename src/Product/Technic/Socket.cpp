@@ -1,3 +1,4 @@
+// A socket for IPv4 or IPv6, stream or datagrams.
 #include "Product/Technic/Socket.h"
 
 #include <algorithm>

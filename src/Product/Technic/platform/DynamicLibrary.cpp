@@ -1,3 +1,4 @@
+// Libraries opened at run time, by the loader of Linux.
 #include "Product/Technic/platform/DynamicLibrary.h"
 
 #include <dlfcn.h>

@@ -1,3 +1,4 @@
+// The network interfaces, as Linux lists them.
 #include "Product/Technic/platform/InterfaceList.h"
 
 #include <ifaddrs.h>

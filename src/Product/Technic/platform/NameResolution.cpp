@@ -1,3 +1,4 @@
+// Names and addresses, by the resolver of the C library.
 #include "Product/Technic/platform/NameResolution.h"
 
 #include <arpa/inet.h>

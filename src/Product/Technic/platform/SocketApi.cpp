@@ -1,3 +1,4 @@
+// The socket calls of Linux.
 #include "Product/Technic/platform/SocketApi.h"
 
 #include <fcntl.h>

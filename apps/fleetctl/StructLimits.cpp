@@ -1,5 +1,5 @@
 // Capacities are those of the structures themselves.
-#include "StructRoom.h"
+#include "StructLimits.h"
 
 #include <fleetkit/TarnStruct.h>
 
@@ -13,7 +13,7 @@ namespace {
 
 void requireText(const std::string& strText, std::size_t nField, const char* szName) {
     if (strText.size() >= nField) {
-        throw UsageError(std::string(szName) + " has room for " + std::to_string(nField - 1) +
+        throw UsageError(std::string(szName) + " has space for " + std::to_string(nField - 1) +
                          " bytes, '" + strText + "' is longer");
     }
 }
@@ -22,21 +22,21 @@ template <class Record>
 void requireElements(const std::vector<Record>& vecRecords, std::size_t nCapacity,
                      const char* szName) {
     if (vecRecords.size() > nCapacity) {
-        throw UsageError(std::string(szName) + " has room for " + std::to_string(nCapacity) +
+        throw UsageError(std::string(szName) + " has space for " + std::to_string(nCapacity) +
                          " elements, not for " + std::to_string(vecRecords.size()));
     }
 }
 
 }  // namespace
 
-void requireRoom(const std::vector<AVStreamParam>& vecStreams) {
+void requireFit(const std::vector<AVStreamParam>& vecStreams) {
     requireElements(vecStreams, MaxAVStreams, "streams");
     for (const AVStreamParam& stream : vecStreams) {
         requireText(stream.getStreamName(), sizeof(tagAVStreamParam::StreamName), "StreamName");
     }
 }
 
-void requireRoom(const std::vector<OSDUserParam>& vecParams) {
+void requireFit(const std::vector<OSDUserParam>& vecParams) {
     requireElements(vecParams, MaxOSDUserParams, "osd");
     for (const OSDUserParam& param : vecParams) {
         requireElements(param.getCanvasProperList(), MaxCanvases, "CanvasProperList");

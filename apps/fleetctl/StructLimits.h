@@ -6,7 +6,7 @@
 
 #include <vector>
 
-// UsageError when there are more elements, or longer texts, than the structure has room for: the
+// UsageError when there are more elements, or longer texts, than the structure has space for: the
 // library would cut them without a word.
-void requireRoom(const std::vector<AVStreamParam>& vecStreams);
-void requireRoom(const std::vector<OSDUserParam>& vecParams);
+void requireFit(const std::vector<AVStreamParam>& vecStreams);
+void requireFit(const std::vector<OSDUserParam>& vecParams);

@@ -7,11 +7,11 @@
 #include "Product/Technic/KXRuntimeError.h"
 
 // Runs a step that takes memory and wraps safe pointers, and has no other reason to raise
-// KXRuntimeError. A device can announce more records than the pointer registry has room for, or
-// more bytes than there is memory, and as long as such a message lives nobody finds room: the step
-// is given up, and the result is false.
+// KXRuntimeError. A device can announce more records than the pointer registry can hold, or more
+// bytes than there is memory, and as long as such a message lives nobody gets any: the step is
+// given up, and the result is false.
 template <class Step>
-bool guardRoom(Step&& step) {
+bool guardMemory(Step&& step) {
     try {
         return std::forward<Step>(step)();
     } catch (const KXRuntimeError&) {
