@@ -32,5 +32,5 @@ struct CommandLine {
     std::string strNewPasswordFile;  // do passwd
 };
 
-// UsageError for arguments that are none.
+// UsageError for arguments that make no sense.
 CommandLine parseCommandLine(int nCount, char** ppArguments);

@@ -1,4 +1,4 @@
-// UsageError: what the user asked for cannot be meant. Nothing of it was sent.
+// UsageError: the command line makes no sense as it stands. Nothing was sent.
 #pragma once
 
 #include <stdexcept>

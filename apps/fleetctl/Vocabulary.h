@@ -5,5 +5,5 @@
 #include "CommandLine.h"
 #include "Output.h"
 
-// UsageError for a name or id that is none.
+// UsageError for an unknown name or id.
 int runVocabulary(const CommandLine& line, Output& output);

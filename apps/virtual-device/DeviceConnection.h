@@ -14,9 +14,9 @@
 #include "virtual-device/Answer.h"
 #include "virtual-device/DeviceCore.h"
 
-// Owned by whoever made it, who hears when it closes. A head that is none, or that announces too
-// much, ends the connection, for what follows it cannot be told apart; a body that does not decode
-// is refused.
+// Owned by whoever made it, who hears when it closes. A head that is invalid or announces too much
+// ends the connection, because nothing after it can be made out; a body that does not decode is
+// refused.
 class DeviceConnection : public std::enable_shared_from_this<DeviceConnection> {
 public:
     // The most that a request may announce. Memory is taken as bytes arrive.

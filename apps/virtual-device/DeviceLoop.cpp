@@ -12,7 +12,7 @@ DeviceLoop::~DeviceLoop() {
     m_thread.join();
 }
 
-// Want of memory in one step ends that step and not the devices.
+// Running out of memory ends the step under way, not the devices.
 void DeviceLoop::work() {
     while (!m_context.stopped()) {
         try {

@@ -11,7 +11,7 @@
 // Copies share the records, which never change: a record is replaced whole.
 class RecordStore {
 public:
-    // Keeps a copy in place of the record of the same type. The record is none without an id.
+    // Keeps a copy in place of the record of the same type. A record without an id is not kept.
     void put(const BaseDomain& record);
 
     // The record of this type, or null.

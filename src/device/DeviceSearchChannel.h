@@ -20,10 +20,10 @@ public:
     DeviceSearchChannel();
 
     // Sends the network setting from this local address and waits for an answer, whose body is not
-    // looked at. SendFailed, ReceiveFailed or ReceiveTimedOut (3 s for each read);
-    // BindFailed for an IPv6 address that cannot be bound; NoTransferFactory for an IP version
-    // other than 1 and 2; CipherFailed; EncodeFailed; DecodeFailed for an answer that is none;
-    // BadReply after four that answer something else; what opening a socket may come to.
+    // looked at. SendFailed, ReceiveFailed or ReceiveTimedOut (3 s for each read); BindFailed for
+    // an IPv6 address that cannot be bound; NoTransferFactory for an IP version other than 1 and 2;
+    // CipherFailed; EncodeFailed; DecodeFailed for an answer that cannot be decoded; BadReply after
+    // four that answer something else; SocketOpenFailed.
     int setHostNetwork(const InetAddr& local, const std::string& strDeviceId,
                        const HostNetwork& network, const User& user);
 

@@ -21,9 +21,9 @@ namespace fleetkit {
 // - SocketOpenFailed (-202): no socket could be opened, or none of this IP version.
 // - ConnectFailed (-204): refused, out of reach, or no connection within 3 s.
 // - CipherFailed (-663): user name or password could not be enciphered; nothing was sent.
-// - SendFailed (-210), SendTimedOut (-211), ReceiveFailed (-212), ReceiveTimedOut (-213),
-//   DecodeFailed (-233), EncodeFailed (-234), HeadRefused (-402), BadReply (-501): something
-//   accepted the connection, but no answer of a device came of it; as in `FleetKit.h`.
+// - SendFailed (-210), ReceiveFailed (-212), ReceiveTimedOut (-213), DecodeFailed (-233),
+//   EncodeFailed (-234), HeadRefused (-402), BadReply (-501): something accepted the connection,
+//   but gave no valid answer; as in `FleetKit.h`.
 // - Any other number: the device refused, for a reason of its own, such as a wrong password.
 //
 //     long session = 0;

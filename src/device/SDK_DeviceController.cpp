@@ -1,4 +1,4 @@
-// Makes the implementation, and does without one where there is no memory.
+// Makes the implementation, or none where there is no memory.
 #include "device/SDK_DeviceController.h"
 
 #include <new>

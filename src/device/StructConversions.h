@@ -1,6 +1,6 @@
 // Between the plain structures of fixed layout and the records, for callers that know one form
-// only. Callable from any thread; the arguments belong to the caller throughout. A lack of memory
-// throws std::bad_alloc, and what was converted by then stays.
+// only. Callable from any thread; the arguments belong to the caller throughout. Running out of
+// memory throws std::bad_alloc; what was converted by then stays.
 #pragma once
 
 #include <vector>

@@ -36,7 +36,7 @@ int VideoContext::start() {
     if (nCode == ErrorCode::Success) {
         return ErrorCode::Success;
     }
-    // The library wants to be asked; the code that callers get is ours.
+    // The library requires that its error is fetched; callers get ours.
     std::array<char, MessageSize> arrText{};
     m_libraries.net().formatMessage(nCode, arrText.data(), MessageSize);
     return ErrorCode::PreviewFailed;

@@ -15,7 +15,7 @@ namespace {
 // How far a block may exceed the length that the record tells.
 constexpr std::int64_t BlockReserve = 1024;
 
-// What a base64 text decodes to; false for a text that is none, or that exceeds the capacity.
+// What a base64 text decodes to; false for a text that is not base64, or exceeds the capacity.
 bool decodeBlock(const char* szText, std::int64_t nCapacity, std::vector<std::uint8_t>& vecBytes) {
     const std::size_t nTextLength = std::strlen(szText);
     const auto nMost = static_cast<std::int64_t>((nTextLength * 6 + 7) / 8);

@@ -116,7 +116,7 @@ void writeNested(const RecordDescriptor& owner, const FieldDescriptor& field,
     }
 }
 
-// A record that is there takes its place only if it is read to its end.
+// A nested record replaces the one before only once all of it has been read.
 bool readNested(const RecordDescriptor& owner, const FieldDescriptor& field, XmlCursor element,
                 const Record& record) {
     const XmlCursor child = element.firstChild(field.szTag);
@@ -153,7 +153,7 @@ void readRecordList(const RecordDescriptor& owner, const FieldDescriptor& field,
     }
 }
 
-// An element that is missed in words of its own: its fields take their fallbacks without a line.
+// An absent element that has words of its own: its fields take their fallbacks without a line.
 void fillDefaults(const Record& element, const char* szUnread);
 
 class DefaultFiller {

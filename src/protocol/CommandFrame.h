@@ -12,5 +12,5 @@ bool joinCommand(SDKCommandHeadInfo head, std::uint16_t nProtocolType, const Com
                  CommandBuffer& out);
 
 // Copies the payload that `head` announces out of `in`, with one zero byte behind it. The block of
-// `in` must hold all of it; bytes of the block that were not written are the zeros that they are.
+// `in` must hold all of it; bytes of the block that were never written are zero.
 bool copyPayload(const CommandBuffer& in, const SDKCommandHeadInfo& head, CommandBuffer& payload);

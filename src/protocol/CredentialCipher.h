@@ -5,9 +5,8 @@
 #include <string>
 
 // User names and passwords travel as base64 of a stream cipher with a key that library and devices
-// share. The same text always gives the same result, and the cipher hides it from a glance at the
-// wire, not from anybody who knows the protocol. All functions use their arguments only: callable
-// from any thread.
+// share. The same text always gives the same result: this is obfuscation, and hides nothing from
+// anybody who knows the protocol. All functions use their arguments only: callable from any thread.
 
 // Enciphers `plain`, zero bytes inside it included, into printable text. An empty text leaves `out`
 // as it is. False without memory.

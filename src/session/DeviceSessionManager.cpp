@@ -30,7 +30,8 @@ int doNothing() {
     return 0;
 }
 
-// Whatever a keep-alive raises is one more way to fail: no session may end the heartbeat of all.
+// An exception in a keep-alive is one more failure of that session; it must not end the heartbeat
+// of all.
 bool keepAlive(const SafePointer<SDKSession>& session) {
     try {
         return sendHeartBeat(session) == ErrorCode::Success;

@@ -20,8 +20,8 @@ constexpr int TCP = 2;
 // lock: one user at a time.
 //
 // Integer results are a code of `ErrorCode`, Success included. Whatever needs a socket gives
-// NoTransport, or false, while there is none; after `close` that is so for good. Time-outs are in
-// milliseconds, a negative one waits without limit.
+// NoTransport, or false, while there is none; after `close` there never is one again. Time-outs are
+// in milliseconds, a negative one waits without limit.
 class ITransfer {
 public:
     // The IP version is 1 for IPv4, 2 for IPv6.

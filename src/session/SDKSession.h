@@ -60,7 +60,7 @@ public:
     // something else, late answers above all, are thrown away, three at most.
     //
     // Else: NoTransport, EncodeFailed (also without memory for the command), what sending and
-    // receiving may come to, DecodeFailed, UnknownCommand (found out only when something was
+    // receiving can return, DecodeFailed, UnknownCommand (found out only when something was
     // answered), or BadReply for the wrong kind of reply, one without `EtResult`, and one message
     // too many that was not for this exchange. An empty pointer in `request` raises the error of an
     // empty pointer.

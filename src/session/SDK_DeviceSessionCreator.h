@@ -21,7 +21,7 @@ public:
     std::int32_t destroySession(long nHandle);
 
     // The two commands, for a connected session; both carry the enciphered credentials of its
-    // device info. CipherFailed, with nothing sent, or what the exchange came to; a login without
+    // device info. CipherFailed, with nothing sent, or the result of the exchange; a login without
     // a session number in its reply is a BadReply. NoTransport without a session.
     std::int32_t login(SafePointer<SDKSession>& session);
     std::int32_t logout(SafePointer<SDKSession>& session);

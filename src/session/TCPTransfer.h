@@ -10,7 +10,7 @@
 // Cuts commands out of the byte stream by their heads, which it has read by the parser given
 // through `setCommandHeadParser`; without one a receive gives ReceiveFailed.
 //
-// What a receive may come to:
+// What a receive can give:
 // - ReceiveTimedOut inside a head: the bytes are kept, the next receive goes on with them.
 // - HeadRefused: the head is kept, so every further receive gives the same.
 // - NoMemory: the announced payload is above 256 MiB, or there is no memory. Where the head was the

@@ -15,7 +15,7 @@ class InetAddr;
 //
 // - IPv4: four segments of one to three digits, then an optional port: `10.0.0.7`, `10.0.0.7:80`.
 //   Three-character segments end at 255, and at 254 in the last place, so that a broadcast address
-//   like `192.168.1.255` is none. Leading zeros are fine, and a colon counts as a digit.
+//   like `192.168.1.255` is not an address. Leading zeros are fine, and a colon counts as a digit.
 // - IPv6: up to eight pieces of at most four hexadecimal digits between colons, some of them empty,
 //   then an optional prefix length of at most 128: `fe80::1/64`. The empty text, `1234` and `/64`
 //   are addresses by it, and embedded IPv4 forms are not.

@@ -76,8 +76,7 @@ public:
 private:
     KXMutexHandle& validHandle(const char* pFile, int nLine) const;
 
-    // Owned. Null after the destructor, and atomic so that this last store is made although it
-    // looks like a dead one.
+    // Owned. Null after the destructor; atomic, or the compiler would drop that last store as dead.
     std::atomic<KXMutexHandle*> m_pHandle;
 };
 

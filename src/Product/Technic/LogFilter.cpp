@@ -15,7 +15,7 @@ constexpr std::size_t BufferSize = 2048;
 
 std::atomic<TraceSink> g_pTraceSink{nullptr};
 
-// Prints what printf would make of the text as a format, could it come without conversions.
+// Prints the text as printf prints a format without conversions: "%%" becomes "%".
 void printUnescaped(const char* pText) {
     std::string strOut;
     for (const char* pNext = pText; *pNext != '\0'; ++pNext) {

@@ -20,7 +20,7 @@ constexpr int Trace = 3;    // everything else
 // all. With file names, only lines of these source files, by their bare names. False, and nothing
 // changes, when there are more than 50 names. Callable from any thread.
 //
-//     setLogFilter(LogLevel::Failure);
+//     fleetkit::setLogFilter(fleetkit::LogLevel::Failure);
 FLEETKIT_EXPORT bool setLogFilter(int nThreshold,
                                   const std::vector<std::string>& vecFileNames = {});
 

@@ -21,7 +21,7 @@ enum ResolveFlag : unsigned {
 int resolve(const char* pszHost, std::uint16_t nPort, int nFamily, int nType, unsigned nFlags,
             Address& address) noexcept;
 
-// An IPv4 address text without any lookup; negative, with `errno` set, when it is none.
+// An IPv4 address text without any lookup; negative, with `errno` set, for any other text.
 int parseIPv4(const char* pszText, std::uint16_t nPort, Address& address) noexcept;
 
 // Address text and port of an address. Negative when it is no IP address or the text does not fit

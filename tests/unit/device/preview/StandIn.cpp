@@ -4,6 +4,10 @@
 #include <sstream>
 #include <thread>
 
+namespace NS_TARN_STRUCT {
+struct tagDeviceInfoEx;
+}
+
 #define EXPORTED extern "C" __attribute__((visibility("default")))
 
 // A function that does nothing but tell of its call, with these arguments of its.
@@ -44,7 +48,8 @@ EXPORTED void recordCallsWith(Recorder* pRecorder) {
     g_pRecorder = pRecorder;
 }
 
-EXPORTED int SDK_Login(Handle* pLogin, const void* pDevice, int nTimeoutMs) {
+EXPORTED int SDK_Login(Handle* pLogin, const NS_TARN_STRUCT::tagDeviceInfoEx* pDevice,
+                       int nTimeoutMs) {
     return made(pLogin, 21, told("SDK_Login", pDevice, nTimeoutMs));
 }
 TELLING(SDK_Logout, (Handle hLogin), hLogin)
