@@ -1,5 +1,5 @@
-// Safe pointers: counting, and the fixed text of every misuse.
-#include <gmock/gmock.h>
+// Safe pointers: counting, the fixed text of every misuse, and the table of their slots.
+#include <gtest/gtest.h>
 
 #include <atomic>
 #include <memory>
@@ -67,6 +67,22 @@ protected:
     std::atomic<int> m_nAlive{0};
 };
 
+// A table of its own, in which one object fills the slots.
+class SafePointerRegistryTest : public testing::Test {
+protected:
+    void fill(std::size_t nCount, const char* pTypeName) {
+        for (std::size_t nTaken = 0; nTaken < nCount; ++nTaken) {
+            m_vecSlots.push_back(m_registry.allocate(&m_nObject, pTypeName));
+        }
+    }
+    std::uint32_t nextIndex() { return m_registry.allocate(&m_nObject, "X")->getIndex(); }
+    void release(std::size_t nIndex) { m_registry.release(*m_vecSlots[nIndex], "X"); }
+
+    SafePointerRegistry m_registry;
+    std::vector<SafePointerSlot*> m_vecSlots;
+    int m_nObject = 0;
+};
+
 }  // namespace
 
 TEST_F(SafePointerTest, LastHolderDeletesTheObjectOnce) {
@@ -127,9 +143,9 @@ TEST_F(SafePointerTest, HolderOfAnotherObjectsSlotIsToldOnCopyAndAtItsEnd) {
         SafePointerSlot* const pSlot = RawHolder::slotOf(holder);
         Widget stale(m_nAlive);
         const auto copy = [&] { RawHolder(&stale, pSlot).copyAndForget(); };
-        const auto end = [&] { RawHolder(&stale, pSlot); };
         EXPECT_EQ(thrownText<KXRuntimeError>(copy), "not valid pointer in inc_reference ");
-        EXPECT_EQ(thrownText<KXRuntimeError>(end), "not valid pointer in dec_reference");
+        EXPECT_EQ(thrownText<KXRuntimeError>([&] { RawHolder(&stale, pSlot); }),
+                  "not valid pointer in dec_reference");
         holder = makeWidget();  // and now the slot has no object at all
         EXPECT_EQ(thrownText<KXRuntimeError>(copy), "not valid pointer in inc_reference ");
     });
@@ -137,25 +153,17 @@ TEST_F(SafePointerTest, HolderOfAnotherObjectsSlotIsToldOnCopyAndAtItsEnd) {
 }
 
 TEST_F(SafePointerTest, AFullTableFreesTheObjectThatItRefuses) {
-    struct Token : Widget {
-        using Widget::Widget;
-    };
-    const auto makeToken = [&] { return wrapSafe(std::make_unique<Token>(m_nAlive)); };
     outputOfChild([&] {
-        std::vector<SafePointer<Token>> vecHolders(20096);
-        for (SafePointer<Token>& holder : vecHolders) {
-            holder = makeToken();
+        std::vector<SafePointer<Widget>> vecHolders(20096);
+        for (SafePointer<Widget>& holder : vecHolders) {
+            holder = makeWidget();
         }
-        const auto pRaw = std::make_unique<Token>(m_nAlive);
-        EXPECT_THROW(SafePointer<Token>(pRaw.get()), KXRuntimeError);
+        const auto pRaw = std::make_unique<Widget>(m_nAlive);
+        EXPECT_THROW(SafePointer<Widget>(pRaw.get()), KXRuntimeError);
+        EXPECT_THROW(makeWidget(), KXRuntimeError);
         EXPECT_EQ(m_nAlive, 20097) << "a raw pointer stays with the caller";
-        EXPECT_THAT(thrownText<KXRuntimeError>(makeToken),
-                    testing::HasSubstr("(" + std::string(typeid(Token).name()) + ",20096)"));
-        EXPECT_EQ(m_nAlive, 20097);
         vecHolders.pop_back();
-        vecHolders.push_back(makeToken());
-        vecHolders.clear();
-        EXPECT_EQ(m_nAlive, 1);
+        EXPECT_FALSE(makeWidget().isNull());
     });
 }
 
@@ -184,4 +192,39 @@ TEST_F(SafePointerTest, HoldersInManyThreadsKeepOneCount) {
     }
     vecThreads.clear();
     EXPECT_EQ(m_nAlive, 1);
+}
+
+TEST_F(SafePointerRegistryTest, SecondReleaseIsToldWithTheObjectOfTheSlot) {
+    fill(1, "X");
+    release(0);
+    EXPECT_EQ(thrownText<KXRuntimeError>([&] { release(0); }), "double free poniter(0x00000000)");
+    EXPECT_EQ(nextIndex(), 0u);  // the registry was unlocked and is in order
+}
+
+TEST_F(SafePointerRegistryTest, SearchStartsAtTheGroupOfTheSlotReleasedLast) {
+    fill(128, "X");
+    for (const std::size_t nIndex : {100u, 33u, 40u, 5u, 45u}) {
+        release(nIndex);
+    }
+    // The group of the last from its lowest slot on, the groups behind it, then those before it.
+    for (const std::uint32_t nIndex : {33u, 40u, 45u, 100u, 5u}) {
+        EXPECT_EQ(nextIndex(), nIndex);
+    }
+    EXPECT_EQ(m_registry.getTableSize(), 128u);
+    EXPECT_EQ(nextIndex(), 128u);
+    EXPECT_EQ(m_registry.getTableSize(), 256u);
+}
+
+TEST_F(SafePointerRegistryTest, FullTableIsToldWithTheTypesAboveFifty) {
+    fill(51, "X");
+    release(0);  // and the next takes its slot
+    fill(51, "FiftyOne");
+    fill(1, nullptr);
+    fill(1, "");
+    fill(20097 - m_vecSlots.size(), "Many");
+    EXPECT_EQ(thrownText<KXRuntimeError>([&] { nextIndex(); }),
+              "too much safe poniter(NameMapSize=3)(PointerCount=20094)(FiftyOne,51)(Many,19993)");
+
+    m_registry.release(*m_vecSlots.back(), "not in the map");
+    EXPECT_EQ(nextIndex(), 20095u);
 }
