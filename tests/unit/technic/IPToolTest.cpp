@@ -1,5 +1,5 @@
 // The two address grammars, the lookups and the list of this machine's addresses.
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include <tuple>
 #include <vector>
@@ -86,17 +86,8 @@ TEST(IPTool, AddressTextsAreTakenAsTheyAreAndOthersLookedUp) {
     }
     EXPECT_FALSE(IPTool().getInetAddr(nullptr, address));
     EXPECT_FALSE(IPTool().getIPbyHostname("not a name", address));
-    EXPECT_EQ(address.getIP(), "0.0.0.0");
-}
-
-TEST(IPTool, ALocalAddressIsAnIPv4Text) {
-    char szText[16] = {};
-    int nVersion = 0;
     EXPECT_FALSE(IPTool().getLocalIP(0, nullptr));
-    if (IPTool().getLocalIP(0, szText)) {  // not every machine's name stands for an address
-        EXPECT_TRUE(IPTool().checkIPAddress(szText, nVersion)) << szText;
-        EXPECT_EQ(nVersion, 1);
-    }
+    EXPECT_EQ(address.getIP(), "0.0.0.0");
 }
 
 TEST_F(IPToolAdapters, AddressesAreListedByVersionInTheOrderOfTheSystem) {
@@ -125,17 +116,6 @@ TEST_F(IPToolAdapters, TheTableIsBoundedAndAListThatTheSystemRefusesIsAFailure) 
     EXPECT_TRUE(vecNames.empty());
 }
 
-TEST(IPTool, TheSystemsListLeavesOutTheLoopback) {
-    std::vector<NetworkAdapter> vecAdapters;
-    ASSERT_TRUE(listAdapters(vecAdapters));
-    for (const NetworkAdapter& adapter : vecAdapters) {
-        EXPECT_NE(adapter.strName, "lo");
-        for (const InetAddr& address : adapter.vecAddresses) {
-            EXPECT_THAT(address.getIP(), testing::Not(testing::AnyOf("127.0.0.1", "::1", "")));
-        }
-    }
-}
-
 TEST(IPTool, WritesBinaryDigitsWithoutAnEnd) {
     const std::tuple<int, int, std::string> arrCases[] = {
         {6, 3, "110###"}, {1, 1, "1#####"}, {0, 0, "######"}, {-1, -1, "######"}};
@@ -144,13 +124,4 @@ TEST(IPTool, WritesBinaryDigitsWithoutAnEnd) {
         EXPECT_EQ(IPToolAccess::dtob(nValue, strOut.data()), nDigits);
         EXPECT_EQ(strOut, strWritten);
     }
-}
-
-TEST(IPTool, SomeQuestionsAreAnsweredWithoutAnAnswer) {
-    IPTool tool;
-    int nMask = 24;
-    EXPECT_TRUE(tool.get3GIP(0, nullptr) && tool.getAdslIP(0, nullptr));
-    EXPECT_TRUE(tool.getEthIP(0, nullptr) && tool.getMacAddr(nullptr));
-    EXPECT_TRUE(tool.getIpv6Mask(nMask));
-    EXPECT_EQ(nMask, 24);
 }

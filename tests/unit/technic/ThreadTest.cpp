@@ -1,4 +1,5 @@
-// Threads and workers: start and stop, every way a worker ends, and what is written about it.
+// Threads and workers: start and stop, every way a worker ends, and what is written about it; the
+// function objects that they run.
 #include <gmock/gmock.h>
 #include <sched.h>
 #include <sys/mount.h>
@@ -14,6 +15,7 @@
 #include <vector>
 
 #include "Product/Technic/GThread.h"
+#include "Product/Technic/KXRuntimeError.h"
 #include "Product/Technic/KXThread.h"
 #include "Product/Technic/LogFilter.h"
 #include "Product/Technic/SystemRunning.h"
@@ -32,29 +34,30 @@ void waitUntil(const Condition& condition) {
     }
 }
 
-// The three steps of a worker.
+using Function = KX_FUNCTION::function<int>;
 using Step = std::function<int()>;
-struct Steps {
-    Step m_setup;
-    Step m_body;
-    Step m_teardown;
-};
 
-template <int Result>
-int answer() {
-    std::this_thread::yield();
-    return Result;
+Step answer(int nResult) {
+    return [nResult] {
+        std::this_thread::yield();
+        return nResult;
+    };
 }
-constexpr auto* Succeed = answer<0>;
 
 int fail() {
     throw std::runtime_error("broken");
 }
 
+struct Steps {
+    Step m_setup = answer(0);
+    Step m_body = answer(0);
+    Step m_teardown = answer(0);
+};
+
 // A worker that counts how often its steps are called.
 class Worker : public GThread {
 public:
-    explicit Worker(const Steps& steps = {Succeed, Succeed, Succeed})
+    explicit Worker(const Steps& steps = {})
         : GThread(counting(m_nRounds, steps.m_body), "Worker", counting(m_nSetups, steps.m_setup),
                   counting(m_nTeardowns, steps.m_teardown)) {}
     ~Worker() noexcept override { stop(); }
@@ -104,12 +107,10 @@ std::vector<std::string> g_vecTraces;
 
 TEST_F(WorkerTest, StopPollsForFiveSecondsAndThenWaitsForTheEnd) {
     std::atomic<bool> bGo{false};
-    Worker worker({Succeed,
-                   [&] {
-                       waitUntil([&] { return bGo.load(); });
-                       return 0;
-                   },
-                   Succeed});
+    Worker worker({.m_body = [&] {
+        waitUntil([&] { return bGo.load(); });
+        return 0;
+    }});
     KXThread& thread = worker;
     EXPECT_EQ(thread.stop(), -4);
     ASSERT_TRUE(worker.start());
@@ -131,7 +132,7 @@ TEST_F(WorkerTest, StopPollsForFiveSecondsAndThenWaitsForTheEnd) {
 }
 
 TEST_F(WorkerTest, EndsWhenItsBodyFailsAndTearsDownAtStop) {
-    Worker worker({Succeed, answer<-3>, Succeed});
+    Worker worker({.m_body = answer(-3)});
     g_vecTraces.clear();
     setTraceSink([](const std::string& strText) {
         g_vecTraces.push_back(std::regex_replace(strText, std::regex("Id=[0-9]+"), "Id=ID"));
@@ -174,11 +175,11 @@ TEST_F(WorkerTest, FailedStepsAreWrittenAndExceptionsEndEveryWorker) {
         std::string m_strLogged;
         std::string m_strException;  // what ends the system; empty when it goes on
     } arrCases[] = {
-        {{answer<9>, Succeed, Succeed}, false, true, "setup failed. result=9", ""},
-        {{Succeed, Succeed, answer<-4>}, true, false, "teardown failed,result=-4", ""},
-        {{fail, Succeed, Succeed}, false, true, "setup exception,massage[broken]", "setup"},
-        {{Succeed, fail, Succeed}, true, true, "running exception,message[broken]", "running"},
-        {{Succeed, Succeed, fail}, true, false, "teardown exception,massage[broken]", "teardown"},
+        {{.m_setup = answer(9)}, false, true, "setup failed. result=9", ""},
+        {{.m_teardown = answer(-4)}, true, false, "teardown failed,result=-4", ""},
+        {{.m_setup = fail}, false, true, "setup exception,massage[broken]", "setup"},
+        {{.m_body = fail}, true, true, "running exception,message[broken]", "running"},
+        {{.m_teardown = fail}, true, false, "teardown exception,massage[broken]", "teardown"},
     };
     for (const auto& testCase : arrCases) {
         SCOPED_TRACE(testCase.m_strLogged);
@@ -220,10 +221,32 @@ TEST_F(WorkerTest, DestroyedWhileRunningIsStoppedAndTold) {
         makeLogs();
         setLogFilter(3);
         {
-            GThread worker(Succeed, "Worker", Succeed, Succeed);
+            GThread worker(answer(0), "Worker", answer(0), answer(0));
             ASSERT_TRUE(worker.start());
         }
         EXPECT_EQ(logged("ThreadException.log"), "#,[ThreadException] force stop thread(#)\n");
     });
     EXPECT_THAT(strOutput, testing::MatchesRegex("force stop thread\\(Worker,[0-9]+\\)\n"));
+}
+
+TEST(KXFunction, CopiesShareOneCallableWhichGoesWithTheLast) {
+    const auto pToken = std::make_shared<int>(0);
+    {
+        const Function first([pToken, nCalls = 0]() mutable { return ++nCalls; });
+        {
+            const Function second = first;
+            EXPECT_EQ(first(), 1);
+            EXPECT_EQ(second(), 2);
+        }
+        EXPECT_EQ(pToken.use_count(), 2);
+    }
+    EXPECT_EQ(pToken.use_count(), 1);
+}
+
+TEST(KXFunction, EmptyFunctionCanBeNeitherCopiedNorCalled) {
+    const Function empty;
+    captureOutput([&] {
+        EXPECT_THROW(Function copy(empty), KXRuntimeError);
+        EXPECT_THROW(empty(), KXRuntimeError);
+    });
 }

@@ -1,4 +1,4 @@
-// The file log: line form, rotation, silence on failure, and the time texts in it.
+// The console log and the file log: what passes, the form of a line, rotation, silence on failure.
 #include <gtest/gtest.h>
 #include <stdlib.h>
 
@@ -28,10 +28,28 @@ std::string line(const std::string& strMessage) {
     return std::string(MomentText) + ",[Tag] " + strMessage + "\n";
 }
 
-class KXLoggerTest : public testing::Test {
+using Printed = std::pair<std::string, int>;
+
+// What a message prints, and the number that it returns.
+Printed print(int nLevel, const char* pFileName, const std::string& strText) {
+    Printed out;
+    out.first =
+        captureOutput([&] { out.second = logMessage(nLevel, pFileName, "%s", strText.c_str()); });
+    return out;
+}
+
+std::string g_strTraced;
+
+// Puts the process-wide filter back as it was at the start.
+class LogTest : public testing::Test {
 protected:
-    KXLoggerTest() { setenv("TZ", "TEST-2:30", 1); }
-    ~KXLoggerTest() override { unsetenv("TZ"); }
+    LogTest() { setenv("TZ", "TEST-2:30", 1); }
+    ~LogTest() override {
+        unsetenv("TZ");
+        setLogFilter(0);
+        LogFilter::instance().setEnabled(true);
+        setTraceSink(nullptr);
+    }
 
     ManualClock m_clock{0, Moment};
     ScopedClock m_scope{m_clock};
@@ -42,12 +60,50 @@ protected:
 
 }  // namespace
 
-TEST_F(KXLoggerTest, TimeStringHasTwoForms) {
-    EXPECT_EQ(timeString(1), "02/09/2024 05:34:05");
-    EXPECT_EQ(timeString(-7), MomentText);
+TEST_F(LogTest, PassesLevelsUpToTheThreshold) {
+    EXPECT_EQ(print(0, "A", "text"), Printed("text", 4));
+    EXPECT_EQ(print(1, "A", "text"), Printed("", 0));
+    setLogFilter(1);
+    EXPECT_EQ(print(1, "A", "text"), Printed("text", 4));
+    EXPECT_EQ(print(2, "A", "text"), Printed("", 0));
+    LogFilter::instance().setEnabled(false);
+    EXPECT_EQ(print(1, "A", "text"), Printed("", 0));
 }
 
-TEST_F(KXLoggerTest, LinesOfManyThreadsStayWhole) {
+TEST_F(LogTest, PrintsOnceForOneOfAtMostFiftyListedFiles) {
+    EXPECT_TRUE(setLogFilter(3, std::vector<std::string>(50, "Listed")));
+    EXPECT_FALSE(setLogFilter(0, std::vector<std::string>(51, "Other")));
+    EXPECT_EQ(print(3, "Listed", "yes"), Printed("yes", 3));
+    EXPECT_EQ(print(3, "listed", "no"), Printed("", 2));
+    EXPECT_EQ(print(3, nullptr, "no"), Printed("", 2));
+}
+
+TEST_F(LogTest, CutsLongTextsMakesOneOfTwoPercentSignsAndTellsTheFullLength) {
+    const std::pair<std::string, std::string> arrCases[] = {
+        {std::string(5000, 'x'), std::string(2047, 'x')},
+        {"50%% done", "50% done"},
+        {"%s%n%d", "%s%n%d"},
+        {"%%%", "%%"},
+        {"%%%%", "%%"},
+        {"end %", "end %"},
+    };
+    for (const auto& [strText, strPrinted] : arrCases) {
+        EXPECT_EQ(print(0, "A", strText), Printed(strPrinted, strText.size()));
+    }
+}
+
+TEST_F(LogTest, TraceGoesToItsSinkWithThePlaceAndPrintsNothing) {
+    g_strTraced.clear();
+    EXPECT_EQ(captureOutput([] {
+                  traceMessage("lost", "File", 1);
+                  setTraceSink([](const std::string& strText) { g_strTraced += strText; });
+                  traceMessage("text", "File", -12);
+              }),
+              "");
+    EXPECT_EQ(g_strTraced, "text in:File line:-12\n");
+}
+
+TEST_F(LogTest, LinesOfManyThreadsStayWhole) {
     m_logger.init(m_strPath, 1u << 20, 1);
     std::vector<std::jthread> vecThreads;
     for (int nThread = 0; nThread < 4; ++nThread) {
@@ -65,7 +121,7 @@ TEST_F(KXLoggerTest, LinesOfManyThreadsStayWhole) {
     EXPECT_EQ(readFile(m_strPath), strExpected);
 }
 
-TEST_F(KXLoggerTest, RotatesAtTheLimitAndNotBelow) {
+TEST_F(LogTest, RotatesAtTheLimitAndNotBelow) {
     for (const std::size_t nBytes : {10239u, 10240u, 10241u}) {
         const std::string strOld(nBytes, 'a');
         const bool bRotates = nBytes >= 10240;
@@ -77,7 +133,7 @@ TEST_F(KXLoggerTest, RotatesAtTheLimitAndNotBelow) {
     EXPECT_FALSE(std::filesystem::exists(m_strPath + ".2"));
 }
 
-TEST_F(KXLoggerTest, BackupsOfOneLoggerGoRoundByTheFileCount) {
+TEST_F(LogTest, BackupsOfOneLoggerGoRoundByTheFileCount) {
     const std::pair<std::uint32_t, std::string> arrCases[] = {{2, line("2")}, {0, ""}};
     for (const auto& [nFileCount, strSecondBackup] : arrCases) {
         const std::string strPath = m_dir.file(std::to_string(nFileCount));
@@ -93,20 +149,20 @@ TEST_F(KXLoggerTest, BackupsOfOneLoggerGoRoundByTheFileCount) {
     }
 }
 
-TEST_F(KXLoggerTest, MissingDirectoryLosesTheLineQuietly) {
+TEST_F(LogTest, MissingDirectoryLosesTheLineQuietly) {
     m_logger.init(m_dir.file("missing/log"), 10240, 1);
     EXPECT_EQ(captureOutput([&] { m_logger.log("Tag", "lost"); }), "");
     EXPECT_FALSE(std::filesystem::exists(m_dir.file("missing")));
 }
 
-TEST_F(KXLoggerTest, WithoutInitTheLineGoesToTheConsoleLog) {
+TEST_F(LogTest, WithoutInitTheLineGoesToTheConsole) {
     setLogFilter(3, {"KXLogger"});
     EXPECT_EQ(captureOutput([&] { m_logger.log("Tag", "text"); }),
               "Logger is not inition," + line("text"));
-    setLogFilter(0);
+    EXPECT_EQ(timeString(TimeFormat::MonthFirst), "02/09/2024 05:34:05");
 }
 
-TEST_F(KXLoggerTest, ModeWordsOpenAsToldOrAreRefused) {
+TEST_F(LogTest, ModeWordsOpenAsToldOrAreRefused) {
     constexpr int Refused = -1;
     // Mode words, and length and contents of a file that held "old", after writing "new".
     const std::tuple<std::vector<unsigned>, int, const char*> arrCases[] = {
