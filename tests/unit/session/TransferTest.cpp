@@ -1,10 +1,13 @@
-// Whole commands over streams and datagrams, against a peer that sends what the test says.
+// Whole commands over streams and datagrams, against a peer that sends what the test says, and the
+// way from login data to a connected transport.
 #include <gmock/gmock.h>
 
 #include "Product/Technic/ErrorCode.h"
 #include "Product/Technic/LogFilter.h"
 #include "protocol/CommandParserFactory.h"
 #include "session/TCPTransfer.h"
+#include "session/TransferConnector.h"
+#include "session/TransferFactoryMap.h"
 #include "session/UDPTransfer.h"
 #include "support/Addresses.h"
 #include "support/ScriptedPeer.h"
@@ -165,37 +168,90 @@ TEST_F(TCPTransferTest, WhatItCannotDoHasItsCode) {
     EXPECT_EQ(ErrorCode::BindFailed, idle.bind(addressOf("192.0.2.1"))) << "of no interface";
 }
 
-template <class Transfer>
-class AnyTransfer : public testing::Test {};
-using Transfers = testing::Types<TCPTransfer, UDPTransfer>;
-TYPED_TEST_SUITE(AnyTransfer, Transfers);
+TEST(Transfer, DoesNothingOnceItsSocketIsClosed) {
+    for (const int nKind : {TransferKind::TCP, TransferKind::UDP}) {
+        SCOPED_TRACE(nKind);
+        TransferConnector();
+        ITransferFactory* const pFactory = TransferFactoryMap::instance().find(nKind);
+        TransferConnector();
+        ASSERT_EQ(pFactory, TransferFactoryMap::instance().find(nKind)) << "registered once";
+        CommandBuffer buffer = bufferOf("x");
+        InetAddr address = addressOf("1.2.3.4");
+        std::int32_t nSize = 0;
+        const std::unique_ptr<ITransfer> pTransfer = pFactory->create(2);
+        ITransfer& transfer = *pTransfer;
+        ASSERT_EQ(ErrorCode::Success, transfer.create());
+        EXPECT_EQ(2, transfer.getIPProtoVer());
+        EXPECT_TRUE(transfer.setRecvBufferSize(8192) && transfer.setSendBufferSize(8192));
+        EXPECT_THAT((std::vector{transfer.close(), transfer.close()}), Each(ErrorCode::Success));
 
-TYPED_TEST(AnyTransfer, DoesNothingOnceItsSocketIsClosed) {
-    CommandBuffer buffer = bufferOf("x");
-    InetAddr address = addressOf("1.2.3.4");
-    std::int32_t nSize = 0;
-    TypeParam transfer(2);
-    ASSERT_EQ(ErrorCode::Success, transfer.create());
-    EXPECT_EQ(2, transfer.getIPProtoVer());
-    EXPECT_TRUE(transfer.setRecvBufferSize(8192) && transfer.setSendBufferSize(8192));
-    EXPECT_EQ(ErrorCode::Success, transfer.close());
-    EXPECT_EQ(ErrorCode::Success, transfer.close());
+        transfer.setCommandHeadParser(createCommandHeadParser(1));
+        EXPECT_EQ(nullptr, transfer.getSocket());
+        EXPECT_EQ(1, transfer.getIPProtoVer());
+        EXPECT_THAT((std::vector{transfer.sendCommand(buffer, address, LongMs),
+                                 transfer.recvCommand(buffer, LongMs, address),
+                                 transfer.connect(address, LongMs), transfer.connect(address),
+                                 transfer.bind(0), transfer.bind(address), transfer.setReuseAddr(1),
+                                 transfer.getPeerAddr(address)}),
+                    Each(ErrorCode::NoTransport));
+        EXPECT_EQ("", address.getIP());
+        EXPECT_THAT(
+            (std::vector{transfer.getLocalAddr(address), transfer.setRecvBufferSize(8192),
+                         transfer.setSendBufferSize(8192), transfer.getRecvBufferSize(&nSize),
+                         transfer.getSendBufferSize(&nSize), transfer.setNonBlocking(true),
+                         transfer.setNoDelay()}),
+            Each(false));
+    }
+}
 
-    transfer.setCommandHeadParser(createCommandHeadParser(1));
-    EXPECT_EQ(nullptr, transfer.getSocket());
-    EXPECT_EQ(1, transfer.getIPProtoVer());
-    EXPECT_THAT((std::vector{transfer.sendCommand(buffer, address, LongMs),
-                             transfer.recvCommand(buffer, LongMs, address),
-                             transfer.connect(address, LongMs), transfer.connect(address),
-                             transfer.bind(0), transfer.bind(address), transfer.setReuseAddr(1),
-                             transfer.getPeerAddr(address)}),
-                Each(ErrorCode::NoTransport));
-    EXPECT_EQ("", address.getIP());
-    EXPECT_THAT((std::vector{transfer.getLocalAddr(address), transfer.setRecvBufferSize(8192),
-                             transfer.setSendBufferSize(8192), transfer.getRecvBufferSize(&nSize),
-                             transfer.getSendBufferSize(&nSize), transfer.setNonBlocking(true),
-                             transfer.setNoDelay()}),
-                Each(false));
+// Makes nothing; tells when it is deleted.
+class EmptyFactory : public ITransferFactory {
+public:
+    explicit EmptyFactory(int& nDeleted) : m_nDeleted(nDeleted) {}
+    ~EmptyFactory() override { ++m_nDeleted; }
+    std::unique_ptr<ITransfer> create(int) override { return nullptr; }
+
+private:
+    int& m_nDeleted;
+};
+
+TEST(TransferConnector, NeedsAnAddressAndAFactoryThatARegistrarKeepsForItsLife) {
+    constexpr int Kind = 901;
+    TransferFactoryMap& map = TransferFactoryMap::instance();
+    int nDeleted = 0;
+    EmptyFactory replaced(nDeleted);
+    map.add(Kind, &replaced);
+    SafePointer<ITransfer> transfer;
+    const auto connect = [&](int nKind) {
+        DeviceInfoEx info;
+        info.setDeviceAddr(addressOf("not a name", 9));
+        return TransferConnector().connect(info, nKind, transfer, LongMs);
+    };
+    {
+        const TransferFactoryRegistrar registrar(Kind, std::make_unique<EmptyFactory>(nDeleted));
+        EXPECT_NE(&replaced, map.find(Kind));
+        EXPECT_EQ(ErrorCode::NoMemory, connect(Kind));
+        EXPECT_EQ(0, nDeleted);
+    }
+    EXPECT_EQ(1, nDeleted);
+    EXPECT_EQ(ErrorCode::NoTransferFactory, connect(Kind));
+    EXPECT_EQ(ErrorCode::ConnectFailed, connect(TransferKind::TCP));
+    EXPECT_TRUE(transfer.isNull());
+    map.remove(Kind);
+}
+
+TEST(TransferConnector, TheRouterIsDialledWhenItsMappingIsOn) {
+    const auto dialled = [](bool bMapping, const char* szRouter) {
+        DeviceInfoEx info;
+        info.setDeviceAddr(addressOf("10.0.0.7", 30001, 2));
+        info.setRouterMappingEnableFlag(bMapping);
+        info.setRouterAddr(szRouter);
+        info.setRouterMappingControlPort(40001);
+        return getDialAddr(info);
+    };
+    EXPECT_EQ(dialled(false, "10.9.9.9"), addressOf("10.0.0.7", 30001, 2));
+    EXPECT_EQ(dialled(true, "10.9.9.9"), addressOf("10.9.9.9", 40001, 2));
+    EXPECT_EQ(dialled(true, "not a name"), addressOf("", 40001, 2));
 }
 
 // Two datagram transports of the loopback.
@@ -258,6 +314,9 @@ TEST_F(UDPTransferTest, JoinsGroupsAndSucceedsWithoutEffectWhereDatagramsHaveNot
     EXPECT_TRUE(m_sender.setBroadcast(true));
     EXPECT_EQ(ErrorCode::Success, m_sender.sendCommand(bufferOf("x"), broadcast, LongMs));
     EXPECT_TRUE(m_receiver.joinGroup(group));
+    for (const char* pRefused : {"234.5.6.7", "127.0.0.1", "", "somewhere"}) {
+        EXPECT_FALSE(m_receiver.joinGroup(addressOf(pRefused))) << "joined, or none: " << pRefused;
+    }
     EXPECT_FALSE(m_receiver.openGroup(group)) << "bound already";
 
     UDPTransfer peer(1);
