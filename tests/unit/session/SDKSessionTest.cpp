@@ -1,16 +1,22 @@
-// One exchange: what counts as its reply, and what everything else comes to.
-#include <gtest/gtest.h>
+// One exchange: what counts as its reply, and what everything else comes to; login and logout.
+#include <gmock/gmock.h>
 
+#include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <future>
+#include <latch>
 #include <thread>
 
 #include "Product/Technic/ErrorCode.h"
 #include "Product/Technic/KXRuntimeError.h"
 #include "domain/EtResult.h"
 #include "domain/EtSessionId.h"
+#include "session/DeviceSessionManager.h"
+#include "session/SDK_DeviceSessionCreator.h"
 #include "session/SequenceNumber.h"
 #include "session/SessionCommands.h"
+#include "support/ChildProcess.h"
 #include "support/SampleRecords.h"
 #include "unit/session/ConnectedSession.h"
 
@@ -23,6 +29,10 @@ constexpr std::uint32_t TimeRead = 30508;
 constexpr std::uint32_t Acknowledged = 10000;
 constexpr std::uint32_t NoSuchCommand = 65000;
 constexpr std::uint32_t OperatePTZ = 14006;
+constexpr std::uint32_t Login = 11001;
+constexpr std::uint32_t LoggedIn = 11002;
+constexpr long Untouched = -99;
+constexpr int ReplyTimeoutMs = 5000;
 
 int exchange(const SafePointer<SDKSession>& session, std::uint32_t nCommandId = ReadTime) {
     return sendSet(session, nCommandId, ChannelId());
@@ -127,18 +137,21 @@ TEST(SDKSession, SurvivesWhatCannotBeSent) {
     EXPECT_THROW(session->sendRecv(ReadTime, Records(1), reply), KXRuntimeError);
     EXPECT_THROW(session->setTransfer(SafePointer<ITransfer>()), KXRuntimeError);
     EXPECT_EQ(exchange(session), 0);
+    for (const auto& none : {SafePointer<SDKSession>(), wrapSafe(std::make_unique<SDKSession>())}) {
+        EXPECT_EQ(exchange(none), ErrorCode::NoTransport);
+    }
 }
 
 // Takes up every safe pointer that there is but so many.
 std::vector<SafePointer<int>> takePointersBut(std::size_t nLeft) {
     std::vector<SafePointer<int>> vecTaken;
-    try {
+    const auto takeAll = [&] {
         for (;;) {
             vecTaken.push_back(wrapSafe(std::make_unique<int>()));
         }
-    } catch (const KXRuntimeError&) {
-        vecTaken.resize(vecTaken.size() - nLeft);
-    }
+    };
+    EXPECT_THROW(takeAll(), KXRuntimeError);
+    vecTaken.resize(vecTaken.size() - nLeft);
     return vecTaken;
 }
 
@@ -162,41 +175,20 @@ TEST(SDKSession, NoRoomForSafePointersIsACodeOnEveryStepOfAnExchange) {
     }
 }
 
-TEST(SDKSession, EveryEndOfTheConnectionHasItsCode) {
-    EXPECT_EQ(exchange(SafePointer<SDKSession>()), ErrorCode::NoTransport);
-    EXPECT_EQ(exchange(wrapSafe(std::make_unique<SDKSession>())), ErrorCode::NoTransport);
-
-    ScriptedPeer peer([](PeerLink& link) {
-        PeerRequest request;
-        link.read(request);
-        link.close();
-    });
-    const auto session = connectTo(peer);
-    EXPECT_EQ(exchange(session), ErrorCode::ReceiveFailed);
-    session->close();
-    session->close();
-    EXPECT_EQ(exchange(session), ErrorCode::NoTransport);
-}
-
 TEST(SDKSession, CallersOfOneSessionTakeTurns) {
     std::atomic<int> nOverlaps{0};
     ScriptedPeer peer([&](PeerLink& link) {
         answerEach([&](const PeerRequest& request) {
             nOverlaps += link.hasMore() ? 1 : 0;
-            std::string strBody = request.m_strBody;
-            strBody.insert(strBody.find("<ChannelId"), "<Result Code=\"0\" />");
-            return bytesOf({strBody}, request);
+            return bytesOf({}, request);
         })(link);
     });
     const auto session = connectTo(peer);
     std::vector<std::jthread> vecCallers;
-    for (const int nFirst : {1000, 2000, 3000, 4000}) {
-        vecCallers.emplace_back([&, nFirst] {
-            for (int nId = nFirst; nId < nFirst + 50; ++nId) {
-                ChannelId answered;
-                const ChannelId asked = with(&ChannelId::setId, nId);
-                ASSERT_EQ(sendGet(session, ReadTime, answered, asked), 0);
-                ASSERT_EQ(answered.getId(), nId);
+    for (int nCaller = 0; nCaller < 4; ++nCaller) {
+        vecCallers.emplace_back([&] {
+            for (int nCall = 0; nCall < 50; ++nCall) {
+                ASSERT_EQ(exchange(session), 0);
             }
         });
     }
@@ -224,7 +216,9 @@ TEST(SDKSession, CloseWaitsForTheExchangeUnderWay) {
 TEST(SequenceNumber, ThreadsTogetherTakeEachNumberOnceARound) {
     std::vector<std::atomic<int>> vecTaken(65536);
     const std::uint16_t nBefore = nextSequence();
+    std::latch start(2);
     const auto take = [&] {
+        start.arrive_and_wait();
         for (int nTake = 0; nTake < 32768; ++nTake) {
             ++vecTaken[nextSequence()];
         }
@@ -232,10 +226,117 @@ TEST(SequenceNumber, ThreadsTogetherTakeEachNumberOnceARound) {
     std::jthread other(take);
     take();
     other.join();
-    for (const std::atomic<int>& nTaken : vecTaken) {
-        ASSERT_EQ(nTaken, 1);
-    }
+    EXPECT_TRUE(std::ranges::all_of(vecTaken, [](int nTaken) { return nTaken == 1; }));
     EXPECT_EQ(nextSequence(), static_cast<std::uint16_t>(nBefore + 1));
+}
+
+// The table of the process and its heartbeat come into being with the first login, so each test of
+// logins has a process of its own.
+std::string loggedIn(const PeerRequest& request) {
+    return peerAnswer(request, LoggedIn, peerResult(0, "<SessionId SessionId=\"-5\" />"));
+}
+
+// Lets everybody in, as session -5, and writes down what was asked: command, session, record.
+ScriptedPeer::Script welcoming(std::vector<std::string>& vecAsked) {
+    return answerEach([&](const PeerRequest& request) {
+        const SDKCommandHeadInfo& head = request.m_head;
+        const std::string strUser = request.m_strBody.substr(request.m_strBody.find("<UserParam"));
+        vecAsked.push_back(std::to_string(head.getCommandID()) + " " +
+                           std::to_string(head.getSessionId()) + " " +
+                           strUser.substr(0, strUser.find('\n')));
+        return head.getCommandID() == Login ? loggedIn(request)
+                                            : peerAnswer(request, Acknowledged, peerResult(0));
+    });
+}
+
+TEST(SDK_DeviceSessionCreator, LogsInAndOutWithEncipheredCredentials) {
+    outputOfChild([] {
+        std::vector<std::string> vecAsked;
+        SafePointer<SDKSession> session;
+        SDK_DeviceSessionCreator creator;
+        EXPECT_EQ(creator.login(session), ErrorCode::NoTransport);
+        EXPECT_EQ(creator.logout(session), ErrorCode::NoTransport);
+        {
+            ScriptedPeer peer(welcoming(vecAsked));
+            const DeviceInfoEx admin = peer.getDeviceInfo();
+            DeviceInfoEx nobody;
+            nobody.setDeviceAddr(admin.getDeviceAddr());
+            // Handles are never used again.
+            for (const auto& [nExpected, info] : {std::pair{1L, admin}, {2L, nobody}}) {
+                long nHandle = Untouched;
+                ASSERT_EQ(creator.createSession(info, ReplyTimeoutMs, nHandle), 0);
+                EXPECT_EQ(nHandle, nExpected);
+                ASSERT_TRUE(DeviceSessionManager::instance().findSession(nHandle, session));
+                EXPECT_EQ(session->getSessionId(), 0xFFFFFFFBu);
+                EXPECT_EQ(creator.destroySession(nHandle), 0);
+                EXPECT_EQ(session->getSessionId(), 0u);
+                EXPECT_EQ(creator.login(session), ErrorCode::NoTransport) << "closed";
+                EXPECT_EQ(creator.destroySession(nHandle), ErrorCode::UnknownHandle);
+            }
+        }
+        const std::string strAdmin = "<UserParam UserName=\"" + enciphered("admin") +
+                                     "\" Password=\"" + enciphered("secret") + "\" Desc=\"\" />";
+        const std::string strNobody = "<UserParam UserName=\"\" Password=\"\" Desc=\"\" />";
+        EXPECT_THAT(vecAsked,
+                    testing::ElementsAre("11001 0 " + strAdmin, "11003 4294967291 " + strAdmin,
+                                         "11001 0 " + strNobody, "11003 4294967291 " + strNobody));
+    });
+}
+
+TEST(SDK_DeviceSessionCreator, FailedLoginClosesTheConnectionAndLeavesTheHandle) {
+    const std::string strSession = "<SessionId SessionId=\"1\" />";
+    const struct {
+        int nCode;
+        std::string strBody;
+        std::uint32_t nSessionInHead;
+    } arrCases[] = {
+        {9, peerResult(9, strSession), 0},
+        {ErrorCode::BadReply, peerResult(0), 0},
+        // The number travels in the body; a head that has it already answers another session.
+        {ErrorCode::ReceiveTimedOut, peerResult(0, strSession), 1},
+    };
+    outputOfChild([&] {
+        for (const auto& testCase : arrCases) {
+            SCOPED_TRACE(testCase.nCode);
+            std::promise<void> closed;
+            ScriptedPeer peer([&](PeerLink& link) {
+                answerEach([&](PeerRequest request) {
+                    request.m_head.setSessionId(testCase.nSessionInHead);
+                    return peerAnswer(request, LoggedIn, testCase.strBody);
+                })(link);
+                closed.set_value();
+            });
+            const int nTimeoutMs =
+                testCase.nCode == ErrorCode::ReceiveTimedOut ? SilenceMs : ReplyTimeoutMs;
+            long nHandle = Untouched;
+            EXPECT_EQ(
+                SDK_DeviceSessionCreator().createSession(peer.getDeviceInfo(), nTimeoutMs, nHandle),
+                testCase.nCode);
+            EXPECT_EQ(closed.get_future().wait_for(std::chrono::seconds(30)),
+                      std::future_status::ready);
+            EXPECT_EQ(nHandle, Untouched);
+        }
+        const DeviceInfoEx gone = ScriptedPeer([](PeerLink&) {}).getDeviceInfo();
+        long nHandle = Untouched;
+        EXPECT_EQ(SDK_DeviceSessionCreator().createSession(gone, ReplyTimeoutMs, nHandle),
+                  ErrorCode::ConnectFailed);
+    });
+}
+
+TEST(SDK_DeviceSessionCreator, LogoutOfADeadConnectionSucceeds) {
+    outputOfChild([] {
+        ScriptedPeer peer([](PeerLink& link) {
+            PeerRequest request;
+            link.read(request);
+            link.send(loggedIn(request));
+            link.read(request);
+            link.close();
+        });
+        SDK_DeviceSessionCreator creator;
+        long nHandle = Untouched;
+        ASSERT_EQ(creator.createSession(peer.getDeviceInfo(), ReplyTimeoutMs, nHandle), 0);
+        EXPECT_EQ(creator.destroySession(nHandle), 0);
+    });
 }
 
 }  // namespace
