@@ -1,13 +1,13 @@
 // The checked mutex: its codes, its one failure text, and what re-entrant means.
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <cinttypes>
-#include <cstddef>
 #include <cstdio>
-#include <new>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "Product/Technic/KXMutex.h"
 #include "Product/Technic/platform/Clock.h"
@@ -34,13 +34,12 @@ protected:
         char szText[256];
         std::snprintf(szText, sizeof szText,
                       "Mutex(0x%" PRIxPTR ") not initialized(Key=0),lock at line %d of %s ",
-                      reinterpret_cast<std::uintptr_t>(m_pMutex), nLine, pFile);
+                      reinterpret_cast<std::uintptr_t>(&m_mutex), nLine, pFile);
         EXPECT_EQ(thrownText<std::runtime_error>(action), szText);
     }
 
-    alignas(KXMutex) std::byte m_storage[sizeof(KXMutex)];
-    KXMutex* const m_pMutex = new (m_storage) KXMutex;
-    KXMutex& m_mutex = *m_pMutex;
+    std::optional<KXMutex> m_storage{std::in_place};
+    KXMutex& m_mutex = *m_storage;
 };
 
 }  // namespace
@@ -52,11 +51,8 @@ TEST(KXMutexHandle, TellsByItsKeyWhetherItIsAlive) {
     EXPECT_EQ(handle.lock(), 0);
     handle.destroy();  // while it is held
     EXPECT_EQ(handle.getKey(), 0u);
-    EXPECT_EQ(handle.lock(), -2);
-    EXPECT_EQ(handle.unlock(), -2);
-    EXPECT_EQ(handle.init(), 0);
-    EXPECT_EQ(handle.lock(), 0);
-    EXPECT_EQ(handle.unlock(), 0);
+    EXPECT_THAT((std::vector{handle.lock(), handle.unlock()}), testing::Each(-2));
+    EXPECT_THAT((std::vector{handle.init(), handle.lock(), handle.unlock()}), testing::Each(0));
 }
 
 TEST_F(KXMutexTest, UseIsToldWithThePlaceOfTheCall) {
@@ -74,7 +70,7 @@ TEST_F(KXMutexTest, UseIsToldWithThePlaceOfTheCall) {
     const std::string strLong(1000, 'n');  // cut to the buffer of the text
     expectFailure(1, strLong.c_str(), [&] { rawLock(m_mutex, strLong.c_str(), 1); });
     // As a static object that is older than the library's finds them when the process ends.
-    m_pMutex->~KXMutex();
+    m_storage.reset();
     expectFailure(14, "Late.cpp", [&] { rawLock(m_mutex, "Late.cpp", 14); });
     expectFailure(15, "Late.cpp", [&] { rawUnlock(m_mutex, "Late.cpp", 15); });
 }

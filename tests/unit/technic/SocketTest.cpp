@@ -148,11 +148,7 @@ TEST(Socket, WithoutAHandleEverythingFailsAtOnce) {
     Socket socket(1, Socket::Datagram);
     InetAddr address;
     std::int32_t nValue = 0;
-    ASSERT_TRUE(socket.open());
-    const int nFirst = socket.getHandle();
-    ASSERT_TRUE(socket.open());
-    EXPECT_EQ(socket.getHandle(), nFirst) << "the handle of before was given back";
-    EXPECT_TRUE(socket.close() && socket.close());
+    EXPECT_TRUE(socket.open() && socket.close() && socket.close());
     EXPECT_THAT(
         (std::vector{socket.getHandle(), socket.waitRead(-1), socket.waitWrite(-1),
                      socket.recv(&nValue, 1), socket.recv(&nValue, 1, -1, false),
@@ -214,19 +210,6 @@ TEST(Socket, AStreamRemembersItsFirstFailureUntilItIsOpenedAgain) {
             Each(!bRemembered));
         EXPECT_TRUE(socket.open() && socket.bind(Loopback) && socket.listen(1));
     }
-}
-
-TEST(Socket, AShutSocketRefusesTimedTransfers) {
-    struct ShutSocket : BoundSocket {
-        ShutSocket() : BoundSocket(1, Datagram) { m_nShut = 1; }
-    } shut;
-    char cByte = 0;
-    ASSERT_TRUE(shut.connect(shut.m_own));
-    EXPECT_EQ(shut.send("x", 1, LongMs), -1);
-    EXPECT_EQ(shut.send("x", 1, false), 1);
-    EXPECT_EQ(shut.waitRead(LongMs), 0);
-    EXPECT_EQ(shut.recv(&cByte, 1, LongMs, false), -1);
-    EXPECT_EQ(shut.recv(&cByte, 1), 1);
 }
 
 TEST(Socket, ConnectEndsWithItsTimeOutWhenNobodyAnswers) {

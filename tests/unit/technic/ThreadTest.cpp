@@ -1,5 +1,4 @@
-// Threads and workers: start and stop, every way a worker ends, and what is written about it; the
-// function objects that they run.
+// Threads and workers: start and stop, every way a worker ends, and what is written about it.
 #include <gmock/gmock.h>
 #include <sched.h>
 #include <sys/mount.h>
@@ -15,7 +14,6 @@
 #include <vector>
 
 #include "Product/Technic/GThread.h"
-#include "Product/Technic/KXRuntimeError.h"
 #include "Product/Technic/KXThread.h"
 #include "Product/Technic/LogFilter.h"
 #include "Product/Technic/SystemRunning.h"
@@ -227,26 +225,4 @@ TEST_F(WorkerTest, DestroyedWhileRunningIsStoppedAndTold) {
         EXPECT_EQ(logged("ThreadException.log"), "#,[ThreadException] force stop thread(#)\n");
     });
     EXPECT_THAT(strOutput, testing::MatchesRegex("force stop thread\\(Worker,[0-9]+\\)\n"));
-}
-
-TEST(KXFunction, CopiesShareOneCallableWhichGoesWithTheLast) {
-    const auto pToken = std::make_shared<int>(0);
-    {
-        const Function first([pToken, nCalls = 0]() mutable { return ++nCalls; });
-        {
-            const Function second = first;
-            EXPECT_EQ(first(), 1);
-            EXPECT_EQ(second(), 2);
-        }
-        EXPECT_EQ(pToken.use_count(), 2);
-    }
-    EXPECT_EQ(pToken.use_count(), 1);
-}
-
-TEST(KXFunction, EmptyFunctionCanBeNeitherCopiedNorCalled) {
-    const Function empty;
-    captureOutput([&] {
-        EXPECT_THROW(Function copy(empty), KXRuntimeError);
-        EXPECT_THROW(empty(), KXRuntimeError);
-    });
 }
