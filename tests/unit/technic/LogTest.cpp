@@ -121,31 +121,26 @@ TEST_F(LogTest, LinesOfManyThreadsStayWhole) {
     EXPECT_EQ(readFile(m_strPath), strExpected);
 }
 
-TEST_F(LogTest, RotatesAtTheLimitAndNotBelow) {
-    for (const std::size_t nBytes : {10239u, 10240u, 10241u}) {
-        const std::string strOld(nBytes, 'a');
-        const bool bRotates = nBytes >= 10240;
-        std::ofstream(m_strPath) << strOld;
-        logToFile(m_strPath, "Tag", "new", 10240, 2);
-        EXPECT_EQ(readFile(m_strPath), (bRotates ? "" : strOld) + line("new"));
-        EXPECT_EQ(readFile(m_strPath + ".1"), bRotates ? strOld : "");
-    }
-    EXPECT_FALSE(std::filesystem::exists(m_strPath + ".2"));
-}
-
-TEST_F(LogTest, BackupsOfOneLoggerGoRoundByTheFileCount) {
-    const std::pair<std::uint32_t, std::string> arrCases[] = {{2, line("2")}, {0, ""}};
-    for (const auto& [nFileCount, strSecondBackup] : arrCases) {
-        const std::string strPath = m_dir.file(std::to_string(nFileCount));
+TEST_F(LogTest, RotatesAtTheLimitThroughAsManyBackupsAsThereMayBe) {
+    using Files = std::vector<std::string>;  // the log and its backups
+    const std::size_t nLine = line("1").size();
+    const std::tuple<std::size_t, std::uint32_t, Files> arrCases[] = {
+        {nLine, 2, {line("4"), line("3"), line("2"), ""}},
+        {nLine, 0, {line("4"), line("3"), "", ""}},
+        {nLine + 1, 2, {line("3") + line("4"), line("1") + line("2"), "", ""}},
+    };
+    for (const auto& [nSizeLimit, nFileCount, vecExpected] : arrCases) {
+        const TempDir dir;
         KXLogger logger;
-        logger.init(strPath, 1, nFileCount);  // every line is a file of its own
+        logger.init(dir.file("log"), static_cast<std::uint32_t>(nSizeLimit), nFileCount);
         for (const char* pMessage : {"1", "2", "3", "4"}) {
             logger.log("Tag", pMessage);
         }
-        EXPECT_EQ(readFile(strPath), line("4"));
-        EXPECT_EQ(readFile(strPath + ".1"), line("3"));
-        EXPECT_EQ(readFile(strPath + ".2"), strSecondBackup);
-        EXPECT_FALSE(std::filesystem::exists(strPath + ".3"));
+        Files vecFiles;
+        for (const char* pName : {"log", "log.1", "log.2", "log.3"}) {
+            vecFiles.push_back(readFile(dir.file(pName)));
+        }
+        EXPECT_EQ(vecFiles, vecExpected);
     }
 }
 

@@ -148,7 +148,11 @@ TEST(Socket, WithoutAHandleEverythingFailsAtOnce) {
     Socket socket(1, Socket::Datagram);
     InetAddr address;
     std::int32_t nValue = 0;
-    EXPECT_TRUE(socket.open() && socket.close() && socket.close());
+    ASSERT_TRUE(socket.open());
+    const int nFirst = socket.getHandle();
+    ASSERT_TRUE(socket.open());
+    EXPECT_EQ(socket.getHandle(), nFirst) << "the handle of before was given back";
+    EXPECT_TRUE(socket.close() && socket.close());
     EXPECT_THAT(
         (std::vector{socket.getHandle(), socket.waitRead(-1), socket.waitWrite(-1),
                      socket.recv(&nValue, 1), socket.recv(&nValue, 1, -1, false),
@@ -267,14 +271,10 @@ TEST(Socket, DatagramsGoWholeOrInPieces) {
             EXPECT_EQ(from, sender.m_own);
         }
     }
-    char cByte = 0;
     EXPECT_EQ(sender.sendTo("abc", -3, to), -1);
-    EXPECT_EQ(sender.sendTo(std::vector<char>(70000).data(), 70000, to), -1);
+    EXPECT_EQ(sender.sendTo("abc", 3, to, 0), -1);
     EXPECT_EQ(sender.sendTo("x", 1, "no.such.name", 9), -1);
     EXPECT_EQ(sender.sendTo("x", 1, std::as_const(to)), 1) << "failures are forgotten";
-    EXPECT_EQ(receiver.recvFrom(&cByte, 1, from, LongMs), 1);
-    EXPECT_EQ(receiver.recvFrom(&cByte, 1, from, 0), -2);
-    EXPECT_EQ(sender.sendTo("abc", 3, to, 0), -1);
 }
 
 TEST_F(ConnectionTest, SignalsNeitherEndNorProlongAWait) {
