@@ -31,7 +31,7 @@ constexpr std::uint32_t OperatePTZ = 14006;
 constexpr std::uint32_t Login = 11001;
 constexpr std::uint32_t LoggedIn = 11002;
 constexpr long Untouched = -99;
-constexpr int ReplyTimeoutMs = 5000;
+constexpr int ReplyTimeoutMs = SDKSession::DefaultReplyTimeoutMs;
 
 int exchange(const SafePointer<SDKSession>& session, std::uint32_t nCommandId = ReadTime) {
     return sendSet(session, nCommandId, ChannelId());
@@ -123,7 +123,7 @@ TEST(SDKSession, ThrowsLateAnswersAwayAndTellsAnUnknownCommandOnlyAfterAnAnswer)
         const auto session = connectTo(peer);
         session->setReplyTimeout(SilenceMs);
         EXPECT_EQ(exchange(session, nCommandId), ErrorCode::ReceiveTimedOut);
-        session->setReplyTimeout(SDKSession::DefaultReplyTimeoutMs);
+        session->setReplyTimeout(ReplyTimeoutMs);
         EXPECT_EQ(exchange(session, nCommandId), nCode);
     }
 }
