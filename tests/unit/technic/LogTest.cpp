@@ -3,7 +3,6 @@
 #include <stdlib.h>
 
 #include <filesystem>
-#include <fstream>
 #include <string>
 #include <thread>
 #include <tuple>
@@ -155,23 +154,4 @@ TEST_F(LogTest, WithoutInitTheLineGoesToTheConsole) {
     EXPECT_EQ(captureOutput([&] { m_logger.log("Tag", "text"); }),
               "Logger is not inition," + line("text"));
     EXPECT_EQ(timeString(TimeFormat::MonthFirst), "02/09/2024 05:34:05");
-}
-
-TEST_F(LogTest, ModeWordsOpenAsToldOrAreRefused) {
-    const std::tuple<bool, std::vector<unsigned>, std::string> arrCases[] = {
-        {true, {0x01}, "old"},
-        {true, {0x02, 0x22, 0x24}, "oldnew"},
-        {true, {0x42, 0x04, 0x64}, "new"},
-        {false, {0x03, 0x05, 0x06, 0x07, 0x20}, "old"},
-    };
-    for (const auto& [bOpens, vecModes, strContents] : arrCases) {
-        for (const unsigned nMode : vecModes) {
-            std::ofstream(m_strPath) << "old";
-            LogFile file;
-            EXPECT_EQ(file.open(m_strPath, nMode), bOpens) << nMode;
-            EXPECT_EQ(file.write("new"), strContents.ends_with("new") ? 3 : 0) << nMode;
-            file.close();
-            EXPECT_EQ(readFile(m_strPath), strContents) << nMode;
-        }
-    }
 }
