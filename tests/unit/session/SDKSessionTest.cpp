@@ -228,12 +228,6 @@ TEST(SequenceNumber, ThreadsTogetherTakeEachNumberOnceARound) {
     EXPECT_EQ(nextSequence(), static_cast<std::uint16_t>(nBefore + 1));
 }
 
-// The table of the process and its heartbeat come into being with the first login, so each test of
-// logins has a process of its own.
-std::string loggedIn(const PeerRequest& request) {
-    return peerAnswer(request, LoggedIn, peerResult(0, "<SessionId SessionId=\"-5\" />"));
-}
-
 // Lets everybody in, as session -5, and writes down what was asked: command, session, record.
 ScriptedPeer::Script welcoming(std::vector<std::string>& vecAsked) {
     return answerEach([&](const PeerRequest& request) {
@@ -242,11 +236,14 @@ ScriptedPeer::Script welcoming(std::vector<std::string>& vecAsked) {
         vecAsked.push_back(std::to_string(head.getCommandID()) + " " +
                            std::to_string(head.getSessionId()) + " " +
                            strUser.substr(0, strUser.find('\n')));
-        return head.getCommandID() == Login ? loggedIn(request)
-                                            : peerAnswer(request, Acknowledged, peerResult(0));
+        return head.getCommandID() == Login
+                   ? peerAnswer(request, LoggedIn, peerResult(0, "<SessionId SessionId=\"-5\" />"))
+                   : peerAnswer(request, Acknowledged, peerResult(0));
     });
 }
 
+// The table of the process and its heartbeat come into being with the first login, so each test of
+// logins has a process of its own.
 TEST(SDK_DeviceSessionCreator, LogsInAndOutWithEncipheredCredentials) {
     outputOfChild([] {
         std::vector<std::string> vecAsked;
