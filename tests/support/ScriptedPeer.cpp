@@ -11,7 +11,7 @@
 #include <stdexcept>
 #include <utility>
 
-#include "support/Addresses.h"
+#include "support/LoginData.h"
 #include "support/WireBytes.h"
 
 std::string peerMessage(SDKCommandHeadInfo head, const std::string& strBody,
@@ -97,11 +97,7 @@ ScriptedPeer::~ScriptedPeer() {
 }
 
 DeviceInfoEx ScriptedPeer::getDeviceInfo() const {
-    DeviceInfoEx info;
-    info.setDeviceAddr(addressOf(Loopback, m_nPort));
-    info.setUserID("admin");
-    info.setPassword("secret");
-    return info;
+    return loginData(m_nPort, "secret");
 }
 
 bool ScriptedPeer::open(int nSocket) {
