@@ -21,8 +21,8 @@ inline std::string bodyOf(int nCode, Records records) {
     return bodyOf(records);
 }
 
-// Answers every request with the body of the moment, under the id that the catalogue expects; with
-// an empty one it hangs up. Logins, logouts and keep-alives are let through and not written down.
+// Answers every request with the body of the moment, under the id that the catalogue expects.
+// Logins and keep-alives are let through and not written down.
 class LoggedInDevice {
 public:
     LoggedInDevice() {
@@ -31,7 +31,6 @@ public:
     }
 
     const long& handle() const { return m_hSession; }
-    const ScriptedPeer& peer() const { return m_peer; }
 
     void answerWith(const std::string& strBody) {
         const std::lock_guard guard(m_mutex);
@@ -44,34 +43,21 @@ public:
     }
 
 private:
-    void serve(PeerLink& link) {
-        PeerRequest request;
-        while (link.read(request)) {
-            const std::string strBody = bodyFor(request);
-            if (strBody.empty()) {
-                return link.close();
-            }
-            const std::uint32_t nReply =
-                fleetkit::findCommand(request.m_head.getCommandID())->nResponseId;
-            link.send(peerAnswer(request, nReply, strBody));
-        }
-    }
-
-    std::string bodyFor(const PeerRequest& request) {
+    std::string answerTo(const PeerRequest& request) {
         using namespace fleetkit;
         const std::uint32_t nCommand = request.m_head.getCommandID();
-        if (nCommand == CommandId::Login || nCommand == CommandId::Logout ||
-            nCommand == CommandId::keepAlive) {
-            return peerResult(0, "<SessionId SessionId=\"77\" />");
+        std::string strBody = peerResult(0, "<SessionId SessionId=\"77\" />");
+        if (nCommand != CommandId::Login && nCommand != CommandId::keepAlive) {
+            const std::lock_guard guard(m_mutex);
+            m_vecRequests.push_back(request);
+            strBody = m_strBody;
         }
-        const std::lock_guard guard(m_mutex);
-        m_vecRequests.push_back(request);
-        return m_strBody;
+        return peerAnswer(request, findCommand(nCommand)->nResponseId, strBody);
     }
 
     std::mutex m_mutex;
     std::string m_strBody = peerResult(0);
     std::vector<PeerRequest> m_vecRequests;
-    ScriptedPeer m_peer{[this](PeerLink& link) { serve(link); }};
+    ScriptedPeer m_peer{answerEach([this](const auto& request) { return answerTo(request); })};
     long m_hSession = 0;
 };
