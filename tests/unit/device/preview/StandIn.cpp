@@ -1,5 +1,5 @@
 // Stands in for both closed libraries of live preview and tells the test of each call. Handles: 21
-// for the login, 41 for the video, 31 for the player.
+// for the login, 41 for the video, 31 for the player. A device and a frame are an int here.
 #include <cstdint>
 #include <sstream>
 #include <thread>
@@ -16,24 +16,24 @@ struct tagDeviceInfoEx;
         return told(#Function __VA_OPT__(, ) __VA_ARGS__); \
     }
 
+// The test's own: takes "Function argument argument" and gives what the function is to give.
+extern "C" int previewCalled(const char* szCall);
+
 namespace {
 
 using Handle = std::uint32_t;
-using Recorder = int(const char* szCall);
 using FrameCallback = int(Handle, void*, void*);
 using DecodeCallback = int(Handle, void*, int, void*, void*);
 
-Recorder* g_pRecorder = nullptr;
 FrameCallback* g_pFrames = nullptr;
 void* g_pUser = nullptr;
 
-// Hands over "Function argument argument" and gives what the test wants as the result.
 template <class... Argument>
 int told(const char* szFunction, const Argument&... argument) {
     std::ostringstream call;
     call << szFunction;
     ((call << ' ' << argument), ...);
-    return g_pRecorder(call.str().c_str());
+    return previewCalled(call.str().c_str());
 }
 
 // The same for a function that makes a handle, when it succeeds.
@@ -44,13 +44,9 @@ int made(Handle* pMade, Handle hNew, int nResult) {
 
 }  // namespace
 
-EXPORTED void recordCallsWith(Recorder* pRecorder) {
-    g_pRecorder = pRecorder;
-}
-
 EXPORTED int SDK_Login(Handle* pLogin, const NS_TARN_STRUCT::tagDeviceInfoEx* pDevice,
                        int nTimeoutMs) {
-    return made(pLogin, 21, told("SDK_Login", pDevice, nTimeoutMs));
+    return made(pLogin, 21, told("SDK_Login", *reinterpret_cast<const int*>(pDevice), nTimeoutMs));
 }
 TELLING(SDK_Logout, (Handle hLogin), hLogin)
 TELLING(SDK_UnInit, ())
@@ -87,7 +83,7 @@ TELLING(Player_SetDrawCallBack, (Handle hPlayer, FrameCallback* pCallback, void*
         pCallback(hPlayer, nullptr, nullptr))
 TELLING(Player_SetDecodeCallBack, (Handle hPlayer, DecodeCallback* pCallback, void*), hPlayer,
         pCallback(hPlayer, nullptr, 0, nullptr, nullptr))
-TELLING(Player_InputAVFrame, (Handle hPlayer, void* pFrame), hPlayer, pFrame)
+TELLING(Player_InputAVFrame, (Handle hPlayer, void* pFrame), hPlayer, *static_cast<int*>(pFrame))
 TELLING(Player_Stop, (Handle hPlayer), hPlayer)
 #ifndef PREVIEW_INCOMPLETE
 TELLING(Player_CloseStream, (Handle hPlayer), hPlayer)
