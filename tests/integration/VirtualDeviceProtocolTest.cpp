@@ -29,6 +29,7 @@
 #include "support/SampleRecords.h"
 #include "support/ScriptedPeer.h"
 #include "support/TempDir.h"
+#include "support/ThrownText.h"
 #include "support/WireCommands.h"
 #include "virtual-device/CommandHandlers.h"
 #include "virtual-device/DeviceResult.h"
@@ -111,6 +112,15 @@ public:
         return reply;
     }
 
+    // The record that answers a request.
+    template <class Record>
+    Record get(std::uint32_t nCommandId, const Records& vecRequest = onChannel(-1)) {
+        const Reply reply = ask(nCommandId, vecRequest);
+        const auto* pRecord = findRecord<Record>(reply.vecRecords);
+        EXPECT_NE(pRecord, nullptr) << nCommandId;
+        return pRecord ? *pRecord : Record();
+    }
+
     int login() {
         const Reply reply = ask(11001, credentials(enciphered("admin"), enciphered("admin")));
         if (const auto* pSession = findRecord<EtSessionId>(reply.vecRecords)) {
@@ -151,9 +161,6 @@ TEST_F(VirtualDeviceTest, RefusesWrongCredentials) {
 TEST_F(VirtualDeviceTest, ASessionBelongsToItsConnectionAndEndsWithLogout) {
     RawClient other(m_device);
     EXPECT_EQ(other.ask(GetTime).code(), DeviceResult::NoSession);
-    other.m_nSession = m_client.m_nSession;
-    EXPECT_EQ(other.ask(GetTime).code(), DeviceResult::NoSession);
-    other.m_nSession = 0;
     ASSERT_EQ(other.login(), DeviceResult::Success);
     EXPECT_THAT(other.m_nSession,
                 testing::AllOf(testing::Ne(0U), testing::Ne(m_client.m_nSession)));
@@ -163,17 +170,14 @@ TEST_F(VirtualDeviceTest, ASessionBelongsToItsConnectionAndEndsWithLogout) {
     EXPECT_EQ(other.ask(11003).code(), DeviceResult::Success);
     EXPECT_EQ(other.ask(GetTime).code(), DeviceResult::NoSession);
     EXPECT_EQ(m_client.ask(GetTime).code(), DeviceResult::Success);
+    for (const bool bOther : {false, true}) {
+        const auto nNamed = static_cast<int>(m_client.m_nSession + bOther);
+        const auto named = with(&EtSessionId::setSessionId, nNamed);
+        EXPECT_EQ(m_client.ask(11007, recordsOf(named)).code(),
+                  bOther ? DeviceResult::NoSession : DeviceResult::Success);
+    }
     m_device.dropSessions();
     EXPECT_EQ(m_client.ask(GetTime).code(), DeviceResult::NoSession);
-}
-
-TEST_F(VirtualDeviceTest, AKeepAliveNamesItsSession) {
-    const auto keepAlive = [&](std::uint32_t nSession) {
-        const auto session = with(&EtSessionId::setSessionId, static_cast<int>(nSession));
-        return m_client.ask(11007, recordsOf(session)).code();
-    };
-    EXPECT_EQ(keepAlive(m_client.m_nSession), DeviceResult::Success);
-    EXPECT_EQ(keepAlive(m_client.m_nSession + 1), DeviceResult::NoSession);
 }
 
 TEST_F(VirtualDeviceTest, WhatACommandNeedsHasToBeThere) {
@@ -197,12 +201,6 @@ TEST_F(VirtualDeviceTest, WhatCannotBeIsRefusedAndChangesNothing) {
         Records vecRequest;
         int nCode;
     } Cases[]{
-        {30009, onChannel(2), DeviceResult::NoSuchChannel},
-        {30011, onChannel(2), DeviceResult::NoSuchChannel},
-        {30013, onChannel(2), DeviceResult::NoSuchChannel},
-        {30015, onChannel(2), DeviceResult::NoSuchChannel},
-        {30021, onChannel(2), DeviceResult::NoSuchChannel},
-        {30025, onChannel(2), DeviceResult::NoSuchChannel},
         {30033, onChannel(-1, with(&LanguageId::setId, 77)), DeviceResult::BadParameter},
         {30509, onChannel(-1, time(2027, 2, 29, 0)), DeviceResult::BadParameter},
         {30509, onChannel(-1, time(2028, 2, 29, 24)), DeviceResult::BadParameter},
@@ -215,6 +213,9 @@ TEST_F(VirtualDeviceTest, WhatCannotBeIsRefusedAndChangesNothing) {
         {35021, onChannel(-1, otherText), DeviceResult::NoSuchChannel},
         {35021, onChannel(2, listOf(before.vecOSD)), DeviceResult::NoSuchChannel},
     };
+    for (const std::uint32_t nCommandId : {30009U, 30011U, 30013U, 30015U, 30021U, 30025U}) {
+        EXPECT_EQ(m_client.ask(nCommandId, onChannel(2)).code(), DeviceResult::NoSuchChannel);
+    }
     for (const auto& one : Cases) {
         EXPECT_EQ(m_client.ask(one.nCommandId, one.vecRequest).code(), one.nCode) << one.nCommandId;
     }
@@ -226,20 +227,16 @@ TEST_F(VirtualDeviceTest, WhatCannotBeIsRefusedAndChangesNothing) {
 
 TEST_F(VirtualDeviceTest, ATimeZoneHasADefaultAndANameInEachLanguage) {
     const Records vecZone = recordsOf(with(&KXInterger::setValue, 2), ChannelId());
-    const Reply zone = m_client.ask(30515, vecZone);
-    EXPECT_EQ(findRecord<TimeZoneParam>(zone.vecRecords)->getTimeZone(), 2);
+    EXPECT_EQ(m_client.get<TimeZoneParam>(30515, vecZone).getTimeZone(), 2);
     const DeviceState state = m_device.getState();
-    const Reply own = m_client.ask(30515);
-    EXPECT_TRUE(*findRecord<TimeZoneParam>(own.vecRecords) == state.records.get<TimeZoneParam>());
+    EXPECT_TRUE(m_client.get<TimeZoneParam>(30515) == state.records.get<TimeZoneParam>());
     std::set<std::string> setNames;
     for (const LanguageType& language :
          state.records.get<LanguageAbility>().getLanguageTypeList()) {
         const auto languageId = with(&LanguageId::setId, language.getLanguageID());
-        const Reply names = m_client.ask(30033, onChannel(-1, languageId));
-        const auto* pNames = findRecord<TimeZoneAbility>(names.vecRecords);
-        ASSERT_NE(pNames, nullptr);
-        EXPECT_TRUE(*pNames == state.vecTimeZones.at(setNames.size()));
-        setNames.insert(pNames->getTimeZoneTypeList().at(0).getTimeZoneName());
+        const auto names = m_client.get<TimeZoneAbility>(30033, onChannel(-1, languageId));
+        EXPECT_TRUE(names == state.vecTimeZones.at(setNames.size()));
+        setNames.insert(names.getTimeZoneTypeList().at(0).getTimeZoneName());
     }
     EXPECT_GT(setNames.size(), 1U);
 }
@@ -252,8 +249,7 @@ TEST_F(VirtualDeviceTest, TheHostNetworkThatIsSetIsTold) {
     const auto* pNetworks = findList<HostNetwork>(networks.vecRecords);
     ASSERT_TRUE(pNetworks && pNetworks->size() == 1);
     EXPECT_EQ(pNetworks->front().getLocalIp(), "192.0.2.7");
-    const Reply summary = m_client.ask(30541);
-    EXPECT_EQ(findRecord<DeviceSummaryInfo>(summary.vecRecords)->getDeviceIP(), "192.0.2.7");
+    EXPECT_EQ(m_client.get<DeviceSummaryInfo>(30541).getDeviceIP(), "192.0.2.7");
 }
 
 TEST(VirtualDeviceClock, RunsOnFromWhatWasSet) {
@@ -262,15 +258,14 @@ TEST(VirtualDeviceClock, RunsOnFromWhatWasSet) {
     const VirtualDevice device;
     RawClient client(device);
     client.login();
-    const auto now = [&] { return *findRecord<DeviceTime>(client.ask(GetTime).vecRecords); };
+    const auto now = [&] { return client.get<DeviceTime>(GetTime); };
     EXPECT_EQ(now().getYear(), 2023);
     const DeviceTime set = time(2028, 2, 28, 23);
     EXPECT_EQ(client.ask(30509, onChannel(-1, set)).code(), DeviceResult::Success);
     EXPECT_TRUE(now() == set);
     clock.advanceMs(3630 * 1000);
     EXPECT_EQ(now().getDay(), 29);
-    EXPECT_EQ(findRecord<DeviceSummaryInfo>(client.ask(30541).vecRecords)->getDeviceTime(),
-              "2028-02-29 00:00:30");
+    EXPECT_EQ(client.get<DeviceSummaryInfo>(30541).getDeviceTime(), "2028-02-29 00:00:30");
 }
 
 // A name that is misspelt in the factory state shows as a field that is zero, false or empty.
@@ -349,8 +344,15 @@ TEST_F(VirtualDeviceTest, MisbehavesInWaysThatDoNoHarm) {
     for (const int nBehind : {1, 2, 0}) {
         EXPECT_EQ(m_client.receive().head.getSequence(), m_client.m_nSequence - nBehind);
     }
-    m_device.misbehave("code=5:getDeviceTime", 1);
-    EXPECT_EQ(m_client.ask(GetTime).code(), 5);
+    m_device.misbehave("code=5:getDeviceTime", 2);
+    EXPECT_EQ(m_client.ask(32712).code(), DeviceResult::Success) << "another command";
+    for (const int nCode : {5, 5, 0}) {
+        EXPECT_EQ(m_client.ask(GetTime).code(), nCode);
+    }
+    m_device.misbehave("code");
+    EXPECT_EQ(m_client.ask(32712).code(), 99);
+    m_device.behave();
+    EXPECT_EQ(m_client.ask(32712).code(), DeviceResult::Success);
     const std::pair<const char*, const char*> refusals[] = {
         {"sulk", "there are: delay drop close"},  {"drop=1", "drop takes no value"},
         {"delay=x", "from 0 to 600000, not 'x'"}, {"strays=1001", "from 1 to 1000"},
@@ -358,38 +360,28 @@ TEST_F(VirtualDeviceTest, MisbehavesInWaysThatDoNoHarm) {
         {"drop:12345", "no command '12345'"},     {"drop:Init", "no command 'Init'"},
     };
     for (const auto& [szText, szReason] : refusals) {
-        try {
-            m_device.misbehave(szText);
-            ADD_FAILURE() << szText;
-        } catch (const std::invalid_argument& error) {
-            EXPECT_THAT(error.what(), testing::HasSubstr(szReason));
-        }
+        EXPECT_THAT(thrownText<std::invalid_argument>([&] { m_device.misbehave(szText); }),
+                    testing::HasSubstr(szReason));
     }
 }
 
 // The exit status of a script; `$device` is the program.
 int runShell(const std::string& strScript) {
-    const std::string strDevice = std::string("device='") + VIRTUAL_DEVICE_PROGRAM + "'; ";
     const TempDir directory;
-    const std::string strAll = "cd " + directory.getPath().string() + "; " + strDevice + strScript;
+    const std::string strAll = "cd " + directory.getPath().string() + "; device='" +
+                               VIRTUAL_DEVICE_PROGRAM + "'; " + strScript;
     return WEXITSTATUS(std::system(strAll.c_str()));
 }
 
-TEST(VirtualDeviceProgram, PrintsAPortADeviceAndEndsByItself) {
+TEST(VirtualDeviceProgram, PrintsAPortADeviceAndEndsByItselfOrOnASignal) {
     EXPECT_EQ(runShell("$device --count 3 --seconds 1 > out && "
                        "[ $(grep -Ec '^listening on 127[.]0[.]0[.]1:[0-9]+$' out) = 3 ]"),
               0);
     EXPECT_EQ(runShell("$device --list-misbehaviours | grep -q '^deep-nesting '"), 0);
-}
-
-TEST(VirtualDeviceProgram, EndsWellOnASignal) {
-    for (const std::string strSignal : {"INT", "TERM"}) {
-        EXPECT_EQ(runShell("$device --seconds 30 > out & pid=$!; for i in $(seq 500); do "
-                           "grep -qs listening out && break; sleep 0.02; done; kill -" +
-                           strSignal + " $pid; wait $pid"),
-                  0)
-            << strSignal;
-    }
+    EXPECT_EQ(runShell("for signal in INT TERM; do $device --seconds 30 > out & pid=$!; "
+                       "for i in $(seq 500); do grep -qs listening out && break; sleep 0.02; done; "
+                       "kill -$signal $pid; wait $pid || exit; rm out; done"),
+              0);
 }
 
 TEST(VirtualDeviceProgram, RefusesWhatItDoesNotUnderstand) {

@@ -9,13 +9,13 @@
 #include <vector>
 
 #include "device/StructConversions.h"
+#include "support/SampleRecords.h"
 
 using namespace fleetkit;
 using namespace NS_TARN_STRUCT;
 
 namespace {
 
-constexpr int Highest = std::numeric_limits<int>::max();
 constexpr int Lowest = std::numeric_limits<int>::min();
 
 // A structure on its own in memory, every byte of it set, so that a sanitizer sees what leaves it.
@@ -40,16 +40,6 @@ std::unique_ptr<Structure> written(const std::vector<Record>& vecRecords) {
     return pStructure;
 }
 
-// The records of a structure, which make the same bytes again.
-template <class Record, class Structure>
-std::vector<Record> expectKept(const Structure& from) {
-    const auto vecRecords = read<Record>(from);
-    const auto pTo = filledWith<Structure>(0);
-    toStructure(&vecRecords, pTo.get());
-    EXPECT_EQ(std::memcmp(&from, pTo.get(), sizeof from), 0);
-    return vecRecords;
-}
-
 OSDUserParam textOf(std::size_t nCanvases, std::size_t nInfos, const std::string& strInfo) {
     OSDInfo info;
     info.setInfo(strInfo);
@@ -63,22 +53,16 @@ OSDUserParam textOf(std::size_t nCanvases, std::size_t nInfos, const std::string
 }  // namespace
 
 TEST(StructConversions, KeepEveryField) {
-    auto pStreams = filledWith<tagAllAVStreamParam>(0);
-    pStreams->Count = 2;
-    pStreams->Streams[0] = {1, 2, "main", 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, Highest};
-    pStreams->Streams[1] = {Lowest, Highest, "", -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1};
-    const auto vecStreams = expectKept<AVStreamParam>(*pStreams);
-    EXPECT_EQ(vecStreams.at(0).getVideoHeight(), 3);
-    EXPECT_EQ(vecStreams.at(0).getIFrameIntervalUnit(), 10);
-
-    auto pTexts = filledWith<tagOSDUserParamList>(0);
-    pTexts->Count = 1;
-    tagOSDUserParam& text = pTexts->Params[0];
-    text = {1, 2, {3, 4, 5}, {6, 7, 8}, 9, 1, 11, 2, {}};
-    text.Canvases[1] = {{12, 13, 14, 15}, 16, 17, 18, 19, 2, {}};
-    text.Canvases[1].OSDInfos[1] = {20, 21, 22, 1, 24, "Gate 4"};
-    const auto vecTexts = expectKept<OSDUserParam>(*pTexts);
-    EXPECT_EQ(vecTexts.at(0).getOSDGlobalParam().getOSDFontInverseColor().getB(), 8);
+    const std::vector vecStreams{sample<AVStreamParam>(), AVStreamParam()};
+    const auto pStreams = written<tagAllAVStreamParam>(vecStreams);
+    EXPECT_TRUE(read<AVStreamParam>(*pStreams) == vecStreams);
+    EXPECT_EQ(pStreams->Streams[0].VideoHeight, vecStreams[0].getVideoHeight());
+    EXPECT_EQ(pStreams->Streams[0].IFrameIntervalUnit, vecStreams[0].getIFrameIntervalUnit());
+    const std::vector vecTexts{sample<OSDUserParam>()};
+    const auto pTexts = written<tagOSDUserParamList>(vecTexts);
+    EXPECT_TRUE(read<OSDUserParam>(*pTexts) == vecTexts);
+    EXPECT_EQ(pTexts->Params[0].OSDFontInverseColor.B,
+              vecTexts[0].getOSDGlobalParam().getOSDFontInverseColor().getB());
 }
 
 TEST(StructConversions, ReadAtMostTheCapacityAndNothingForACountBelowOne) {
