@@ -6,7 +6,6 @@
 
 #include <QString>
 #include <filesystem>
-#include <functional>
 #include <memory>
 #include <set>
 #include <string>
@@ -37,32 +36,10 @@ namespace {
 constexpr int Channels = 3;
 constexpr int Streams = 2;
 
-DeviceOptions recorderOptions() {
-    DeviceOptions options;
-    options.nKind = DeviceKind::NVR;
-    options.nChannels = Channels;
-    options.nStreams = Streams;
-    return options;
-}
-
 long login(const VirtualDevice& device) {
     long handle = 0;
     EXPECT_EQ(FleetKit::Login(loginData(device.getPort()), handle), ErrorCode::Success);
     return handle;
-}
-
-struct Site {
-    VirtualDevice camera;
-    VirtualDevice recorder{recorderOptions()};
-    const long hCamera = login(camera);
-    const long hRecorder = login(recorder);
-};
-
-void onSite(const std::function<void(Site&)>& body) {
-    outputOfChild([&] {
-        Site site;
-        body(site);
-    });
 }
 
 // What the call gives for a misbehaviour in the answer to a request for the time.
@@ -112,9 +89,13 @@ void expectCodes(const char* szMisbehaviour, int nCode) {
 }  // namespace
 
 TEST(FacadeAgainstDevice, ARecorderKeepsItsChannelsApart) {
-    onSite([](Site& site) {
-        const long& handle = site.hRecorder;
-        const auto state = [&] { return site.recorder.getState(); };
+    outputOfChild([] {
+        VirtualDevice recorder({.nKind = DeviceKind::NVR,
+                                .nChannels = Channels,
+                                .nStreams = Streams,
+                                .vecMisbehaviours = {}});
+        const long handle = login(recorder);
+        const auto state = [&] { return recorder.getState(); };
         const auto pStreams = std::make_unique<tagAllAVStreamParam>();
         EXPECT_EQ(FleetKit::getAVStreamParam(handle, 2, *pStreams), ErrorCode::Success);
         EXPECT_EQ(pStreams->Count, Streams);
@@ -152,15 +133,16 @@ TEST(FacadeAgainstDevice, ARecorderKeepsItsChannelsApart) {
                       ErrorCode::EmptyStreamList);
             EXPECT_EQ(FleetKit::getChannelInfo(handle, RecorderType, nChannel, channel),
                       ErrorCode::EmptyChannelList);
-            site.recorder.misbehave("empty-list");  // for the channel that is there
+            recorder.misbehave("empty-list");  // for the channel that is there
         }
     });
 }
 
 TEST(FacadeAgainstDevice, ACameraIsResetAndRestartedAndRunsNoCommand) {
-    onSite([](Site& site) {
-        const long& handle = site.hCamera;
-        const auto state = [&] { return site.camera.getState(); };
+    outputOfChild([] {
+        VirtualDevice camera;
+        const long handle = login(camera);
+        const auto state = [&] { return camera.getState(); };
         const auto factoryPorts = state().records.get<DevicePort>();
         const auto ports = sample<DevicePort>();
         EXPECT_EQ(FleetKit::setNTPParam(handle, NTPParam()), ErrorCode::Success);
@@ -175,17 +157,17 @@ TEST(FacadeAgainstDevice, ACameraIsResetAndRestartedAndRunsNoCommand) {
         EXPECT_EQ(FleetKit::exeCommand(handle, "touch made", strIgnored), ErrorCode::Success);
         EXPECT_EQ(state().strLastSystemCommand, "touch made");
         EXPECT_FALSE(std::filesystem::exists("made"));
-        EXPECT_THAT(site.camera.getReceived().back().vecRecords,
+        EXPECT_THAT(camera.getReceived().back().vecRecords,
                     testing::ElementsAre("ChannelId", "SystemReq", "SystemResp"));
 
-        const long hOther = login(site.camera);
-        EXPECT_EQ(FleetKit::Logout(login(site.camera)), ErrorCode::Success);
-        EXPECT_EQ(site.camera.sessionCount(), 2U);
+        const long hOther = login(camera);
+        EXPECT_EQ(FleetKit::Logout(login(camera)), ErrorCode::Success);
+        EXPECT_EQ(camera.sessionCount(), 2U);
         EXPECT_EQ(FleetKit::setDeviceRestart(handle), ErrorCode::Success);
         for (const long hEnded : {handle, hOther}) {
             EXPECT_THAT(readTime(hEnded), AnyOf(ErrorCode::SendFailed, ErrorCode::ReceiveFailed));
         }
-        login(site.camera);
+        login(camera);
     });
 }
 

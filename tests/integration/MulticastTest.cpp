@@ -121,11 +121,10 @@ int setOverAdapters(const std::vector<std::vector<InetAddr>>& vecAdapters) {
 }
 
 DeviceOptions multicastDevice(const std::string& strDeviceId) {
-    DeviceOptions options;
-    options.bMulticast = true;
-    options.strDeviceId = strDeviceId;
-    options.strBindAddress = NeighbourAddress;
-    return options;
+    return {.strBindAddress = NeighbourAddress,
+            .strDeviceId = strDeviceId,
+            .bMulticast = true,
+            .vecMisbehaviours = {}};
 }
 
 std::string addressKept(const VirtualDevice& device) {

@@ -6,6 +6,7 @@
 #include <QString>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <new>
 #include <set>
 #include <string>
@@ -21,6 +22,7 @@
 #include "domain/DeviceInfoEx.h"
 #include "domain/EtChangePasswordReq.h"
 #include "domain/EtHoldTypeList.h"
+#include "domain/EtResult.h"
 #include "domain/EtSystemReq.h"
 #include "domain/EtSystemResp.h"
 #include "domain/KXBool.h"
@@ -28,11 +30,13 @@
 #include "domain/LanguageId.h"
 #include "domain/StreamId.h"
 #include "domain/User.h"
+#include "protocol/CommandCatalogue.h"
+#include "protocol/CommandIds.h"
 #include "session/DeviceSessionManager.h"
 #include "support/ChildProcess.h"
 #include "support/SampleRecords.h"
+#include "support/ScriptedPeer.h"
 #include "tests/PlainFunctions.h"
-#include "unit/device/LoggedInDevice.h"
 
 using namespace fleetkit;
 using namespace NS_TARN_STRUCT;
@@ -46,6 +50,51 @@ constexpr int All = -1;  // as a channel or a stream
 constexpr long UnknownHandle = 1000;
 
 thread_local bool g_bNoMemory = false;  // for blocks asked for without an exception
+
+// A body with this result code and these records behind it.
+std::string bodyOf(int nCode, Records records) {
+    records.insert(records.begin(), recordsOf(with(&EtResult::setCode, nCode)).front());
+    return bodyOf(records);
+}
+
+// Answers every request with the body of the moment, under the id that the catalogue expects.
+// Logins and keep-alives are let through and not written down.
+class LoggedInDevice {
+public:
+    LoggedInDevice() {
+        EXPECT_EQ(FleetKit::Login(m_peer.getDeviceInfo(), m_hSession), ErrorCode::Success);
+    }
+
+    const long& handle() const { return m_hSession; }
+
+    void answerWith(const std::string& strBody) {
+        const std::lock_guard guard(m_mutex);
+        m_strBody = strBody;
+    }
+
+    std::vector<PeerRequest> takeRequests() {
+        const std::lock_guard guard(m_mutex);
+        return std::exchange(m_vecRequests, {});
+    }
+
+private:
+    std::string answerTo(const PeerRequest& request) {
+        const std::uint32_t nCommand = request.m_head.getCommandID();
+        std::string strBody = peerResult(0, "<SessionId SessionId=\"77\" />");
+        if (nCommand != CommandId::Login && nCommand != CommandId::keepAlive) {
+            const std::lock_guard guard(m_mutex);
+            m_vecRequests.push_back(request);
+            strBody = m_strBody;
+        }
+        return peerAnswer(request, findCommand(nCommand)->nResponseId, strBody);
+    }
+
+    std::mutex m_mutex;
+    std::string m_strBody = peerResult(0);
+    std::vector<PeerRequest> m_vecRequests;
+    ScriptedPeer m_peer{answerEach([this](const auto& request) { return answerTo(request); })};
+    long m_hSession = 0;
+};
 
 // How much of an answer the caller has.
 constexpr int Untouched = -1;
