@@ -34,7 +34,6 @@ using testing::AnyOf;
 namespace {
 
 constexpr int Channels = 3;
-constexpr int Streams = 2;
 
 long login(const VirtualDevice& device) {
     long handle = 0;
@@ -90,15 +89,13 @@ void expectCodes(const char* szMisbehaviour, int nCode) {
 
 TEST(FacadeAgainstDevice, ARecorderKeepsItsChannelsApart) {
     outputOfChild([] {
-        VirtualDevice recorder({.nKind = DeviceKind::NVR,
-                                .nChannels = Channels,
-                                .nStreams = Streams,
-                                .vecMisbehaviours = {}});
+        VirtualDevice recorder(
+            {.nKind = DeviceKind::NVR, .nChannels = Channels, .vecMisbehaviours = {}});
         const long handle = login(recorder);
         const auto state = [&] { return recorder.getState(); };
         const auto pStreams = std::make_unique<tagAllAVStreamParam>();
         EXPECT_EQ(FleetKit::getAVStreamParam(handle, 2, *pStreams), ErrorCode::Success);
-        EXPECT_EQ(pStreams->Count, Streams);
+        EXPECT_EQ(pStreams->Count, 2);
         pStreams->Streams[1].Quality = 77;
         EXPECT_EQ(FleetKit::setAVStreamParam(handle, 2, *pStreams), ErrorCode::Success);
         AVStreamParam stream;

@@ -47,9 +47,12 @@ using Answers = std::vector<Answer>;
 std::vector<Datagram> heard(const std::vector<Answers>& vecAnswers,
                             const std::function<void()>& action, int nIPProtoVer = 1) {
     UDPTransfer member(nIPProtoVer);
-    EXPECT_EQ(member.create(), ErrorCode::Success);
-    EXPECT_TRUE(member.openGroup(
-        addressOf(nIPProtoVer == 2 ? "ff12::1" : "234.5.6.7", 31001, nIPProtoVer)));
+    UDPTransfer another(nIPProtoVer);  // the group is shared
+    const char* szGroup = nIPProtoVer == 2 ? "ff12::1" : "234.5.6.7";
+    for (UDPTransfer* pMember : {&another, &member}) {
+        EXPECT_EQ(pMember->create(), ErrorCode::Success);
+        EXPECT_TRUE(pMember->openGroup(addressOf(szGroup, 31001, nIPProtoVer)));
+    }
     std::vector<Datagram> vecHeard;
     CommandBuffer buffer;
     std::jthread answering([&] {
@@ -144,8 +147,7 @@ TEST(DeviceSearchChannel, SendsOneCommandWithTheFiveRecordsToTheGroupOfItsVersio
             EXPECT_EQ(request.m_head.getCommandID(), 32506U);
             EXPECT_EQ(request.m_head.getSessionId(), 0U);
             EXPECT_FALSE(request.m_head.isFlagA() || request.m_head.isFlagB());
-            User credentials;
-            credentials.setUserName(enciphered("admin"));
+            User credentials = with(&User::setUserName, enciphered("admin"));
             credentials.setPassword(enciphered("admin"));
             const auto device = with(&DeviceId::setId, "IPC-1");
             const auto version = with(&EtIPProtoVer::setIPProtoVer, 1);

@@ -11,7 +11,6 @@
 #include <stdexcept>
 #include <utility>
 
-#include "support/LoginData.h"
 #include "support/WireBytes.h"
 
 std::string peerMessage(SDKCommandHeadInfo head, const std::string& strBody,
@@ -96,27 +95,17 @@ ScriptedPeer::~ScriptedPeer() {
     ::close(m_nListener);
 }
 
-DeviceInfoEx ScriptedPeer::getDeviceInfo() const {
-    return loginData(m_nPort, "secret");
-}
-
-bool ScriptedPeer::open(int nSocket) {
-    const std::lock_guard guard(m_mutex);
-    m_nLink = nSocket;
-    return !m_bEnding;
-}
-
 void ScriptedPeer::serve() {
-    for (;;) {
-        const int nSocket = accept(m_nListener, nullptr, nullptr);
-        if (nSocket < 0) {
-            return;
-        }
-        if (open(nSocket)) {
+    int nSocket = -1;
+    while ((nSocket = accept(m_nListener, nullptr, nullptr)) >= 0) {
+        std::unique_lock lock(m_mutex);
+        if (!m_bEnding) {
+            m_nLink = nSocket;
+            lock.unlock();
             PeerLink link(nSocket);
             m_script(link);
+            lock.lock();
         }
-        const std::lock_guard guard(m_mutex);
         m_nLink = -1;
         ::close(nSocket);
     }

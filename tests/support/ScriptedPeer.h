@@ -8,8 +8,8 @@
 #include <string>
 #include <thread>
 
-#include "domain/DeviceInfoEx.h"
 #include "protocol/SDKCommandHeadInfo.h"
+#include "support/LoginData.h"
 
 struct PeerRequest {
     SDKCommandHeadInfo m_head;
@@ -60,11 +60,10 @@ public:
     ScriptedPeer& operator=(const ScriptedPeer&) = delete;
 
     // How to log in to this device: user "admin", password "secret".
-    DeviceInfoEx getDeviceInfo() const;
+    DeviceInfoEx getDeviceInfo() const { return loginData(m_nPort, "secret"); }
 
 private:
     void serve();
-    bool open(int nSocket);
 
     const Script m_script;
     int m_nListener = -1;

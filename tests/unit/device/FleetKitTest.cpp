@@ -277,12 +277,6 @@ std::vector<Operation> operations() {
     return plain.vecOperations;
 }
 
-void expectRequest(const PeerRequest& request, std::uint32_t nCommand, const Records& vecRecords) {
-    EXPECT_EQ(request.m_head.getCommandID(), nCommand);
-    EXPECT_EQ(request.m_head.getSessionId(), 77U);
-    EXPECT_EQ(request.m_strBody, bodyOf(vecRecords));
-}
-
 void expectCodes(LoggedInDevice& device, const Operation& operation) {
     const bool bGets = !operation.vecAnswer.empty();
     const struct {
@@ -304,7 +298,31 @@ void expectCodes(LoggedInDevice& device, const Operation& operation) {
         EXPECT_EQ(operation.received(), step.nReceived) << step.strAnswer;
         const auto vecRequests = device.takeRequests();
         ASSERT_EQ(vecRequests.size(), 1U);
-        expectRequest(vecRequests[0], operation.nCommand, operation.vecRequest);
+        EXPECT_EQ(vecRequests[0].m_head.getCommandID(), operation.nCommand);
+        EXPECT_EQ(vecRequests[0].m_head.getSessionId(), 77U);
+        EXPECT_EQ(vecRequests[0].m_strBody, bodyOf(operation.vecRequest));
+    }
+}
+
+// What a function gives for any number that stands for a type of device, or for none.
+void expectDecision(LoggedInDevice& device, const Operation& operation) {
+    const std::set<int> setCameras{1, 4, 8, 9, 13, 14, 15};
+    const std::set<int> setRecorders{5, 10, 103};
+    device.answerWith(bodyOf(0, operation.vecAnswer));
+    for (int nType = -1; nType <= 110; ++nType) {
+        const bool bCamera = setCameras.count(nType) > 0;
+        const bool bRecorder = setRecorders.count(nType) > 0;
+        const bool bServed = (bCamera && isServed(operation.nCommand, OfCamera)) ||
+                             (bRecorder && isServed(operation.nCommand, OfRecorder));
+        EXPECT_EQ(operation.callOfType(device.handle(), nType),
+                  bServed ? ErrorCode::Success : ErrorCode::Failed)
+            << nType;
+        const auto vecRequests = device.takeRequests();
+        ASSERT_EQ(vecRequests.size(), bServed ? 1U : 0U) << nType;
+        if (bServed) {
+            // A camera is asked without the channel of the caller.
+            EXPECT_EQ(vecRequests[0].m_strBody, bodyOf(onChannel(bCamera ? All : 2))) << nType;
+        }
     }
 }
 
@@ -317,12 +335,15 @@ void* operator new[](std::size_t nSize, const std::nothrow_t&) noexcept {
 TEST(FleetKit, SendsTheRecordsOfEachOperationAndTakesItsAnswer) {
     outputOfChild([] {
         LoggedInDevice device;
+        SafePointer<SDKSession> session;
+        ASSERT_TRUE(DeviceSessionManager::instance().findSession(device.handle(), session));
         for (const Operation& operation : operations()) {
             SCOPED_TRACE(operation.strFunction);
             expectCodes(device, operation);
+            if (operation.callOfType) {
+                expectDecision(device, operation);
+            }
         }
-        SafePointer<SDKSession> session;
-        ASSERT_TRUE(DeviceSessionManager::instance().findSession(device.handle(), session));
         session->close();
         for (const Operation& operation : operations()) {
             SCOPED_TRACE(operation.strFunction);
@@ -390,36 +411,6 @@ TEST(FleetKit, HasTheFunctionsOfTheCatalogueWhichTheseTestsAllCall) {
         }
     }
     EXPECT_EQ(setCalled, setCatalogued);
-}
-
-TEST(FleetKit, DecidesByTheDeviceTypeBeforeAnythingIsSent) {
-    outputOfChild([] {
-        LoggedInDevice device;
-        const std::set<int> setCameras{1, 4, 8, 9, 13, 14, 15};
-        const std::set<int> setRecorders{5, 10, 103};
-        for (const Operation& operation : operations()) {
-            if (!operation.callOfType) {
-                continue;
-            }
-            SCOPED_TRACE(operation.strFunction);
-            device.answerWith(bodyOf(0, operation.vecAnswer));
-            for (int nType = -1; nType <= 110; ++nType) {
-                SCOPED_TRACE(nType);
-                const bool bCamera = setCameras.count(nType) > 0;
-                const bool bRecorder = setRecorders.count(nType) > 0;
-                const bool bServed = (bCamera && isServed(operation.nCommand, OfCamera)) ||
-                                     (bRecorder && isServed(operation.nCommand, OfRecorder));
-                EXPECT_EQ(operation.callOfType(device.handle(), nType),
-                          bServed ? ErrorCode::Success : ErrorCode::Failed);
-                // A camera is asked without the channel of the caller.
-                const auto vecRequests = device.takeRequests();
-                ASSERT_EQ(vecRequests.size(), bServed ? 1U : 0U);
-                if (bServed) {
-                    EXPECT_EQ(vecRequests[0].m_strBody, bodyOf(onChannel(bCamera ? All : 2)));
-                }
-            }
-        }
-    });
 }
 
 TEST(FleetKit, KeepsAStaleHandleWhenALoginFails) {
