@@ -97,8 +97,7 @@ HostNetwork network() {
 }
 
 User admin(const std::string& strPassword = "admin") {
-    User user;
-    user.setUserName("admin");
+    auto user = with(&User::setUserName, "admin");
     user.setPassword(strPassword);
     user.setIP("198.51.100.1");  // stays here
     return user;
@@ -147,7 +146,7 @@ TEST(DeviceSearchChannel, SendsOneCommandWithTheFiveRecordsToTheGroupOfItsVersio
             EXPECT_EQ(request.m_head.getCommandID(), 32506U);
             EXPECT_EQ(request.m_head.getSessionId(), 0U);
             EXPECT_FALSE(request.m_head.isFlagA() || request.m_head.isFlagB());
-            User credentials = with(&User::setUserName, enciphered("admin"));
+            auto credentials = with(&User::setUserName, enciphered("admin"));
             credentials.setPassword(enciphered("admin"));
             const auto device = with(&DeviceId::setId, "IPC-1");
             const auto version = with(&EtIPProtoVer::setIPProtoVer, 1);

@@ -43,15 +43,13 @@ constexpr std::uint32_t GetTime = CommandId::getDeviceTime;
 constexpr std::uint32_t Reads = 2;  // as an operation of the catalogue
 
 Records credentials(const std::string& strUser, const std::string& strPassword) {
-    UserParam user;
-    user.setUserName(strUser);
+    auto user = with(&UserParam::setUserName, strUser);
     user.setPassword(strPassword);
     return recordsOf(user);
 }
 
 DeviceTime time(int nYear, int nMonth, int nDay, int nHour) {
-    DeviceTime time;
-    time.setYear(nYear);
+    auto time = with(&DeviceTime::setYear, nYear);
     time.setMonth(nMonth);
     time.setDay(nDay);
     time.setHour(nHour);
@@ -192,8 +190,7 @@ TEST_F(VirtualDeviceTest, WhatCannotBeIsRefusedAndChangesNothing) {
     vecStreams.front().setQuality(-7);
     const auto otherText = with(&OSDUserParam::setCameraId, 2);
     vecStreams.back().setStreamId(9);
-    EtChangePasswordReq passwords;
-    passwords.setOldPassword(enciphered("wrong"));
+    auto passwords = with(&EtChangePasswordReq::setOldPassword, enciphered("wrong"));
     passwords.setNewPassword(enciphered("new"));
     const struct {
         std::uint32_t nCommandId;

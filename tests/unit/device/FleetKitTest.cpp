@@ -207,8 +207,7 @@ struct PlainOperations {
 
 // Every function that works on a session.
 std::vector<Operation> operations() {
-    EtChangePasswordReq passwords;
-    passwords.setOldPassword(enciphered(""));
+    auto passwords = with(&EtChangePasswordReq::setOldPassword, enciphered(""));
     passwords.setNewPassword(enciphered("gr\u00fcn"));
     const auto network = sample<HostNetwork>();
     const auto stream = sample<AVStreamParam>();

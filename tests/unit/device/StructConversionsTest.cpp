@@ -40,16 +40,6 @@ std::unique_ptr<Structure> written(const std::vector<Record>& vecRecords) {
     return pStructure;
 }
 
-OSDUserParam textOf(std::size_t nCanvases, std::size_t nInfos, const std::string& strInfo) {
-    OSDInfo info;
-    info.setInfo(strInfo);
-    CanvasProper canvas;
-    canvas.setOSDInfoList(std::vector<OSDInfo>(nInfos, info));
-    OSDUserParam param;
-    param.setCanvasProperList(std::vector<CanvasProper>(nCanvases, canvas));
-    return param;
-}
-
 }  // namespace
 
 TEST(StructConversions, KeepEveryField) {
@@ -84,31 +74,26 @@ TEST(StructConversions, ReadAtMostTheCapacityAndNothingForACountBelowOne) {
     }
 }
 
-TEST(StructConversions, WriteAtMostTheCapacityAndCountWhatTheyWrote) {
-    const auto pStreams =
-        written<tagAllAVStreamParam>(std::vector<AVStreamParam>(MaxAVStreams + 1));
+TEST(StructConversions, WriteWhatFitsAndLeaveWhatStandsBehindTheLastElement) {
+    const std::string strLong(300, 'n');
+    const auto stream = with(&AVStreamParam::setStreamName, strLong);
+    const auto pStreams = written<tagAllAVStreamParam>(std::vector(MaxAVStreams + 1, stream));
     EXPECT_EQ(pStreams->Count, MaxAVStreams);
+    EXPECT_EQ(pStreams->Streams[MaxAVStreams - 1].StreamName, std::string(35, 'n'));
     const auto pChannels = written<tagAllChannelInfo>(std::vector<ChannelInfo>(MaxChannels + 1));
     EXPECT_EQ(pChannels->Count, MaxChannels);
-    const auto pParams =
-        written<tagOSDUserParamList>(std::vector(MaxOSDUserParams + 1, textOf(6, 6, "text")));
+    const auto info = with(&OSDInfo::setInfo, strLong);
+    const auto canvas = with(&CanvasProper::setOSDInfoList, std::vector(6, info));
+    const auto text = with(&OSDUserParam::setCanvasProperList, std::vector(6, canvas));
+    const auto pParams = written<tagOSDUserParamList>(std::vector(MaxOSDUserParams + 1, text));
     EXPECT_EQ(pParams->Count, MaxOSDUserParams);
-    EXPECT_EQ(pParams->Params[MaxOSDUserParams - 1].CanvasCount, 5);
-    EXPECT_EQ(pParams->Params[MaxOSDUserParams - 1].Canvases[4].OSDInfoCount, 5);
-}
-
-TEST(StructConversions, CutTextsToTheirFieldsAndLeaveWhatStandsBehindTheLastElement) {
-    AVStreamParam stream;
-    stream.setStreamName(std::string(300, 'n'));
-    const auto pStreams = written<tagAllAVStreamParam>(std::vector{stream, AVStreamParam()});
-    EXPECT_EQ(pStreams->Count, 2);
-    EXPECT_EQ(pStreams->Streams[0].StreamName, std::string(35, 'n'));
-    EXPECT_EQ(pStreams->Streams[0].VideoHeight, 0);
-    EXPECT_STREQ(pStreams->Streams[1].StreamName, "");
-    EXPECT_EQ(pStreams->Streams[2].StreamName[0], 'x');
-    const auto pParams =
-        written<tagOSDUserParamList>(std::vector{textOf(1, 1, std::string(300, 'n'))});
-    EXPECT_EQ(pParams->Params[0].Canvases[0].OSDInfos[0].Info, std::string(255, 'n'));
+    const tagOSDUserParam& last = pParams->Params[MaxOSDUserParams - 1];
+    EXPECT_EQ(last.CanvasCount, 5);
+    EXPECT_EQ(last.Canvases[4].OSDInfoCount, 5);
+    EXPECT_EQ(last.Canvases[4].OSDInfos[4].Info, std::string(255, 'n'));
+    const auto pOne = written<tagAllAVStreamParam>(std::vector<AVStreamParam>(1));
+    EXPECT_STREQ(pOne->Streams[0].StreamName, "");
+    EXPECT_EQ(pOne->Streams[1].StreamName[0], 'x');
 }
 
 TEST(StructConversions, EndAChannelsTextsOnlyWhereThereIsRoom) {
