@@ -350,8 +350,8 @@ TEST_F(VirtualDeviceTest, MisbehavesInWaysThatDoNoHarm) {
         {"drop:12345", "no command '12345'"},     {"drop:Init", "no command 'Init'"},
     };
     for (const auto& [szText, szReason] : refusals) {
-        EXPECT_THAT(thrownText<std::invalid_argument>([&] { m_device.misbehave(szText); }),
-                    testing::HasSubstr(szReason));
+        const auto misbehave = [&, szBad = szText] { m_device.misbehave(szBad); };
+        EXPECT_THAT(thrownText<std::invalid_argument>(misbehave), testing::HasSubstr(szReason));
     }
 }
 

@@ -2,7 +2,6 @@
 // where it is asked for a cable to a neighbouring host.
 #pragma once
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sched.h>
 #include <unistd.h>
@@ -12,6 +11,7 @@
 #include <fstream>
 #include <functional>
 #include <string>
+#include <thread>
 
 #include "support/ChildProcess.h"
 
@@ -53,25 +53,21 @@ inline void inOwnNetwork(const std::function<void()>& body) {
 }
 
 // Does something on a second host, which a cable connects with this one; the sockets and threads
-// that it makes stay there. False when the host or the cable cannot be had.
+// that it makes stay there, and keep the host in being. False when it or the cable cannot be had.
 inline bool onNeighbour(const std::function<void()>& action) {
-    const auto openNetwork = [] { return ::open("/proc/thread-self/ns/net", O_RDONLY); };
     const auto plug = [](const std::string& strEnd, const std::string& strAddress) {
         return runCommand("ip addr add " + strAddress + "/24 dev " + strEnd) &&
                runCommand("ip link set " + strEnd + " up");
     };
-    const int nHere = openNetwork();
-    const bool bThere = ::unshare(CLONE_NEWNET) == 0;
-    const int nThere = openNetwork();
-    const bool bCabled =
-        bThere && ::setns(nHere, CLONE_NEWNET) == 0 &&
-        runCommand("ip link add near type veth peer name far netns /proc/self/fd/" +
-                   std::to_string(nThere)) &&
-        plug("near", OwnAddress) && ::setns(nThere, CLONE_NEWNET) == 0 &&
-        plug("far", NeighbourAddress);
-    if (bCabled) {
-        action();
-    }
-    ::close(nThere);
-    return ::setns(nHere, CLONE_NEWNET) == 0 && ::close(nHere) == 0 && bCabled;
+    bool bCabled = false;
+    std::thread([&] {
+        bCabled = ::unshare(CLONE_NEWNET) == 0 &&
+                  runCommand("ip link add far type veth peer name near netns " +
+                             std::to_string(::getpid())) &&
+                  plug("far", NeighbourAddress);
+        if (bCabled) {
+            action();
+        }
+    }).join();
+    return bCabled && plug("near", OwnAddress);
 }
