@@ -22,6 +22,7 @@
 #include "support/OwnNetwork.h"
 #include "support/SampleRecords.h"
 #include "support/ScriptedPeer.h"
+#include "support/WireCommands.h"
 #include "virtual-device/VirtualDevice.h"
 
 using namespace fleetkit;
@@ -55,7 +56,7 @@ std::vector<Datagram> heard(const std::vector<Answers>& vecAnswers,
     }
     std::vector<Datagram> vecHeard;
     CommandBuffer buffer;
-    std::jthread answering([&] {
+    std::jthread answerer([&] {
         for (const Answers& answers : vecAnswers) {
             auto& [from, request] = vecHeard.emplace_back();
             EXPECT_EQ(member.recvCommand(buffer, LongMs, from), ErrorCode::Success);
@@ -67,27 +68,25 @@ std::vector<Datagram> heard(const std::vector<Answers>& vecAnswers,
         }
     });
     action();
-    answering.join();
+    answerer.join();
     InetAddr from;
     EXPECT_EQ(member.recvCommand(buffer, 0, from), ErrorCode::ReceiveTimedOut);
     return vecHeard;
 }
 
-// The good answer, with something about its head changed.
-Answer changed(std::function<void(SDKCommandHeadInfo&)> change) {
+// The good answer, unless something about its head differs.
+Answer answering(std::uint16_t nAhead = 0, std::uint32_t nSession = 0,
+                 std::uint32_t nCommand = 32505) {
     return [=](const PeerRequest& request) {
-        SDKCommandHeadInfo head = request.m_head;
-        head.setCommandID(32505);
-        change(head);
-        return peerMessage(head, peerResult(0));
+        const auto nSequence = static_cast<std::uint16_t>(request.m_head.getSequence() + nAhead);
+        return peerMessage(headOf(nCommand, nSequence, nSession), peerResult(0));
     };
 }
 
-const Answer Good = changed([](auto&) {});
-const Answer Late = changed(
-    [](auto& head) { head.setSequence(static_cast<std::uint16_t>(head.getSequence() + 1)); });
-const Answer OtherSession = changed([](auto& head) { head.setSessionId(5); });
-const Answer OtherCommand = changed([](auto& head) { head.setCommandID(10000); });
+const Answer Good = answering();
+const Answer Late = answering(1);
+const Answer OtherSession = answering(0, 5);
+const Answer OtherCommand = answering(0, 0, 10000);
 const Answer Broken = [](const PeerRequest&) { return "no command"; };
 
 HostNetwork network() {

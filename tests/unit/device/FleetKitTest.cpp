@@ -119,13 +119,6 @@ DomainVectorContainer<Record> twoOf() {
     return listOf(std::vector{sample<Record>(), Record()});
 }
 
-template <class Structure, class Record>
-std::shared_ptr<Structure> structureOf(DomainVectorContainer<Record> list) {
-    auto pStructure = std::make_shared<Structure>();
-    toStructure(&list.getElements(), pStructure.get());
-    return pStructure;
-}
-
 // Of the lists, which have two elements, a structure tells only the number.
 template <class Target>
 int receivedIn(const Target& target) {
@@ -214,8 +207,10 @@ std::vector<Operation> operations() {
     const auto streams = twoOf<AVStreamParam>();
     const auto texts = twoOf<OSDUserParam>();
     const auto channels = twoOf<ChannelInfo>();
-    const auto pStreams = structureOf<tagAllAVStreamParam>(streams);
-    const auto pTexts = structureOf<tagOSDUserParamList>(texts);
+    const auto pStreams = std::make_shared<tagAllAVStreamParam>();
+    const auto pTexts = std::make_shared<tagOSDUserParamList>();
+    toStructure(&streams.getElements(), pStreams.get());
+    toStructure(&texts.getElements(), pTexts.get());
     const auto allStreams = with(&StreamId::setId, All);
     const auto getAVStreams = [](auto&... args) { return FleetKit::getAVStreamParam(args...); };
     const std::vector<Operation> vecByHand{
