@@ -41,8 +41,15 @@ public:
 
     std::time_t calendarTime() override { return static_cast<std::time_t>(monotonicMs() / 1000); }
 
-    using IClock::sleepMs;
-    void sleepMs(std::uint32_t nMs, const std::stop_token& stop) override {
+    void wait(std::uint32_t nMs, std::span<SocketApi::Wait> sockets,
+              const std::stop_token& stop) override {
+        if (!sockets.empty()) {
+            // Silence takes real time, and as much of this one.
+            if (SocketApi::waitForAny(sockets, std::chrono::milliseconds(nMs)) == 0) {
+                advanceMs(nMs);
+            }
+            return;
+        }
         if (!stop.stop_possible()) {
             std::this_thread::yield();
             return;

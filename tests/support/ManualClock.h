@@ -24,8 +24,11 @@ public:
     std::uint64_t monotonicMs() override { return m_nNowMs; }
     std::time_t calendarTime() override { return m_nCalendarOffset + toSeconds(m_nNowMs); }
 
-    using IClock::sleepMs;
-    void sleepMs(std::uint32_t nMs, const std::stop_token&) override {
+    void wait(std::uint32_t nMs, std::span<SocketApi::Wait> sockets,
+              const std::stop_token&) override {
+        if (SocketApi::waitForAny(sockets, {}) > 0) {
+            return;
+        }
         m_nSleptMs += nMs;
         m_nNowMs += nMs;
         std::this_thread::yield();

@@ -3,12 +3,16 @@
 
 #include <time.h>
 
+#include <algorithm>
+#include <array>
 #include <atomic>
 #include <chrono>
-#include <condition_variable>
-#include <mutex>
+#include <vector>
 
 namespace {
+
+// How long a wait that nobody can end may take.
+constexpr std::chrono::milliseconds Slice{100};
 
 class SystemClock : public IClock {
 public:
@@ -21,17 +25,26 @@ public:
 
     std::time_t calendarTime() override { return std::time(nullptr); }
 
-    using IClock::sleepMs;
-    void sleepMs(std::uint32_t nMs, const std::stop_token& stop) override {
-        std::mutex mutex;
-        std::condition_variable stopped;
-        const std::stop_callback wake(stop, [&] {
-            const std::lock_guard guard(mutex);
-            stopped.notify_all();
-        });
-        std::unique_lock lock(mutex);
-        stopped.wait_for(lock, std::chrono::milliseconds(nMs),
-                         [&] { return stop.stop_requested(); });
+    void wait(std::uint32_t nMs, std::span<SocketApi::Wait> sockets,
+              const std::stop_token& stop) override {
+        const std::chrono::milliseconds time(nMs);
+        if (!stop.stop_possible()) {
+            SocketApi::waitForAny(sockets, time);
+            return;
+        }
+        SocketApi::WakeUp wakeUp;
+        const std::stop_callback onStop(stop, [&] { wakeUp.wake(); });
+        std::array<SocketApi::Wait, 1> arrPause{{{wakeUp.getHandle()}}};
+        if (wakeUp.getHandle() < 0) {
+            SocketApi::waitForAny(sockets, std::min(time, Slice));
+        } else if (sockets.empty()) {
+            SocketApi::waitForAny(arrPause, time);
+        } else {
+            std::vector<SocketApi::Wait> vecAll(sockets.begin(), sockets.end());
+            vecAll.push_back(arrPause[0]);
+            SocketApi::waitForAny(vecAll, time);
+            std::copy_n(vecAll.begin(), sockets.size(), sockets.begin());
+        }
     }
 };
 

@@ -3,7 +3,10 @@
 
 #include <cstdint>
 #include <ctime>
+#include <span>
 #include <stop_token>
+
+#include "Product/Technic/platform/SocketApi.h"
 
 // A source of time. Implementations are safe to use from any thread.
 class IClock {
@@ -13,10 +16,13 @@ public:
     virtual std::uint64_t monotonicMs() = 0;  // since some fixed moment, never going back
     virtual std::time_t calendarTime() = 0;   // seconds since 1970, UTC
 
-    // Returns when that much of this time has passed; with a token, also as soon as a stop is
-    // requested, before the call or by another thread during it.
-    void sleepMs(std::uint32_t nMs) { sleepMs(nMs, {}); }
-    virtual void sleepMs(std::uint32_t nMs, const std::stop_token& stop) = 0;
+    // Returns when that much of this time has passed or a socket is ready, which marks it; with a
+    // token, also as soon as a stop is requested, before the call or by another thread during it.
+    // Throws std::bad_alloc for more than a few sockets.
+    virtual void wait(std::uint32_t nMs, std::span<SocketApi::Wait> sockets,
+                      const std::stop_token& stop) = 0;
+
+    void sleepMs(std::uint32_t nMs, const std::stop_token& stop = {}) { wait(nMs, {}, stop); }
 };
 
 // The clock that the library uses: the system's, unless a ScopedClock is alive.

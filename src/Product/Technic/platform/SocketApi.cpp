@@ -5,12 +5,15 @@
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <poll.h>
+#include <sys/eventfd.h>
 #include <sys/socket.h>
 #include <sys/time.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <climits>
+#include <vector>
 
 namespace SocketApi {
 namespace {
@@ -60,6 +63,19 @@ constexpr Clock::time_point Never = Clock::time_point::max();
 // The moment at which a wait that begins now is over.
 Clock::time_point deadlineOf(std::chrono::microseconds timeout) noexcept {
     return timeout < std::chrono::microseconds::zero() ? Never : Clock::now() + timeout;
+}
+
+// For poll(): negative without limit, and never early.
+int millisecondsUntil(Clock::time_point deadline) noexcept {
+    if (deadline == Never) {
+        return -1;
+    }
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
+    return static_cast<int>(std::clamp<std::int64_t>(left.count(), 0, INT_MAX));
+}
+
+short eventOf(Direction direction) noexcept {
+    return direction == Direction::Read ? POLLIN : POLLOUT;
 }
 
 // A call that is interrupted past its deadline would block.
@@ -223,8 +239,7 @@ int waitFor(int nHandle, Direction direction, std::chrono::microseconds timeout)
     const bool bLimited = timeout >= std::chrono::microseconds::zero();
     const Clock::time_point deadline = deadlineOf(timeout);
     for (;;) {
-        pollfd entry{nHandle, static_cast<short>(direction == Direction::Read ? POLLIN : POLLOUT),
-                     0};
+        pollfd entry{nHandle, eventOf(direction), 0};
         const timespec limit = toTimespec(timeout);
         const int nResult = ::ppoll(&entry, 1, bLimited ? &limit : nullptr, nullptr);
         if (nResult > 0 && (entry.revents & POLLNVAL) != 0) {
@@ -239,6 +254,27 @@ int waitFor(int nHandle, Direction direction, std::chrono::microseconds timeout)
             timeout = std::max(left, std::chrono::microseconds::zero());
         }
     }
+}
+
+int waitForAny(std::span<Wait> waits, std::chrono::milliseconds timeout) {
+    std::array<pollfd, 4> arrFew{};
+    std::vector<pollfd> vecMany(waits.size() > arrFew.size() ? waits.size() : 0);
+    pollfd* const pEntries = vecMany.empty() ? arrFew.data() : vecMany.data();
+    for (std::size_t i = 0; i < waits.size(); ++i) {
+        pEntries[i] = {waits[i].nHandle, eventOf(waits[i].direction), 0};
+        if (waits[i].nHandle < 0) {
+            timeout = std::chrono::milliseconds::zero();
+        }
+    }
+    const Clock::time_point deadline = deadlineOf(timeout);
+    int nReady = 0;
+    do {
+        nReady = ::poll(pEntries, waits.size(), millisecondsUntil(deadline));
+    } while (nReady < 0 && errno == EINTR);
+    for (std::size_t i = 0; i < waits.size(); ++i) {
+        waits[i].bReady = waits[i].nHandle < 0 || (nReady > 0 && pEntries[i].revents != 0);
+    }
+    return nReady;
 }
 
 int setOption(int nHandle, Option option, int nValue) noexcept {
@@ -282,6 +318,18 @@ int changeMembership(int nHandle, Membership membership, const Address& group,
                           reinterpret_cast<const sockaddr_in*>(rawAddress(interface))->sin_addr};
     return ::setsockopt(nHandle, IPPROTO_IP, bJoin ? IP_ADD_MEMBERSHIP : IP_DROP_MEMBERSHIP,
                         &request, sizeof(request));
+}
+
+WakeUp::WakeUp() noexcept : m_nHandle(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
+
+WakeUp::~WakeUp() {
+    if (m_nHandle >= 0) {
+        ::close(m_nHandle);
+    }
+}
+
+void WakeUp::wake() noexcept {
+    static_cast<void>(::eventfd_write(m_nHandle, 1));
 }
 
 }  // namespace SocketApi

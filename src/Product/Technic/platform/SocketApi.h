@@ -7,6 +7,7 @@
 #include <array>
 #include <chrono>
 #include <cstdint>
+#include <span>
 
 namespace SocketApi {
 
@@ -61,6 +62,33 @@ int recvBytesFrom(int nHandle, void* pBuffer, std::int32_t nLength, Address& sen
 // 1 when the socket is ready (a failed or closed one is), 0 when the time is over. A negative
 // time-out waits without limit.
 int waitFor(int nHandle, Direction direction, std::chrono::microseconds timeout) noexcept;
+
+// A socket that is waited for together with others.
+struct Wait {
+    int nHandle = -1;
+    Direction direction = Direction::Read;
+    bool bReady = false;  // out: ready, failed, closed, or no socket at all
+};
+
+// As waitFor, for any of many, and a plain pause for none. The result is the number of those that
+// are ready. Throws std::bad_alloc for more than a few.
+int waitForAny(std::span<Wait> waits, std::chrono::milliseconds timeout);
+
+// What another thread ends a wait with.
+class WakeUp {
+public:
+    WakeUp() noexcept;
+    ~WakeUp();
+    WakeUp(const WakeUp&) = delete;
+    WakeUp& operator=(const WakeUp&) = delete;
+
+    // To be waited for; negative where the system has none left.
+    int getHandle() const noexcept { return m_nHandle; }
+    void wake() noexcept;
+
+private:
+    int m_nHandle;
+};
 
 int setOption(int nHandle, Option option, int nValue) noexcept;
 int getOption(int nHandle, Option option, int& nValue) noexcept;
