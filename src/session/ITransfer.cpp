@@ -72,6 +72,18 @@ Socket* ITransfer::getSocket() {
     return m_pSocket.get();
 }
 
+// A datagram goes out as a whole, and arrives as one.
+int ITransfer::sendSome(const CommandBuffer& buffer, const InetAddr& to, std::uint32_t& nSent) {
+    const int nResult = sendCommand(buffer, to, 0);
+    nSent = nResult == ErrorCode::Success ? buffer.getLength() : nSent;
+    return nResult;
+}
+
+int ITransfer::recvSome(CommandBuffer& buffer, InetAddr& from) {
+    const int nResult = recvCommand(buffer, 0, from);
+    return nResult == ErrorCode::ReceiveTimedOut ? ErrorCode::NothingToRead : nResult;
+}
+
 int ITransfer::connect(const InetAddr& address, int nTimeoutMs) {
     if (!m_pSocket) {
         return ErrorCode::NoTransport;

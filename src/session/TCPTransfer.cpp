@@ -15,6 +15,11 @@ constexpr std::uint32_t MaxPayload = 256U << 20;
 constexpr std::uint32_t FirstBlock = 64U << 10;
 constexpr const char* SourceName = "TCPTransfer";
 
+void logFailedSend(std::int32_t nRet) {
+    logMessage(LogLevel::Trace, SourceName, "[%s %s %d] m_pSocket->send() nRet=%d Failed\n",
+               SourceName, "TCPTransfer::sendCommand", __LINE__, nRet);
+}
+
 int codeOfCount(std::int32_t nCount, const CommandBuffer& buffer) {
     if (nCount == ISocket::TimedOut) {
         return ErrorCode::SendTimedOut;
@@ -51,8 +56,7 @@ int TCPTransfer::sendCommand(const CommandBuffer& buffer, const InetAddr&, int n
     const std::int32_t nRet =
         m_pSocket->send(buffer.data(), static_cast<std::int32_t>(buffer.getLength()), nTimeoutMs);
     if (nRet == ISocket::Failed) {
-        logMessage(LogLevel::Trace, SourceName, "[%s %s %d] m_pSocket->send() nRet=%d Failed\n",
-                   SourceName, "TCPTransfer::sendCommand", __LINE__, nRet);
+        logFailedSend(nRet);
     }
     return codeOfCount(nRet, buffer);
 }
@@ -79,6 +83,39 @@ int TCPTransfer::recvCommand(CommandBuffer& buffer) {
     const int nResult = recvWhole(buffer, readPlain, 0);
     if (nResult == ErrorCode::Success) {
         m_bHeadReceived = false;
+    }
+    return nResult;
+}
+
+int TCPTransfer::sendSome(const CommandBuffer& buffer, const InetAddr&, std::uint32_t& nSent) {
+    if (!m_pSocket) {
+        return ErrorCode::NoTransport;
+    }
+    const auto nLeft = static_cast<std::int32_t>(buffer.getLength() - nSent);
+    const std::int32_t nCount = m_pSocket->send(buffer.data() + nSent, nLeft, false);
+    if (nCount == ISocket::Failed) {
+        logFailedSend(nCount);
+        return ErrorCode::SendFailed;
+    }
+    nSent += static_cast<std::uint32_t>(std::max(nCount, 0));
+    return ErrorCode::Success;
+}
+
+int TCPTransfer::recvSome(CommandBuffer& buffer, InetAddr& from) {
+    int nResult = ErrorCode::Success;
+    if (buffer.getLength() == 0) {
+        m_bHeadReceived = false;
+        nResult = recvHead(readPlain, 0);
+        m_bHeadReceived = false;
+        if (nResult == ErrorCode::Success) {
+            nResult = beginCommand(buffer);
+        }
+    }
+    if (nResult == ErrorCode::Success) {
+        nResult = m_pSocket ? recvPayload(buffer, readPlain, 0) : ErrorCode::NoTransport;
+    }
+    if (nResult == ErrorCode::Success) {
+        from = m_pSocket->getAddress();
     }
     return nResult;
 }

@@ -32,6 +32,10 @@ public:
     int recvCommand(CommandBuffer& buffer, int nTimeoutMs, InetAddr& from) override;
     int recvCommand(CommandBuffer& buffer) override;
 
+    // Both ask for a non-blocking socket.
+    int sendSome(const CommandBuffer& buffer, const InetAddr& to, std::uint32_t& nSent) override;
+    int recvSome(CommandBuffer& buffer, InetAddr& from) override;
+
     int listen(int nBacklog) override;
     int accept(ITransfer& peer, int nTimeoutMs) override;
 
