@@ -1,35 +1,20 @@
-// The two halves of an exchange, and how a reply is told from everything else.
+// Whose turn it is on the connection, and the waiting of callers.
 #include "session/SDKSession.h"
 
-#include <memory>
-#include <utility>
+#include <array>
 
 #include "Product/Technic/ErrorCode.h"
-#include "Product/Technic/MemoryGuard.h"
-#include "domain/EtResult.h"
-#include "protocol/CommandBuffer.h"
-#include "protocol/CommandParserFactory.h"
+#include "Product/Technic/platform/Clock.h"
 #include "session/SequenceNumber.h"
-#include "session/TransferConnector.h"
 
 using namespace fleetkit;
-
-namespace {
-
-constexpr int SendTimeoutMs = 3000;
-
-bool answers(const SDKCommandHeadInfo& reply, const SDKCommandHeadInfo& request) {
-    return reply.getSessionId() == request.getSessionId() &&
-           reply.getSequence() == request.getSequence();
-}
-
-}  // namespace
 
 SDKSession::~SDKSession() noexcept = default;
 
 void SDKSession::setTransfer(const SafePointer<ITransfer>& transfer) {
     const KXMutexGuard guard(m_mutex);
     m_pTransfer = transfer;
+    m_pTransfer->setNonBlocking(true);
 }
 
 void SDKSession::close() {
@@ -39,9 +24,35 @@ void SDKSession::close() {
     }
 }
 
+bool SDKSession::closeIfIdle() {
+    if (!m_mutex.tryLock()) {
+        return false;
+    }
+    close();
+    m_mutex.unlock();
+    return true;
+}
+
+void SDKSession::setExchangeTimeout(std::int32_t nTimeoutMs) noexcept {
+    m_nReplyTimeout = nTimeoutMs;
+    m_nWholeTimeout = nTimeoutMs;
+}
+
 std::int32_t SDKSession::sendRecv(std::uint32_t nCommandId, const DomainList& request,
                                   DomainList& reply) {
     const KXMutexGuard guard(m_mutex);
+    std::optional<Exchange> exchange;
+    Exchange::Result result = begin(exchange, nCommandId, request, reply);
+    while (!result) {
+        std::array arrWaits{exchange->waitsFor()};
+        currentClock().wait(exchange->waitMs(), arrWaits, {});
+        result = proceed(*exchange, arrWaits[0].bReady);
+    }
+    return *result;
+}
+
+Exchange::Result SDKSession::begin(std::optional<Exchange>& exchange, std::uint32_t nCommandId,
+                                   const DomainList& request, DomainList& reply) {
     if (m_pTransfer.isNull()) {
         return ErrorCode::NoTransport;
     }
@@ -50,68 +61,12 @@ std::int32_t SDKSession::sendRecv(std::uint32_t nCommandId, const DomainList& re
     head.setCommandID(nCommandId);
     head.setSessionId(m_nSessionId);
     head.setSequence(nextSequence());
-    const std::int32_t nResult = sendCommand(head, request);
-    return nResult == ErrorCode::Success ? recvCommand(head, reply) : nResult;
+    const ExchangeLimits limits{m_nReplyTimeout, m_nWholeTimeout};
+    return exchange.emplace(*m_pTransfer, limits, reply).begin(head, request, m_dialAddr);
 }
 
-std::int32_t SDKSession::sendCommand(const SDKCommandHeadInfo& head, const DomainList& request) {
-    auto pParam = std::make_unique<SDKCommandParam>();
-    pParam->setHead(head);
-    pParam->setDomains(request);
-    CommandBuffer buffer;
-    const bool bEncoded = guardMemory([&] {
-        return createCommandProtocolParser(ProtocolType::SDK)
-            ->createCommand(wrapSafe<CommandParam>(std::move(pParam)), buffer);
-    });
-    if (!bEncoded) {
-        return ErrorCode::EncodeFailed;
-    }
-    return m_pTransfer->sendCommand(buffer, getDialAddr(m_deviceInfo), SendTimeoutMs);
-}
-
-std::int32_t SDKSession::recvCommand(const SDKCommandHeadInfo& head, DomainList& reply) {
-    for (std::int32_t nMismatches = 0; nMismatches <= m_nMaxMismatch; ++nMismatches) {
-        SafePointer<CommandParam> message;
-        const std::int32_t nResult = recvMessage(message);
-        if (nResult != ErrorCode::Success) {
-            return nResult;
-        }
-        const auto& answer = static_cast<const SDKCommandParam&>(*message);
-        m_nProtocolType = answer.getHead().getProtocolType();
-        const CommandDescriptor* pCommand = findCommand(head.getCommandID());
-        if (pCommand == nullptr) {
-            return ErrorCode::UnknownCommand;
-        }
-        if (answers(answer.getHead(), head)) {
-            return takeReply(answer, *pCommand, reply);
-        }
-    }
-    return ErrorCode::BadReply;
-}
-
-std::int32_t SDKSession::recvMessage(SafePointer<CommandParam>& message) {
-    CommandBuffer buffer;
-    InetAddr from;
-    const std::int32_t nResult = m_pTransfer->recvCommand(buffer, m_nReplyTimeout, from);
-    if (nResult != ErrorCode::Success) {
-        return nResult;
-    }
-    return createCommandProtocolParser(ProtocolType::SDK)->parseCommand(buffer, message)
-               ? ErrorCode::Success
-               : ErrorCode::DecodeFailed;
-}
-
-std::int32_t SDKSession::takeReply(const SDKCommandParam& answer, const CommandDescriptor& command,
-                                   DomainList& reply) {
-    if (answer.getHead().getCommandID() != command.nResponseId) {
-        return ErrorCode::BadReply;
-    }
-    std::int32_t nResult = ErrorCode::BadReply;
-    for (const auto& record : answer.getDomains()) {
-        reply.push_back(record);
-        if (record->getDomainId() == EtResult::DomainId) {
-            nResult = static_cast<const EtResult&>(*record).getCode();
-        }
-    }
-    return nResult;
+Exchange::Result SDKSession::proceed(Exchange& exchange, bool bReady) {
+    const Exchange::Result result = exchange.proceed(bReady);
+    m_nProtocolType = exchange.getProtocolType();
+    return result;
 }

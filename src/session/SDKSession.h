@@ -3,22 +3,22 @@
 
 #include <atomic>
 #include <cstdint>
+#include <optional>
 
 #include "Product/Technic/KXMutex.h"
 #include "Product/Technic/SafePointer.h"
 #include "Product/Technic/ThreadAnnotations.h"
 #include "domain/DeviceInfoEx.h"
 #include "domain/DomainList.h"
-#include "protocol/CommandCatalogue.h"
-#include "protocol/CommandParam.h"
-#include "protocol/SDKCommandHeadInfo.h"
-#include "protocol/SDKCommandParam.h"
+#include "protocol/ProtocolType.h"
+#include "session/Exchange.h"
 #include "session/ITransfer.h"
 
 // Shares its transport, and never reconnects: after `close`, or when the other end is gone, every
 // exchange fails. No failure closes it; that is for its owner and the heartbeat to do.
 //
-// Callable from any thread, except for `setDeviceInfo`, which comes before the session is shared.
+// Callable from any thread, except for `setDeviceInfo` and `setDialAddr`, which come before the
+// session is shared.
 // `sendRecv` and `close` wait for an exchange under way on another thread.
 class SDKSession {
 public:
@@ -32,15 +32,20 @@ public:
     void setDeviceInfo(const DeviceInfoEx& info) { m_deviceInfo = info; }
     const DeviceInfoEx& getDeviceInfo() const noexcept { return m_deviceInfo; }
 
+    // The device's address, looked up once for the session's life.
+    void setDialAddr(const InetAddr& address) { m_dialAddr = address; }
+
     // An empty pointer raises the error of an assigned empty pointer.
     void setTransfer(const SafePointer<ITransfer>& transfer);
 
     // Closes the transport, if there is one. Harmless when repeated.
     void close();
+    bool closeIfIdle();  // false, and nothing closed, while an exchange is under way
 
-    // For each single read of a reply, so a reply that comes in pieces may take longer; negative
-    // waits without limit.
+    // For each single read of a reply, in milliseconds; negative waits without limit.
     void setReplyTimeout(std::int32_t nTimeoutMs) noexcept { m_nReplyTimeout = nTimeoutMs; }
+    // For whole exchanges from now on, a single read among them.
+    void setExchangeTimeout(std::int32_t nTimeoutMs) noexcept;
 
     // The number that the device gave at login: 0 before, and after logout.
     void setSessionId(std::uint32_t nSessionId) noexcept { m_nSessionId = nSessionId; }
@@ -66,19 +71,19 @@ public:
     // empty pointer.
     std::int32_t sendRecv(std::uint32_t nCommandId, const DomainList& request, DomainList& reply);
 
-private:
-    std::int32_t sendCommand(const SDKCommandHeadInfo& head, const DomainList& request)
-        KX_REQUIRES(m_mutex);
-    std::int32_t recvCommand(const SDKCommandHeadInfo& head, DomainList& reply)
-        KX_REQUIRES(m_mutex);
-    std::int32_t recvMessage(SafePointer<CommandParam>& message) KX_REQUIRES(m_mutex);
-    static std::int32_t takeReply(const SDKCommandParam& answer,
-                                  const fleetkit::CommandDescriptor& command, DomainList& reply);
+    // The same in steps, for those who wait for several sessions at once: the lock is theirs, from
+    // before `begin` to the end of the exchange, whose results these give.
+    KXMutex& mutex() KX_RETURNS_LOCK(m_mutex) { return m_mutex; }
+    Exchange::Result begin(std::optional<Exchange>& exchange, std::uint32_t nCommandId,
+                           const DomainList& request, DomainList& reply) KX_REQUIRES(m_mutex);
+    Exchange::Result proceed(Exchange& exchange, bool bReady) KX_REQUIRES(m_mutex);
 
+private:
     SafePointer<ITransfer> m_pTransfer KX_GUARDED_BY(m_mutex);
     DeviceInfoEx m_deviceInfo;
+    InetAddr m_dialAddr;
     std::atomic<std::int32_t> m_nReplyTimeout{DefaultReplyTimeoutMs};
-    const std::int32_t m_nMaxMismatch = 3;  // messages that one exchange may throw away
+    std::atomic<std::int32_t> m_nWholeTimeout{ExchangeLimits().nWhole};
     std::atomic<std::uint32_t> m_nSessionId{0};
     KXMutex m_mutex;  // held through a whole exchange
     std::atomic<std::int32_t> m_nHeartbeatFailures{0};

@@ -52,14 +52,16 @@ std::int32_t SDK_DeviceSessionCreator::createSession(const DeviceInfoEx& info, i
                                                      long& nHandle) {
     DeviceSessionManager& manager = DeviceSessionManager::instance();
     SafePointer<ITransfer> transfer;
+    const InetAddr dial = getDialAddr(info);
     std::int32_t nResult =
-        TransferConnector().connect(info, TransferKind::TCP, transfer, ConnectTimeoutMs);
+        TransferConnector().connect(dial, TransferKind::TCP, transfer, ConnectTimeoutMs);
     if (nResult != ErrorCode::Success) {
         return nResult;
     }
     transfer->setCommandHeadParser(createCommandHeadParser(ProtocolType::SDK));
     SafePointer<SDKSession> session = wrapSafe(std::make_unique<SDKSession>());
     session->setDeviceInfo(info);
+    session->setDialAddr(dial);
     session->setTransfer(transfer);
     session->setReplyTimeout(nReplyTimeoutMs);
     nResult = login(session);

@@ -30,17 +30,22 @@ TransferConnector::TransferConnector() {
 
 int TransferConnector::connect(const DeviceInfoEx& info, int nKind, SafePointer<ITransfer>& out,
                                int nTimeoutMs) {
+    return connect(getDialAddr(info), nKind, out, nTimeoutMs);
+}
+
+int TransferConnector::connect(const InetAddr& dial, int nKind, SafePointer<ITransfer>& out,
+                               int nTimeoutMs) {
     ITransferFactory* pFactory = TransferFactoryMap::instance().find(nKind);
     if (pFactory == nullptr) {
         return ErrorCode::NoTransferFactory;
     }
-    std::unique_ptr<ITransfer> pTransfer = pFactory->create(info.getDeviceAddr().getIPProtoVer());
+    std::unique_ptr<ITransfer> pTransfer = pFactory->create(dial.getIPProtoVer());
     if (!pTransfer) {
         return ErrorCode::NoMemory;
     }
     int nResult = pTransfer->create();
     if (nResult == ErrorCode::Success) {
-        nResult = pTransfer->connect(getDialAddr(info), nTimeoutMs);
+        nResult = pTransfer->connect(dial, nTimeoutMs);
     }
     if (nResult == ErrorCode::Success) {
         out = wrapSafe(std::move(pTransfer));

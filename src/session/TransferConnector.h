@@ -22,4 +22,6 @@ public:
     // NoTransferFactory for a kind that is not registered, NoMemory, SocketOpenFailed or
     // ConnectFailed.
     int connect(const DeviceInfoEx& info, int nKind, SafePointer<ITransfer>& out, int nTimeoutMs);
+    // The same to the address that `getDialAddr` gave.
+    int connect(const InetAddr& dial, int nKind, SafePointer<ITransfer>& out, int nTimeoutMs);
 };
