@@ -1,18 +1,13 @@
 // When a session gets its keep-alive, and when it is given up.
 #include "session/DeviceSessionManager.h"
 
-#include <exception>
+#include <algorithm>
 #include <memory>
+#include <vector>
 
-#include "Product/Technic/ErrorCode.h"
 #include "Product/Technic/KXFunction.h"
 #include "Product/Technic/MemoryGuard.h"
 #include "Product/Technic/platform/Clock.h"
-#include "domain/EtSessionId.h"
-#include "protocol/CommandIds.h"
-#include "session/SessionCommands.h"
-
-using namespace fleetkit;
 
 namespace {
 
@@ -21,40 +16,22 @@ constexpr std::int32_t MostFailures = 3;
 
 constexpr std::uint32_t ScanPauseMs = 3000;
 
-// Seconds since the start of the machine, from its 32-bit tick.
-std::uint32_t secondsNow() {
-    return static_cast<std::uint32_t>(currentClock().monotonicMs()) / 1000;
-}
-
 int doNothing() {
     return 0;
-}
-
-// An exception in a keep-alive is one more failure of that session; it must not end the heartbeat
-// of all.
-bool keepAlive(const SafePointer<SDKSession>& session) {
-    try {
-        return sendHeartBeat(session) == ErrorCode::Success;
-    } catch (const std::exception&) {
-        return false;
-    }
 }
 
 }  // namespace
 
 DeviceSessionManager& DeviceSessionManager::instance() {
-    static DeviceSessionManager manager;
-    return manager;
+    static auto* const pManager = new DeviceSessionManager;
+    return *pManager;
 }
 
-// Reading the time makes the clock older than the process's manager, whose worker uses the clock
-// until the manager is destroyed.
 DeviceSessionManager::DeviceSessionManager()
     : m_pThread(
           wrapSafe(std::make_unique<GThread>(KX_FUNCTION::bind_funcobj0<int, DeviceSessionManager>(
                                                  &DeviceSessionManager::heartBeat, this),
-                                             "SessionHeartBeatThread", doNothing, doNothing))),
-      m_nNow(secondsNow()) {}
+                                             "SessionHeartBeatThread", doNothing, doNothing))) {}
 
 DeviceSessionManager::~DeviceSessionManager() noexcept {
     m_ending.request_stop();
@@ -62,7 +39,6 @@ DeviceSessionManager::~DeviceSessionManager() noexcept {
         m_pThread->stop();
     }
     m_sessions.clear();
-    m_pending.clear();
 }
 
 void DeviceSessionManager::addSession(long nHandle, const SafePointer<SDKSession>& session) {
@@ -93,8 +69,7 @@ void DeviceSessionManager::scanSessions(std::uint32_t nNow,
     const KXMutexGuard guard(m_mutex);
     for (auto it = m_sessions.begin(); it != m_sessions.end();) {
         const SafePointer<SDKSession>& session = it->second;
-        if (session->getHeartbeatFailures() >= MostFailures) {
-            session->close();
+        if (session->getHeartbeatFailures() >= MostFailures && session->closeIfIdle()) {
             it = m_sessions.erase(it);
             continue;
         }
@@ -106,30 +81,57 @@ void DeviceSessionManager::scanSessions(std::uint32_t nNow,
 }
 
 int DeviceSessionManager::heartBeat() {
-    if (m_pending.empty()) {
+    // Without memory the rest is found by the next scan.
+    const bool bMemory = guardMemory([this] {
+        waitAndProceed();
+        scanIfDue();
+        return true;
+    });
+    if (!bMemory) {
         currentClock().sleepMs(ScanPauseMs, m_ending.get_token());
-        if (!m_ending.stop_requested()) {
-            m_nNow = secondsNow();
-            // Without memory the rest is found by the next scan.
-            guardMemory([this] {
-                scanSessions(m_nNow, m_pending);
-                return true;
-            });
-        }
-        return 0;
     }
-    const SafePointer<SDKSession>& session = m_pending.front();
-    session->setHeartbeatFailures(keepAlive(session) ? 0 : session->getHeartbeatFailures() + 1);
-    session->setLastHeartbeat(m_nNow);
-    m_pending.pop_front();
+    if (m_ending.stop_requested()) {
+        m_pending.clear();
+    }
     return 0;
 }
 
-std::int32_t sendHeartBeat(const SafePointer<SDKSession>& session) {
-    if (session.isNull()) {
-        return ErrorCode::NoTransport;
+void DeviceSessionManager::waitAndProceed() {
+    const std::uint64_t nNow = currentClock().monotonicMs();
+    if (m_nNextScanMs == 0) {
+        m_nNextScanMs = nNow + ScanPauseMs;
     }
-    EtSessionId sessionId;
-    sessionId.setSessionId(static_cast<int>(session->getSessionId()));
-    return sendSet(session, CommandId::keepAlive, sessionId);
+    auto nWaitMs = static_cast<std::uint32_t>(m_nNextScanMs - std::min(m_nNextScanMs, nNow));
+    std::vector<SocketApi::Wait> vecWaits;
+    for (const KeepAlive& keepAlive : m_pending) {
+        vecWaits.push_back(keepAlive.waitsFor());
+        nWaitMs = std::min(nWaitMs, keepAlive.waitMs());
+    }
+    currentClock().wait(nWaitMs, vecWaits, m_ending.get_token());
+    auto wait = vecWaits.begin();
+    for (KeepAlive& keepAlive : m_pending) {
+        keepAlive.proceed((wait++)->bReady);
+    }
+    m_pending.remove_if([](const KeepAlive& keepAlive) { return !keepAlive.isUnderWay(); });
+}
+
+void DeviceSessionManager::scanIfDue() {
+    const std::uint64_t nNow = currentClock().monotonicMs();
+    if (nNow < m_nNextScanMs || m_ending.stop_requested()) {
+        return;
+    }
+    m_nNextScanMs = nNow + ScanPauseMs;
+    // As the 32-bit tick of the machine counts.
+    const std::uint32_t nSeconds = static_cast<std::uint32_t>(nNow) / 1000;
+    std::list<SafePointer<SDKSession>> listDue;
+    scanSessions(nSeconds, listDue);
+    for (const SafePointer<SDKSession>& session : listDue) {
+        KeepAlive& keepAlive = m_pending.emplace_back(session);
+        if (keepAlive.begin()) {
+            session->setLastHeartbeat(nSeconds);
+        }
+        if (!keepAlive.isUnderWay()) {
+            m_pending.pop_back();
+        }
+    }
 }

@@ -10,19 +10,22 @@
 #include "Product/Technic/KXMutex.h"
 #include "Product/Technic/SafePointer.h"
 #include "Product/Technic/ThreadAnnotations.h"
+#include "session/KeepAlive.h"
 #include "session/SDKSession.h"
 
 // Sends every session a keep-alive when more than 60 seconds have passed since the last one. A
 // session whose keep-alives failed three times in a row, for whatever reason, is closed and taken
-// out of the table by the next scan; one good keep-alive makes up for all failures before it.
+// out of the table by the next scan; one good keep-alive makes up for all failures before it. A
+// session in an exchange is left alone until the next scan.
 //
-// Callable from any thread, except for `heartBeat`, which belongs to one. The table's lock is taken
-// before that of a session: a scan that closes a dead session waits for the exchange under way on
-// it, and everybody who wants the table waits with it.
+// One thread serves all sessions: nothing that it does waits for a single one of them.
+//
+// Callable from any thread, except for `heartBeat`, which belongs to one. Nobody waits for an
+// exchange while holding the table's lock.
 class DeviceSessionManager {
 public:
-    // The one of the process, made at first use and destroyed at exit. Sessions still open then are
-    // closed without logging out.
+    // The one of the process, made at first use and never destroyed: at the end of the process
+    // other threads may still be in it. Sessions still open then end without logging out.
     static DeviceSessionManager& instance();
 
     DeviceSessionManager();
@@ -42,18 +45,18 @@ public:
     // drops the dead ones.
     void scanSessions(std::uint32_t nNow, std::list<SafePointer<SDKSession>>& pending);
 
-    // One round of the heartbeat: a keep-alive if the last scan left one to send, else a pause of
-    // 3 seconds and a scan. Always 0.
+    // One round of the heartbeat: waits until the next scan, which is due every 3 seconds, or until
+    // a keep-alive under way can go on, and does what there is to do then. Always 0.
     int heartBeat();
 
 private:
+    void waitAndProceed();
+    void scanIfDue();
+
     KXMutex m_mutex;
     std::map<long, SafePointer<SDKSession>> m_sessions KX_GUARDED_BY(m_mutex);
     std::stop_source m_ending;
     SafePointer<GThread> m_pThread;
-    std::uint32_t m_nNow;                          // of the last scan, in seconds
-    std::list<SafePointer<SDKSession>> m_pending;  // due for a keep-alive since then
+    std::uint64_t m_nNextScanMs = 0;  // 0 before the first round
+    std::list<KeepAlive> m_pending;   // under way
 };
-
-// The keep-alive command of a session that is logged in.
-std::int32_t sendHeartBeat(const SafePointer<SDKSession>& session);

@@ -33,7 +33,9 @@ constexpr int ScansBetweenKeepAlives = 21;
 class RaisingTransfer : public UDPTransfer {
 public:
     RaisingTransfer() : UDPTransfer(1) {}
-    int sendCommand(const CommandBuffer&, const InetAddr&, int) override { throw std::bad_alloc(); }
+    int sendSome(const CommandBuffer&, const InetAddr&, std::uint32_t&) override {
+        throw std::bad_alloc();
+    }
 };
 
 class Heartbeat : public testing::Test {
@@ -147,32 +149,37 @@ TEST_F(Heartbeat, DropsSessionsAtTheScanAfterTheThirdFailureWhateverItIs) {
     EXPECT_TRUE(isSystemRunning());
 }
 
-TEST_F(Heartbeat, SessionThatLeftTheTableWhileItWasDueFailsOnceAndIsForgotten) {
+TEST_F(Heartbeat, LeavesASessionInAnExchangeAloneUntilTheNextScan) {
     std::promise<void> arrived;
-    std::promise<void> removed;
-    ScriptedPeer firstPeer([&](PeerLink& link) {
+    std::promise<void> scanned;
+    std::atomic<int> nKeepAlives{0};
+    ScriptedPeer peer([&](PeerLink& link) {
         PeerRequest request;
         link.read(request);
         arrived.set_value();
-        removed.get_future().wait();
-        link.send(peerAnswer(request, Acknowledged, peerResult(0)));
-        answerAll(Acknowledged)(link);
+        scanned.get_future().wait();
+        link.send(peerAnswer(request, ReadTime + 1, peerResult(0)));
+        answerEach([&](const PeerRequest& next) {
+            ++nKeepAlives;
+            return peerAnswer(next, Acknowledged, peerResult(0));
+        })(link);
     });
-    ScriptedPeer secondPeer(answerAll(Acknowledged));
-    const auto first = connectTo(firstPeer);
-    const auto second = connectTo(secondPeer);
-    addSession(1, first);
-    addSession(2, second);
-    m_clock.advanceMs(3000);
+    const auto session = connectTo(peer);
+    session->setExchangeTimeout(60 * 1000);
+    std::jthread caller([&] {
+        DomainList reply;
+        EXPECT_EQ(session->sendRecv(ReadTime, {}, reply), 0);
+    });
     arrived.get_future().wait();
-    m_pManager->removeSession(2);
-    second->close();
-    removed.set_value();
-    m_clock.awaitSleeper();
-    EXPECT_EQ(second->getHeartbeatFailures(), 1);
-    scan(ScansBetweenKeepAlives);
-    EXPECT_EQ(second->getHeartbeatFailures(), 1);
-    EXPECT_EQ(first->getLastHeartbeat(), 1066u);
+    addSession(1, session);
+    scan(2);
+    EXPECT_EQ(session->getLastHeartbeat(), 0u);
+    EXPECT_EQ(session->getHeartbeatFailures(), 0);
+    scanned.set_value();
+    caller.join();
+    scan();
+    EXPECT_EQ(session->getLastHeartbeat(), 1009u);
+    EXPECT_EQ(nKeepAlives, 1);
 }
 
 // Nobody moves the clock any more: the end cuts the pause of the heartbeat short.
