@@ -29,6 +29,9 @@ local:
 
 target_link_options(FleetKit PRIVATE
   "LINKER:--version-script=${version_script}" "LINKER:--as-needed")
+
+# Sessions and the thread that keeps them alive outlive a dlclose() of the library.
+target_link_options(FleetKit PRIVATE "LINKER:-z,nodelete")
 set_property(TARGET FleetKit APPEND PROPERTY LINK_DEPENDS "${version_script}")
 
 # It calls nothing of the C library itself, and every library of a package is to name that one.

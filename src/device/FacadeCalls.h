@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "Product/Technic/platform/NativeThread.h"
 #include "device/DeviceType.h"
 #include "device/FleetKitImpl.h"
 #include "device/SDK_IPCDeviceController.h"
@@ -21,6 +22,7 @@ int withController(const long& handle, const Operation& operation) {
     if (FleetKitImpl::instance() == nullptr) {
         return fleetkit::ErrorCode::Failed;
     }
+    const CancellationDeferral deferral;
     Controller controller;
     return controller.attachSession(handle) ? operation(controller) : fleetkit::ErrorCode::Failed;
 }

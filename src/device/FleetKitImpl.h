@@ -1,19 +1,23 @@
 // The one global instance behind the static functions of `FleetKit`.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 
+#include "Product/Technic/KXMutex.h"
+#include "Product/Technic/ThreadAnnotations.h"
 #include "device/TarnStruct.h"
 #include "device/VideoContext.h"
 #include "domain/DeviceInfoEx.h"
 #include "session/SDK_DeviceSessionCreator.h"
 
-// Lives from the load of the module to its unload. Callable from any thread, except for
-// `startPlay`: one thread at a time.
+// The one of the module is made at its load and never destroyed, as other threads may be in it
+// while the process ends; only its parts go then, which does not happen in a child of the process.
+// Callable from any thread, except for `startPlay`: one thread at a time.
 class FleetKitImpl {
 public:
-    static FleetKitImpl* instance() noexcept;
+    static FleetKitImpl* instance() noexcept;  // null if there was no memory for it
 
     FleetKitImpl();
     ~FleetKitImpl();
@@ -28,18 +32,22 @@ public:
     int logout(long handle) noexcept;
     int startPlay(long hWindow, const NS_TARN_STRUCT::tagDeviceInfoEx& device);
 
-    // Lets go of the parts; open sessions are not logged out. Afterwards logins fail.
-    void unload();
+    // Lets go of the parts, of the video once a start under way is over; open sessions are not
+    // logged out. Afterwards logins fail.
+    void unload() noexcept;
 
 private:
     // `createSession` takes a copy of the login data.
     template <class CreateSession>
     int guardLogin(const DeviceInfoEx& info, CreateSession createSession) noexcept;
-    int play(long hWindow);
-    void stop();
+    std::shared_ptr<VideoContext> video();  // null after unload
+    int play(long hWindow, VideoContext& video);
+    void stop(VideoContext& video);
 
-    std::unique_ptr<SDK_DeviceSessionCreator> m_pSessionCreator;
+    std::atomic<bool> m_bLoaded{true};
+    SDK_DeviceSessionCreator m_sessionCreator;
     std::uint32_t m_hNetLogin = 0;
     std::uint32_t m_hPlayer = 0;
-    std::unique_ptr<VideoContext> m_pVideoContext;
+    KXMutex m_mutex;
+    std::shared_ptr<VideoContext> m_pVideo KX_GUARDED_BY(m_mutex);
 };

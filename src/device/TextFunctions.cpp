@@ -15,6 +15,7 @@ int setDevicePasswd(const long& handle, const std::string& oldPassword,
 
 int setDeviceHostNetwork(const std::string& deviceId, const HostNetwork& network,
                          const User& user) {
+    const CancellationDeferral deferral;
     return FleetKitImpl::instance() ? setHostNetworkByMulticast(deviceId, network, user)
                                     : ErrorCode::Failed;
 }

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
 
 #include "domain/DomainTables.h"
 #include "domain/MemberVisitor.h"
@@ -49,14 +50,14 @@ bool equalRecords(const RecordDescriptor& descriptor, const void* pLeft, const v
 }
 
 const std::vector<const RecordDescriptor*>& recordDescriptors() {
-    static const std::vector<const RecordDescriptor*> vecDescriptors = [] {
-        std::vector<const RecordDescriptor*> vecAll;
+    static const auto* const pDescriptors = [] {
+        auto pAll = std::make_unique<std::vector<const RecordDescriptor*>>();
         for (const auto& describe : DomainTables::descriptors()) {
-            vecAll.push_back(&describe());
+            pAll->push_back(&describe());
         }
-        return vecAll;
+        return pAll.release();
     }();
-    return vecDescriptors;
+    return *pDescriptors;
 }
 
 const RecordDescriptor* findRecordDescriptor(std::uint32_t nDomainId) noexcept {

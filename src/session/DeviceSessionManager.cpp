@@ -23,7 +23,7 @@ int doNothing() {
 }  // namespace
 
 DeviceSessionManager& DeviceSessionManager::instance() {
-    static auto* const pManager = new DeviceSessionManager;
+    static auto* const pManager = std::make_unique<DeviceSessionManager>().release();
     return *pManager;
 }
 

@@ -1,11 +1,11 @@
 // Login and logout, and what has to stand around them.
 #include "session/SDK_DeviceSessionCreator.h"
 
+#include <atomic>
 #include <memory>
 #include <string>
 
 #include "Product/Technic/ErrorCode.h"
-#include "Product/Technic/KXMutex.h"
 #include "domain/EtSessionId.h"
 #include "domain/UserParam.h"
 #include "protocol/CommandIds.h"
@@ -23,9 +23,7 @@ namespace {
 constexpr int ConnectTimeoutMs = 3000;
 
 std::uint32_t nextSessionHandle() {
-    static KXMutex mutex;
-    static std::uint32_t nLast = 0;
-    const KXMutexGuard guard(mutex);
+    static std::atomic<std::uint32_t> nLast{0};
     return ++nLast;
 }
 

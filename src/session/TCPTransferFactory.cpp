@@ -1,6 +1,7 @@
 // TCP transports, and their place in the registry.
 #include "session/TCPTransferFactory.h"
 
+#include <memory>
 #include <new>
 
 #include "session/TCPTransfer.h"
@@ -11,6 +12,9 @@ std::unique_ptr<ITransfer> TCPTransferFactory::create(int nIPProtoVer) {
 }
 
 void registerTCPTransfer() {
-    static const TransferFactoryRegistrar registrar(TransferKind::TCP,
-                                                    std::make_unique<TCPTransferFactory>());
+    static const auto* const pRegistrar =
+        std::make_unique<TransferFactoryRegistrar>(TransferKind::TCP,
+                                                   std::make_unique<TCPTransferFactory>())
+            .release();
+    static_cast<void>(pRegistrar);
 }

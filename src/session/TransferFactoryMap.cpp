@@ -2,8 +2,8 @@
 #include "session/TransferFactoryMap.h"
 
 TransferFactoryMap& TransferFactoryMap::instance() {
-    static TransferFactoryMap map;
-    return map;
+    static auto* const pMap = std::unique_ptr<TransferFactoryMap>(new TransferFactoryMap).release();
+    return *pMap;
 }
 
 void TransferFactoryMap::add(int nKind, ITransferFactory* pFactory) {

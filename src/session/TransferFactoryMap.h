@@ -8,8 +8,8 @@
 #include "Product/Technic/ThreadAnnotations.h"
 #include "session/ITransferFactory.h"
 
-// One in the process, made at first use. Callable from any thread. What `find` gives lives as long
-// as its key stays in the map.
+// One in the process, made at first use and never destroyed. Callable from any thread. What `find`
+// gives lives as long as its key stays in the map.
 class TransferFactoryMap {
 public:
     static TransferFactoryMap& instance();

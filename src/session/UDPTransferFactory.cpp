@@ -1,6 +1,7 @@
 // UDP transports, and their place in the registry.
 #include "session/UDPTransferFactory.h"
 
+#include <memory>
 #include <new>
 
 #include "session/TransferFactoryMap.h"
@@ -11,6 +12,9 @@ std::unique_ptr<ITransfer> UDPTransferFactory::create(int nIPProtoVer) {
 }
 
 void registerUDPTransfer() {
-    static const TransferFactoryRegistrar registrar(TransferKind::UDP,
-                                                    std::make_unique<UDPTransferFactory>());
+    static const auto* const pRegistrar =
+        std::make_unique<TransferFactoryRegistrar>(TransferKind::UDP,
+                                                   std::make_unique<UDPTransferFactory>())
+            .release();
+    static_cast<void>(pRegistrar);
 }

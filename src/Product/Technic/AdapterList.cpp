@@ -1,6 +1,7 @@
 // Adapters out of the list of interfaces: one for each, whatever labels its addresses have.
 #include "Product/Technic/AdapterList.h"
 
+#include <memory>
 #include <utility>
 
 #include "Product/Technic/platform/InterfaceList.h"
@@ -8,8 +9,8 @@
 namespace {
 
 AdapterLister& currentLister() {
-    static AdapterLister lister;
-    return lister;
+    static auto* const pLister = std::make_unique<AdapterLister>().release();
+    return *pLister;
 }
 
 }  // namespace

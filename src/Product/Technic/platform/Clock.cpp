@@ -14,7 +14,7 @@ namespace {
 // How long a wait that nobody can end may take.
 constexpr std::chrono::milliseconds Slice{100};
 
-class SystemClock : public IClock {
+class SystemClock final : public IClock {
 public:
     std::uint64_t monotonicMs() override {
         using std::chrono::milliseconds;

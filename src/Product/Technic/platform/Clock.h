@@ -11,8 +11,6 @@
 // A source of time. Implementations are safe to use from any thread.
 class IClock {
 public:
-    virtual ~IClock() = default;
-
     virtual std::uint64_t monotonicMs() = 0;  // since some fixed moment, never going back
     virtual std::time_t calendarTime() = 0;   // seconds since 1970, UTC
 
@@ -23,6 +21,11 @@ public:
                       const std::stop_token& stop) = 0;
 
     void sleepMs(std::uint32_t nMs, const std::stop_token& stop = {}) { wait(nMs, {}, stop); }
+
+protected:
+    // Nobody owns a clock by its interface; the system's one then needs no end, and serves threads
+    // that outlast `main`.
+    ~IClock() = default;
 };
 
 // The clock that the library uses: the system's, unless a ScopedClock is alive.

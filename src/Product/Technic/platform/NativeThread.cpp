@@ -7,6 +7,18 @@ std::uint32_t currentThreadId() noexcept {
     return static_cast<std::uint32_t>(gettid());
 }
 
+std::uint32_t currentProcessId() noexcept {
+    return static_cast<std::uint32_t>(getpid());
+}
+
+CancellationDeferral::CancellationDeferral() noexcept {
+    pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &m_nState);
+}
+
+CancellationDeferral::~CancellationDeferral() {
+    pthread_setcancelstate(m_nState, nullptr);
+}
+
 bool NativeThread::start(Entry pEntry, void* pArgument) noexcept {
     pthread_t thread{};
     if (pthread_create(&thread, nullptr, pEntry, pArgument) != 0) {

@@ -9,6 +9,22 @@
 // Id of the calling thread, as the system's own tools show it.
 std::uint32_t currentThreadId() noexcept;
 
+// Of the program, another one in a child.
+std::uint32_t currentProcessId() noexcept;
+
+// Puts a cancellation of the calling thread off to the end of the scope: it would leave locks held,
+// and unwind functions that promise not to throw.
+class CancellationDeferral {
+public:
+    CancellationDeferral() noexcept;
+    ~CancellationDeferral();
+    CancellationDeferral(const CancellationDeferral&) = delete;
+    CancellationDeferral& operator=(const CancellationDeferral&) = delete;
+
+private:
+    int m_nState = 0;
+};
+
 // A handle to one thread, empty again after join(), which comes before the handle's end. Not
 // protected: one thread at a time uses a handle.
 class NativeThread {
