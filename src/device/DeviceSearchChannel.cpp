@@ -178,24 +178,31 @@ int DeviceSearchChannel::encode(std::uint16_t nSequence, const std::string& strD
 }
 
 int DeviceSearchChannel::waitForReply(ITransfer& transfer, std::uint16_t nSequence) const {
+    int nCode = ErrorCode::BadReply;
     for (int nStrays = 0; nStrays <= MaxStrays; ++nStrays) {
         CommandBuffer buffer;
         InetAddr from;
-        const int nCode = transfer.recvCommand(buffer, ReadTimeoutMs, from);
-        if (nCode != ErrorCode::Success) {
+        nCode = transfer.recvCommand(buffer, ReadTimeoutMs, from);
+        if (nCode == ErrorCode::Success) {
+            if (isReply(buffer, nSequence)) {
+                return ErrorCode::Success;
+            }
+            nCode = ErrorCode::BadReply;
+        } else if (nCode != ErrorCode::ReceiveFailed) {  // which an empty datagram gives as well
             return nCode;
         }
-        SafePointer<CommandParam> message;
-        if (!createCommandProtocolParser(ProtocolType::SDK)->parseCommand(buffer, message)) {
-            return ErrorCode::DecodeFailed;
-        }
-        const SDKCommandHeadInfo& head = static_cast<const SDKCommandParam&>(*message).getHead();
-        if (head.getCommandID() == CommandId::getHostNetworkReply &&
-            head.getSessionId() == m_nSessionId && head.getSequence() == nSequence) {
-            return ErrorCode::Success;
-        }
     }
-    return ErrorCode::BadReply;
+    return nCode;
+}
+
+bool DeviceSearchChannel::isReply(const CommandBuffer& buffer, std::uint16_t nSequence) const {
+    SafePointer<CommandParam> message;
+    if (!createCommandProtocolParser(ProtocolType::SDK)->parseCommand(buffer, message)) {
+        return false;
+    }
+    const SDKCommandHeadInfo& head = static_cast<const SDKCommandParam&>(*message).getHead();
+    return head.getCommandID() == CommandId::getHostNetworkReply &&
+           head.getSessionId() == m_nSessionId && head.getSequence() == nSequence;
 }
 
 int setHostNetworkByMulticast(const std::string& strDeviceId, const HostNetwork& network,

@@ -22,8 +22,8 @@ public:
     // Sends the network setting from this local address and waits for an answer, whose body is not
     // looked at. SendFailed, ReceiveFailed or ReceiveTimedOut (3 s for each read); BindFailed for
     // an IPv6 address that cannot be bound; NoTransferFactory for an IP version other than 1 and 2;
-    // CipherFailed; EncodeFailed; DecodeFailed for an answer that cannot be decoded; BadReply after
-    // four that answer something else; SocketOpenFailed.
+    // CipherFailed; EncodeFailed; BadReply after four datagrams that are no answer, and
+    // ReceiveFailed when the fourth was empty; SocketOpenFailed. Anybody can send datagrams here.
     int setHostNetwork(const InetAddr& local, const std::string& strDeviceId,
                        const HostNetwork& network, const User& user);
 
@@ -31,6 +31,7 @@ private:
     int encode(std::uint16_t nSequence, const std::string& strDeviceId, const HostNetwork& network,
                const User& user, CommandBuffer& buffer) const;
     int waitForReply(ITransfer& transfer, std::uint16_t nSequence) const;
+    bool isReply(const CommandBuffer& buffer, std::uint16_t nSequence) const;
 
     std::uint32_t m_nSessionId = 0;
 };

@@ -63,7 +63,10 @@ std::vector<Datagram> heard(const std::vector<Answers>& vecAnswers,
             EXPECT_TRUE(decodeCommandHead(buffer.data(), buffer.getLength(), request.m_head));
             request.m_strBody = bytesOf(buffer).substr(SDKCommandHeadInfo::WireLength);
             for (const Answer& answer : answers) {
-                EXPECT_EQ(member.sendCommand(bufferOf(answer(request)), from, LongMs), 0);
+                const std::string strAnswer = answer(request);
+                // An empty one goes out all the same.
+                EXPECT_EQ(member.sendCommand(bufferOf(strAnswer), from, LongMs),
+                          strAnswer.empty() ? ErrorCode::SendFailed : ErrorCode::Success);
             }
         }
     });
@@ -88,6 +91,7 @@ const Answer Late = answering(1);
 const Answer OtherSession = answering(0, 5);
 const Answer OtherCommand = answering(0, 0, 10000);
 const Answer Broken = [](const PeerRequest&) { return "no command"; };
+const Answer Empty = [](const PeerRequest&) { return ""; };
 
 HostNetwork network() {
     auto network = with(&HostNetwork::setLocalIp, NewAddress);
@@ -181,10 +185,11 @@ TEST(SetHostNetworkByMulticast, TellsAnswersFromStraysAndGivesTheCodeOfTheLastAd
         {{{Late, Late, Late, Late, Good}}, ErrorCode::BadReply},
         {{Answers(4, OtherSession)}, ErrorCode::BadReply},
         {{Answers(4, OtherCommand)}, ErrorCode::BadReply},
-        {{{Late, Broken, Good}}, ErrorCode::DecodeFailed},
-        {{{}, {Broken}}, ErrorCode::Success},  // silence counts as success
-        {{{Broken}, Answers(4, Late)}, ErrorCode::BadReply},
-        {{Answers(4, Late), {Broken}}, ErrorCode::DecodeFailed},
+        {{{Late, Broken, Empty, Good}}, ErrorCode::Success},
+        {{Answers(4, Broken)}, ErrorCode::BadReply},
+        {{{}, Answers(4, Empty)}, ErrorCode::Success},  // silence counts as success
+        {{Answers(4, Empty), Answers(4, Late)}, ErrorCode::BadReply},
+        {{Answers(4, Late), Answers(4, Empty)}, ErrorCode::ReceiveFailed},
     };
     inOwnNetwork([&] {
         for (const auto& [vecAnswers, nCode] : arrCases) {
@@ -229,7 +234,5 @@ TEST(SetHostNetworkByMulticast, SetsTheDeviceThatIsNamedFromOneHostToAnother) {
         // Damaged answers give themselves away by their codes: they did arrive.
         device->misbehave("strays=4:32506", 1);
         EXPECT_EQ(set(), ErrorCode::BadReply);
-        device->misbehave("bad-checksum:32506", 1);
-        EXPECT_EQ(set(), ErrorCode::DecodeFailed);
     });
 }
