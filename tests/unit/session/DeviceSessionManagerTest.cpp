@@ -1,22 +1,22 @@
-// The table of sessions, and the heartbeat on a clock that the test moves.
+// The table of sessions, and the heartbeat on the clock of simulated devices.
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <cstdlib>
 #include <deque>
-#include <future>
 #include <memory>
 #include <new>
+#include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "Product/Technic/ErrorCode.h"
 #include "Product/Technic/SystemRunning.h"
 #include "session/DeviceSessionManager.h"
-#include "session/UDPTransfer.h"
 #include "support/ChildProcess.h"
-#include "support/GatedClock.h"
 #include "unit/session/ConnectedSession.h"
+#include "unit/session/SimulatedDevices.h"
 
 using namespace fleetkit;
 
@@ -25,49 +25,31 @@ namespace {
 constexpr std::uint32_t KeepAlive = 11007;
 constexpr std::uint32_t Acknowledged = 10000;
 constexpr std::uint32_t ReadTime = 30507;
-constexpr std::uint64_t StartMs = 1000 * 1000;
 
-// From one scan to the next one that finds the session due again: 63 seconds later.
-constexpr int ScansBetweenKeepAlives = 21;
-
-class RaisingTransfer : public UDPTransfer {
-public:
-    RaisingTransfer() : UDPTransfer(1) {}
-    int sendSome(const CommandBuffer&, const InetAddr&, std::uint32_t&) override {
-        throw std::bad_alloc();
-    }
-};
+const Behaviour Acknowledges = answersAfter(0, Acknowledged);
 
 class Heartbeat : public testing::Test {
 protected:
-    void addSession(long nHandle, const SafePointer<SDKSession>& session) {
-        m_pManager->addSession(nHandle, session);
-        m_clock.awaitSleeper();
-    }
+    void SetUp() override { m_devices.halt(); }
 
     bool knows(long nHandle) {
         SafePointer<SDKSession> found;
         return m_pManager->findSession(nHandle, found);
     }
 
-    // Lets scans pass, with all keep-alives that they ask for.
-    void scan(int nScans = 1) {
-        for (int nScan = 0; nScan < nScans; ++nScan) {
-            m_clock.advanceMs(3000);
-            m_clock.awaitSleeper();
-        }
-    }
+    void runUntilSecond(std::uint64_t nSecond) { m_devices.runUntil(nSecond * 1000); }
 
-    GatedClock m_clock{StartMs};
-    ScopedClock m_inPlace{m_clock};
+    static constexpr std::uint64_t StartMs = 1000 * 1000;
+
+    SimulatedDevices m_devices{StartMs};
+    ScopedClock m_inPlace{m_devices};
     std::unique_ptr<DeviceSessionManager> m_pManager = std::make_unique<DeviceSessionManager>();
 };
 
 TEST_F(Heartbeat, KeepsTheTableByHandle) {
-    ScriptedPeer peer(answerAll(Acknowledged));
-    const auto first = connectTo(peer);
-    addSession(1, first);
-    addSession(1, wrapSafe(std::make_unique<SDKSession>()));
+    const auto first = m_devices.add(Acknowledges);
+    m_pManager->addSession(1, first);
+    m_pManager->addSession(1, wrapSafe(std::make_unique<SDKSession>()));
     SafePointer<SDKSession> found;
     ASSERT_TRUE(m_pManager->findSession(1, found));
     EXPECT_EQ(found.get(), first.get());
@@ -77,121 +59,135 @@ TEST_F(Heartbeat, KeepsTheTableByHandle) {
     m_pManager->removeSession(2);
     m_pManager->removeSession(1);
     EXPECT_FALSE(knows(1));
-    EXPECT_EQ(sendHeartBeat(found), 0);
-    scan(3);
+    runUntilSecond(1010);
     EXPECT_EQ(found->getLastHeartbeat(), 0u);
+    EXPECT_EQ(sendHeartBeat(found), 0);
 }
 
 TEST_F(Heartbeat, GoesOutAtTheFirstScanAndThenAfterMoreThanSixtySeconds) {
-    std::atomic<int> nRequests{0};
-    ScriptedPeer peer(answerEach([&](const PeerRequest& request) {
-        ++nRequests;
+    std::vector<std::uint64_t> vecMoments;
+    const auto session = m_devices.add([&](const PeerRequest& request) {
+        vecMoments.push_back(m_devices.monotonicMs() / 1000);
         EXPECT_EQ(request.m_head.getCommandID(), KeepAlive);
         EXPECT_EQ(request.m_head.getSessionId(), 0xFFFFFFFEu);
         EXPECT_NE(request.m_strBody.find("<SessionId SessionId=\"-2\" />"), std::string::npos)
             << request.m_strBody;
-        return peerAnswer(request, Acknowledged, peerResult(0));
-    }));
-    const auto session = connectTo(peer);
+        return Acknowledges(request);
+    });
     session->setSessionId(0xFFFFFFFE);
-    addSession(1, session);
-    EXPECT_EQ(nRequests, 0);
-    scan();
-    EXPECT_EQ(session->getLastHeartbeat(), 1003u);
-    scan(ScansBetweenKeepAlives - 1);
-    EXPECT_EQ(nRequests, 1);
-    scan();
-    EXPECT_EQ(nRequests, 2);
-    EXPECT_EQ(session->getLastHeartbeat(), 1066u);
+    m_pManager->addSession(1, session);
+    runUntilSecond(1130);
+    EXPECT_EQ(vecMoments, (std::vector<std::uint64_t>{1003, 1066, 1129}));
+    EXPECT_EQ(session->getLastHeartbeat(), 1129u);
     EXPECT_EQ(session->getHeartbeatFailures(), 0);
 }
 
 TEST_F(Heartbeat, DropsSessionsAtTheScanAfterTheThirdFailureWhateverItIs) {
-    const auto raising = wrapSafe(std::make_unique<SDKSession>());
-    raising->setTransfer(wrapSafe<ITransfer>(std::make_unique<RaisingTransfer>()));
-    std::vector<SafePointer<SDKSession>> vecDead{raising};
+    const Behaviour arrFailing[] = {
+        answersAfter(0, Acknowledged, 5),
+        answersAfter(0, 30508),
+        [](const PeerRequest&) { return Arrivals(); },
+        [](const PeerRequest&) {
+            return Arrivals{{0, ""}};
+        },
+        [](const PeerRequest&) -> Arrivals { throw std::bad_alloc(); },
+    };
+    std::vector<SafePointer<SDKSession>> vecDead;
+    for (const Behaviour& failing : arrFailing) {
+        vecDead.push_back(m_devices.add(failing));
+        m_pManager->addSession(static_cast<long>(vecDead.size()), vecDead.back());
+    }
     int nRequests = 0;
-    std::deque<ScriptedPeer> listPeers;
-    for (const ScriptedPeer::Script& script :
-         {answerAll(Acknowledged, 5), answerAll(30508),
-          answerEach([](const PeerRequest&) { return std::string(); }),
-          ScriptedPeer::Script([](PeerLink&) {})}) {
-        vecDead.push_back(connectTo(listPeers.emplace_back(script)));
-        vecDead.back()->setReplyTimeout(SilenceMs);
-    }
-    const auto recovering =
-        connectTo(listPeers.emplace_back(answerEach([&](const PeerRequest& request) {
-            return peerAnswer(request, Acknowledged, peerResult(++nRequests < 3 ? 5 : 0));
-        })));
-    addSession(99, recovering);
-    for (std::size_t nDead = 0; nDead < vecDead.size(); ++nDead) {
-        addSession(static_cast<long>(nDead), vecDead[nDead]);
-    }
-    const auto expectAll = [&](int nFailures, bool bKnown) {
+    const auto recovering = m_devices.add([&](const PeerRequest& request) {
+        return answersAfter(0, Acknowledged, ++nRequests < 3 ? 5 : 0)(request);
+    });
+    m_pManager->addSession(99, recovering);
+    const auto expectAll = [&](std::uint64_t nSecond, int nFailures, bool bKnown) {
+        runUntilSecond(nSecond);
         for (std::size_t nDead = 0; nDead < vecDead.size(); ++nDead) {
             EXPECT_EQ(vecDead[nDead]->getHeartbeatFailures(), nFailures) << nDead;
-            EXPECT_EQ(knows(static_cast<long>(nDead)), bKnown) << nDead;
+            EXPECT_EQ(knows(static_cast<long>(nDead) + 1), bKnown) << nDead;
         }
     };
-    scan();
-    expectAll(1, true);
-    scan(2 * ScansBetweenKeepAlives);
-    expectAll(3, true);
-    scan();
-    expectAll(3, false);
-    scan(ScansBetweenKeepAlives);
-    expectAll(3, false);
-    DomainList reply;
+    expectAll(1008, 1, true);
+    expectAll(1128, 2, true);
+    runUntilSecond(1131);
+    EXPECT_TRUE(knows(1));
+    runUntilSecond(1133);
+    EXPECT_FALSE(knows(1));
+    EXPECT_TRUE(knows(3)) << "silence fails later than the rest";
+    expectAll(1300, 3, false);
+    Records reply;
     EXPECT_EQ(vecDead.back()->sendRecv(ReadTime, {}, reply), ErrorCode::NoTransport);
     EXPECT_TRUE(knows(99)) << "one good keep-alive makes up for two failures";
     EXPECT_EQ(recovering->getHeartbeatFailures(), 0);
-    EXPECT_EQ(recovering->getLastHeartbeat(), 1192u);
     EXPECT_TRUE(isSystemRunning());
 }
 
 TEST_F(Heartbeat, LeavesASessionInAnExchangeAloneUntilTheNextScan) {
-    std::promise<void> arrived;
-    std::promise<void> scanned;
-    std::atomic<int> nKeepAlives{0};
-    ScriptedPeer peer([&](PeerLink& link) {
-        PeerRequest request;
-        link.read(request);
-        arrived.set_value();
-        scanned.get_future().wait();
-        link.send(peerAnswer(request, ReadTime + 1, peerResult(0)));
-        answerEach([&](const PeerRequest& next) {
-            ++nKeepAlives;
-            return peerAnswer(next, Acknowledged, peerResult(0));
-        })(link);
-    });
-    const auto session = connectTo(peer);
-    session->setExchangeTimeout(60 * 1000);
-    std::jthread caller([&] {
-        DomainList reply;
-        EXPECT_EQ(session->sendRecv(ReadTime, {}, reply), 0);
-    });
-    arrived.get_future().wait();
-    addSession(1, session);
-    scan(2);
+    const auto session = m_devices.add(Acknowledges);
+    std::optional<KXMutexGuard> exchange(session->mutex());
+    m_pManager->addSession(1, session);
+    runUntilSecond(1008);
     EXPECT_EQ(session->getLastHeartbeat(), 0u);
     EXPECT_EQ(session->getHeartbeatFailures(), 0);
-    scanned.set_value();
-    caller.join();
-    scan();
+    exchange.reset();
+    runUntilSecond(1010);
     EXPECT_EQ(session->getLastHeartbeat(), 1009u);
-    EXPECT_EQ(nKeepAlives, 1);
 }
 
-// Nobody moves the clock any more: the end cuts the pause of the heartbeat short.
-TEST_F(Heartbeat, EndOfTheManagerClosesSessionsAtOnceWithoutLogout) {
-    std::promise<bool> asked;
-    ScriptedPeer peer([&](PeerLink& link) {
-        PeerRequest request;
-        asked.set_value(link.read(request));
-    });
-    addSession(1, connectTo(peer));
+// Nobody moves the clock any more: the end cuts the wait for a silent device short.
+TEST_F(Heartbeat, EndsAtOnceWithItsManager) {
+    const auto session = m_devices.add([](const PeerRequest&) { return Arrivals(); });
+    m_pManager->addSession(1, session);
+    runUntilSecond(1004);
     m_pManager.reset();
-    EXPECT_FALSE(asked.get_future().get());
+    EXPECT_EQ(session->getHeartbeatFailures(), 0);
+}
+
+TEST(DeviceSessionManager, NoDeviceHoldsUpTheKeepAlivesOfAnother) {
+    struct Device {
+        std::uint64_t nLastMs = 0;
+        std::uint64_t nLongestMs = 0;
+    };
+    SimulatedDevices devices;
+    const ScopedClock inPlace(devices);
+    std::deque<Device> listDevices(1000);
+    DeviceSessionManager manager;
+    std::deque<KXMutexGuard> listExchanges;  // that take longer than the test
+    const auto isSilent = [](int n) { return n % 10 == 0; };
+    const auto isTrickling = [](int n) { return n % 100 == 1; };
+    const auto isBusy = [](int n) { return n % 100 == 2; };
+    devices.halt();
+    int nDevice = 0;
+    for (Device& device : listDevices) {
+        const int n = nDevice++;
+        const SafePointer<SDKSession> session = devices.add([&, n](const PeerRequest& request) {
+            const std::uint64_t nNow = devices.monotonicMs();
+            device.nLongestMs = std::max(device.nLongestMs, nNow - device.nLastMs);
+            device.nLastMs = nNow;
+            const std::string strAnswer = peerAnswer(request, Acknowledged, peerResult(0));
+            return isSilent(n)      ? Arrivals()
+                   : isTrickling(n) ? inPieces(strAnswer, 1, 1000)
+                                    : Arrivals{{n, strAnswer}};
+        });
+        if (isBusy(n)) {
+            listExchanges.emplace_back(session->mutex());
+        }
+        manager.addSession(n, session);
+    }
+    devices.runUntil(600 * 1000);
+    nDevice = 0;
+    for (const Device& device : listDevices) {
+        const int n = nDevice++;
+        SCOPED_TRACE(n);
+        SafePointer<SDKSession> session;
+        ASSERT_EQ(manager.findSession(n, session), !isSilent(n) && !isTrickling(n));
+        if (!session.isNull()) {
+            EXPECT_EQ(device.nLongestMs, isBusy(n) ? 0U : 63000U);
+            EXPECT_EQ(session->getHeartbeatFailures(), 0);
+        }
+    }
 }
 
 TEST(DeviceSessionManager, ProcessEndsWithOpenSessions) {
