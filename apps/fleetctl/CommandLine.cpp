@@ -25,6 +25,7 @@ constexpr const char* Description =
     "  fleetctl -d 192.0.2.7:30001 -u admin do restart";
 
 constexpr std::size_t Indent = 2;
+constexpr int MostSeconds = 86400;
 
 std::string section(const char* szTitle, const TableRows& vecRows) {
     return std::string(szTitle) + ":\n" + formatTable(vecRows, Indent, PageWidth);
@@ -146,6 +147,19 @@ void addCommonOptions(CLI::App& app, CommandLine& line) {
     app.add_option("--password-file", line.strPasswordFile,
                    "File with the password in its first line; else FLEETCTL_PASSWORD or a question")
         ->type_name("FILE");
+    app.add_option_function<std::string>(
+           "--timeout",
+           [&line](const std::string& strText) {
+               const int nSeconds = parseNumber(strText, "--timeout");
+               if (nSeconds < 1 || nSeconds > MostSeconds) {
+                   throw UsageError("--timeout takes 1 to " + std::to_string(MostSeconds) +
+                                    " seconds, not '" + strText + "'");
+               }
+               line.nTimeoutMs = nSeconds * 1000;
+           },
+           "How long the device may take for each answer; by default 10, and 5 without a sign of "
+           "it")
+        ->type_name("SECONDS");
     app.add_option_function<std::string>(
            "-o,--output",
            [&line](const std::string& strFormat) {

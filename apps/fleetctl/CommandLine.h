@@ -19,6 +19,7 @@ struct CommandLine {
     std::string strUser;
     std::string strPasswordFile;
     std::optional<Format> format;  // as asked for
+    int nTimeoutMs = 0;            // of an exchange; 0 for the library's own limits
     int nVerbosity = 0;
 
     std::vector<std::string> vecNames;      // get

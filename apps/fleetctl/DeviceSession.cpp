@@ -79,8 +79,8 @@ InetAddr parseDeviceAddress(const std::string& strText) {
 }
 
 DeviceSession::DeviceSession(const InetAddr& address, const std::string& strUser,
-                             const std::string& strPassword)
-    : m_nCode(login(loginData(address, strUser, strPassword), m_nHandle)) {}
+                             const std::string& strPassword, int nTimeoutMs)
+    : m_nCode(login(loginData(address, strUser, strPassword), m_nHandle, nTimeoutMs)) {}
 
 DeviceSession::~DeviceSession() {
     if (m_nCode == ErrorCode::Success) {

@@ -9,10 +9,11 @@
 // another form. A host name without an address leaves the IP empty.
 InetAddr parseDeviceAddress(const std::string& strText);
 
+// The time is that of an exchange, 0 for the library's own limits.
 class DeviceSession {
 public:
     DeviceSession(const InetAddr& address, const std::string& strUser,
-                  const std::string& strPassword);
+                  const std::string& strPassword, int nTimeoutMs);
     ~DeviceSession();
     DeviceSession(const DeviceSession&) = delete;
     DeviceSession& operator=(const DeviceSession&) = delete;

@@ -47,7 +47,7 @@ struct Target {
 // Logs in and has the work done with the handle.
 template <class Work>
 int withSession(const CommandLine& line, const Target& target, Output& output, Work work) {
-    const DeviceSession session(target.address, line.strUser, target.strPassword);
+    const DeviceSession session(target.address, line.strUser, target.strPassword, line.nTimeoutMs);
     if (session.getCode() != ErrorCode::Success) {
         output.failure(line.strDevice, LoginName, session.getCode(), describe(session.getCode()));
         return ExitCode::LoginFailed;

@@ -80,7 +80,8 @@ struct tagOSDUserParamList;
 // - Failed (-1): the handle names no session, or no longer does; nothing was sent.
 // - NoTransport (-4): the session was closed while the call was under way.
 // - SendFailed (-210): the request could not be sent, or not all of it within 3 s.
-// - ReceiveFailed (-212): the connection broke. ReceiveTimedOut (-213): no answer within 5 s.
+// - ReceiveFailed (-212): the connection broke. ReceiveTimedOut (-213): nothing came for 5 s, or
+//   the answer was not complete 10 s after the request.
 // - HeadRefused (-402): what came is not this protocol; the session stays so, log in again.
 // - NoMemory (-2): an answer of more than 256 MiB, or no memory for it.
 // - DecodeFailed (-233): the answer could not be decoded. EncodeFailed (-234): the request could
@@ -96,9 +97,10 @@ struct tagOSDUserParamList;
 //
 // Every function may be called from any thread, and several at once. A call does its work on the
 // caller's thread and returns when the device has answered or the time is over. Calls on one
-// session run one after the other, so a call also waits for those before it. Each read of an answer
-// may take 5 s; with stray messages or a trickling answer a call takes longer. `startPlay` is to be
-// called by one thread at a time.
+// session run one after the other, so a call also waits for those before it. An exchange
+// takes 13 s at most, whatever the device sends; `fleetkit::setExchangeTimeout` sets other limits.
+// `startPlay` is to be called by one thread at a time. A thread that is cancelled inside a call
+// ends when the call does.
 //
 // In the background a session that is not dead is kept alive by a short command once a minute.
 // After three failures in a row it is dropped, and its handle is gone: the next call gives Failed.
@@ -192,8 +194,8 @@ public:
     // prove that a device was there. A device that two adapters reach gets the command twice.
     // Otherwise the code of the last adapter: Failed (-1) when the machine has no adapter,
     // SocketOpenFailed (-202), CipherFailed (-663), EncodeFailed (-234), SendFailed (-210),
-    // ReceiveFailed (-212), DecodeFailed (-233), BadReply (-501) after four answers to something
-    // else. Two calls at once see each other's answers and sort them out as strays.
+    // ReceiveFailed (-212), BadReply (-501) after four datagrams that answer something else or
+    // nothing at all. Two calls at once see each other's answers and sort them out as strays.
     //
     //     FleetKit::setDeviceHostNetwork(QString("IPC-0042"), network, user);
     static int setDeviceHostNetwork(const QString& deviceId, HostNetwork& network, User& user);

@@ -6,6 +6,7 @@
 #include "Product/Technic/ErrorCode.h"
 #include "Product/Technic/MemoryGuard.h"
 #include "Product/Technic/platform/NativeThread.h"
+#include "session/DeviceSessionManager.h"
 #include "session/TCPTransferFactory.h"
 #include "session/TransferConnector.h"
 
@@ -13,9 +14,13 @@ using namespace fleetkit;
 
 namespace {
 
-constexpr int ReplyTimeoutMs = 5000;
 constexpr int PreviewLoginTimeoutMs = 5000;
 constexpr int FitToWindow = 1;
+
+// The fixed limits, unless there is one of the caller.
+ExchangeLimits limitsOf(int nTimeoutMs) {
+    return nTimeoutMs > 0 ? ExchangeLimits{nTimeoutMs, nTimeoutMs} : ExchangeLimits{};
+}
 
 int onDraw(std::uint32_t, void*, void*) {
     return 0;
@@ -94,7 +99,7 @@ int FleetKitImpl::login(const DeviceInfoEx& info, long& handle) noexcept {
     return guardLogin(info, [&](const DeviceInfoEx& copy) -> int {
         // Not even the reason of a failure is looked at: only a handle tells.
         long hSession = handle;
-        m_sessionCreator.createSession(copy, ReplyTimeoutMs, hSession);
+        m_sessionCreator.createSession(copy, {}, hSession);
         if (hSession <= 0) {
             return ErrorCode::Failed;
         }
@@ -103,15 +108,28 @@ int FleetKitImpl::login(const DeviceInfoEx& info, long& handle) noexcept {
     });
 }
 
-int FleetKitImpl::loginWithReason(const DeviceInfoEx& info, long& handle) noexcept {
+int FleetKitImpl::loginWithReason(const DeviceInfoEx& info, long& handle, int nTimeoutMs) noexcept {
     return guardLogin(info, [&](const DeviceInfoEx& copy) -> int {
-        const int nCode = m_sessionCreator.createSession(copy, ReplyTimeoutMs, handle);
+        const int nCode = m_sessionCreator.createSession(copy, limitsOf(nTimeoutMs), handle);
         // A name that stands for nothing is dialled as an empty address, which fails like a
         // refusal.
         return nCode == ErrorCode::ConnectFailed && getDialAddr(copy).getIP().empty()
                    ? ErrorCode::HostNotFound
                    : nCode;
     });
+}
+
+int FleetKitImpl::setExchangeTimeout(long handle, int nTimeoutMs) noexcept {
+    try {
+        SafePointer<SDKSession> session;
+        if (!m_bLoaded || !DeviceSessionManager::instance().findSession(handle, session)) {
+            return ErrorCode::Failed;
+        }
+        session->setLimits(limitsOf(nTimeoutMs));
+        return ErrorCode::Success;
+    } catch (...) {
+        return ErrorCode::Failed;
+    }
 }
 
 int FleetKitImpl::logout(long handle) noexcept {

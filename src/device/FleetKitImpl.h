@@ -24,8 +24,9 @@ public:
     FleetKitImpl(const FleetKitImpl&) = delete;
     FleetKitImpl& operator=(const FleetKitImpl&) = delete;
 
-    // `fleetkit::login`.
-    int loginWithReason(const DeviceInfoEx& info, long& handle) noexcept;
+    // `fleetkit::login` and `fleetkit::setExchangeTimeout`.
+    int loginWithReason(const DeviceInfoEx& info, long& handle, int nTimeoutMs) noexcept;
+    int setExchangeTimeout(long handle, int nTimeoutMs) noexcept;
 
     // The functions of these names in `FleetKit`.
     int login(const DeviceInfoEx& info, long& handle) noexcept;

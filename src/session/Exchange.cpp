@@ -2,7 +2,6 @@
 #include "session/Exchange.h"
 
 #include <algorithm>
-#include <limits>
 #include <memory>
 #include <utility>
 
@@ -22,10 +21,9 @@ namespace {
 constexpr int SendLimitMs = 3000;
 constexpr int MostMismatches = 3;  // messages that one exchange may throw away
 constexpr std::uint32_t FileProgress = 64U << 10;
-constexpr std::uint64_t Never = std::numeric_limits<std::uint64_t>::max();
 
 std::uint64_t momentIn(int nMs) {
-    return nMs < 0 ? Never : currentClock().monotonicMs() + static_cast<std::uint64_t>(nMs);
+    return currentClock().monotonicMs() + static_cast<std::uint64_t>(nMs);
 }
 
 bool answers(const SDKCommandHeadInfo& reply, const SDKCommandHeadInfo& request) {
@@ -70,7 +68,7 @@ SocketApi::Wait Exchange::waitsFor() const {
 }
 
 std::uint32_t Exchange::waitMs() const {
-    const std::uint64_t nUntil = std::min(m_nStepUntil, isSent() ? m_nWholeUntil : Never);
+    const std::uint64_t nUntil = isSent() ? std::min(m_nStepUntil, m_nWholeUntil) : m_nStepUntil;
     const std::uint64_t nNow = currentClock().monotonicMs();
     return static_cast<std::uint32_t>(
         std::min<std::uint64_t>(nUntil - std::min(nUntil, nNow), INT32_MAX));

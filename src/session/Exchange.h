@@ -11,7 +11,7 @@
 #include "protocol/SDKCommandParam.h"
 #include "session/ITransfer.h"
 
-// How long an exchange may take, in milliseconds; negative without limit.
+// How long an exchange may take, in milliseconds.
 struct ExchangeLimits {
     int nRead = 5000;    // from one piece of the reply to the next
     int nWhole = 10000;  // from the request to the end of the reply
@@ -56,7 +56,7 @@ private:
     bool m_bCarriesFile = false;
     CommandBuffer m_request;
     std::uint32_t m_nSent = 0;
-    CommandBuffer m_message;  // as far as it has arrived
+    CommandBuffer m_message;       // as far as it has arrived
     std::uint32_t m_nPaidFor = 0;  // bytes of it that have given the exchange more time
     int m_nMismatches = 0;
     std::uint64_t m_nStepUntil = 0;   // when the sending, or the read under way, is over

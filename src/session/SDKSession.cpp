@@ -33,9 +33,9 @@ bool SDKSession::closeIfIdle() {
     return true;
 }
 
-void SDKSession::setExchangeTimeout(std::int32_t nTimeoutMs) noexcept {
-    m_nReplyTimeout = nTimeoutMs;
-    m_nWholeTimeout = nTimeoutMs;
+void SDKSession::setLimits(const ExchangeLimits& limits) noexcept {
+    m_nReplyTimeout = limits.nRead;
+    m_nWholeTimeout = limits.nWhole;
 }
 
 std::int32_t SDKSession::sendRecv(std::uint32_t nCommandId, const DomainList& request,

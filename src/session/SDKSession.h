@@ -22,8 +22,6 @@
 // `sendRecv` and `close` wait for an exchange under way on another thread.
 class SDKSession {
 public:
-    static constexpr int DefaultReplyTimeoutMs = 5000;
-
     SDKSession() = default;
     ~SDKSession() noexcept;
     SDKSession(const SDKSession&) = delete;
@@ -42,10 +40,10 @@ public:
     void close();
     bool closeIfIdle();  // false, and nothing closed, while an exchange is under way
 
-    // For each single read of a reply, in milliseconds; negative waits without limit.
+    // For the exchanges that begin from now on.
+    void setLimits(const ExchangeLimits& limits) noexcept;
+    // The limit of a single read alone, in milliseconds.
     void setReplyTimeout(std::int32_t nTimeoutMs) noexcept { m_nReplyTimeout = nTimeoutMs; }
-    // For whole exchanges from now on, a single read among them.
-    void setExchangeTimeout(std::int32_t nTimeoutMs) noexcept;
 
     // The number that the device gave at login: 0 before, and after logout.
     void setSessionId(std::uint32_t nSessionId) noexcept { m_nSessionId = nSessionId; }
@@ -82,7 +80,7 @@ private:
     SafePointer<ITransfer> m_pTransfer KX_GUARDED_BY(m_mutex);
     DeviceInfoEx m_deviceInfo;
     InetAddr m_dialAddr;
-    std::atomic<std::int32_t> m_nReplyTimeout{DefaultReplyTimeoutMs};
+    std::atomic<std::int32_t> m_nReplyTimeout{ExchangeLimits().nRead};
     std::atomic<std::int32_t> m_nWholeTimeout{ExchangeLimits().nWhole};
     std::atomic<std::uint32_t> m_nSessionId{0};
     KXMutex m_mutex;  // held through a whole exchange

@@ -1,6 +1,7 @@
 // Login and logout, and what has to stand around them.
 #include "session/SDK_DeviceSessionCreator.h"
 
+#include <algorithm>
 #include <atomic>
 #include <memory>
 #include <string>
@@ -46,13 +47,14 @@ std::int32_t enciphered(const SafePointer<SDKSession>& session, UserParam& user)
 
 }  // namespace
 
-std::int32_t SDK_DeviceSessionCreator::createSession(const DeviceInfoEx& info, int nReplyTimeoutMs,
-                                                     long& nHandle) {
+std::int32_t SDK_DeviceSessionCreator::createSession(const DeviceInfoEx& info,
+                                                     const ExchangeLimits& limits, long& nHandle) {
     DeviceSessionManager& manager = DeviceSessionManager::instance();
     SafePointer<ITransfer> transfer;
     const InetAddr dial = getDialAddr(info);
+    const int nConnectMs = std::min(ConnectTimeoutMs, limits.nWhole);
     std::int32_t nResult =
-        TransferConnector().connect(dial, TransferKind::TCP, transfer, ConnectTimeoutMs);
+        TransferConnector().connect(dial, TransferKind::TCP, transfer, nConnectMs);
     if (nResult != ErrorCode::Success) {
         return nResult;
     }
@@ -61,7 +63,7 @@ std::int32_t SDK_DeviceSessionCreator::createSession(const DeviceInfoEx& info, i
     session->setDeviceInfo(info);
     session->setDialAddr(dial);
     session->setTransfer(transfer);
-    session->setReplyTimeout(nReplyTimeoutMs);
+    session->setLimits(limits);
     nResult = login(session);
     if (nResult != ErrorCode::Success) {
         session->close();

@@ -10,11 +10,13 @@
 // Stateless: callable from any thread.
 class SDK_DeviceSessionCreator {
 public:
-    // Connects over TCP within 3 seconds, logs in, and puts the session into the table of
+    // Connects over TCP within 3 seconds, or the limit of a whole exchange if that is less, logs in
+    // within these limits, which stay those of the session, and puts the session into the table of
     // `DeviceSessionManager`. `nHandle` is its new handle: positive, never used before, untouched
     // on failure, when the connection is closed again. Fails with the code of the connect or of
     // `login`.
-    std::int32_t createSession(const DeviceInfoEx& info, int nReplyTimeoutMs, long& nHandle);
+    std::int32_t createSession(const DeviceInfoEx& info, const ExchangeLimits& limits,
+                               long& nHandle);
 
     // Logs out, closes the connection and takes the handle out of the table. UnknownHandle when it
     // is not there, otherwise Success, whatever the device had to say.

@@ -71,7 +71,7 @@ void expectCodes(const char* szMisbehaviour, int nCode) {
     long handle = 0;
     const int nTimeoutMs = nCode == ErrorCode::ReceiveTimedOut ? 1000 : 5000;
     ASSERT_EQ(
-        SDK_DeviceSessionCreator().createSession(loginData(device.getPort()), nTimeoutMs, handle),
+        SDK_DeviceSessionCreator().createSession(loginData(device.getPort()), {nTimeoutMs}, handle),
         ErrorCode::Success);
     device.misbehave(szMisbehaviour + std::string(":30507"), 1);
     EXPECT_EQ(readTime(handle), nCode);

@@ -427,7 +427,7 @@ TEST(FleetKitImpl, RefusesLoginsAfterUnload) {
     impl.unload();
     long handle = 5;
     EXPECT_EQ(impl.login(DeviceInfoEx(), handle), ErrorCode::Failed);
-    EXPECT_EQ(impl.loginWithReason(DeviceInfoEx(), handle), ErrorCode::Failed);
+    EXPECT_EQ(impl.loginWithReason(DeviceInfoEx(), handle, 0), ErrorCode::Failed);
     EXPECT_EQ(handle, 5);
     EXPECT_EQ(impl.logout(5), ErrorCode::Failed);
 }

@@ -18,6 +18,7 @@
 #include "support/ChildProcess.h"
 #include "support/SampleRecords.h"
 #include "unit/session/ConnectedSession.h"
+#include "unit/session/SimulatedDevices.h"
 
 using namespace fleetkit;
 
@@ -26,12 +27,12 @@ namespace {
 constexpr std::uint32_t ReadTime = 30507;
 constexpr std::uint32_t TimeRead = 30508;
 constexpr std::uint32_t Acknowledged = 10000;
+constexpr std::uint32_t ReadFile = 32742;
 constexpr std::uint32_t NoSuchCommand = 65000;
 constexpr std::uint32_t OperatePTZ = 14006;
 constexpr std::uint32_t Login = 11001;
 constexpr std::uint32_t LoggedIn = 11002;
 constexpr long Untouched = -99;
-constexpr int ReplyTimeoutMs = SDKSession::DefaultReplyTimeoutMs;
 
 int exchange(const SafePointer<SDKSession>& session, std::uint32_t nCommandId = ReadTime) {
     return sendSet(session, nCommandId, ChannelId());
@@ -123,8 +124,54 @@ TEST(SDKSession, ThrowsLateAnswersAwayAndTellsAnUnknownCommandOnlyAfterAnAnswer)
         const auto session = connectTo(peer);
         session->setReplyTimeout(SilenceMs);
         EXPECT_EQ(exchange(session, nCommandId), ErrorCode::ReceiveTimedOut);
-        session->setReplyTimeout(ReplyTimeoutMs);
+        session->setLimits({});
         EXPECT_EQ(exchange(session, nCommandId), nCode);
+    }
+}
+
+TEST(SDKSession, AnExchangeIsOverInTimeWhateverTheDeviceSends) {
+    const std::string strFile = fromHex("00 04 00 00 00 00 00 00 ") + std::string(256U << 10, 'x');
+    const Behaviour silent = [](const PeerRequest&) { return Arrivals(); };
+    const Behaviour trickling = [](const PeerRequest& request) {
+        return inPieces(bytesOf({}, request), 1, 1000);
+    };
+    const Behaviour straying = [](const PeerRequest& request) {
+        Arrivals arrivals;
+        for (const std::uint64_t nMs : {4000U, 8000U, 12000U}) {
+            arrivals.emplace(nMs, bytesOf({.nSequencesAhead = 1}, request));
+        }
+        return arrivals;
+    };
+    const Behaviour slow = [&](const PeerRequest& request) {
+        return inPieces(peerAnswer(request, request.m_head.getCommandID() + 1, strFile), 65536,
+                        4900);
+    };
+    const struct {
+        const char* szName;
+        Behaviour behaviour;
+        int nCode;
+        std::uint64_t nTookMs;
+        std::uint32_t nCommandId = ReadTime;
+        ExchangeLimits limits = {};
+    } arrCases[] = {
+        {"silence", silent, ErrorCode::ReceiveTimedOut, 5000},
+        {"a byte a second", trickling, ErrorCode::ReceiveTimedOut, 10000},
+        {"strays", straying, ErrorCode::ReceiveTimedOut, 10000},
+        {"late", answersAfter(4999, TimeRead), 0, 4999},
+        {"too late", answersAfter(5001, TimeRead), ErrorCode::ReceiveTimedOut, 5000},
+        {"a file that goes on", slow, 0, 5 * 4900, ReadFile},
+        {"a record that goes on", slow, ErrorCode::ReceiveTimedOut, 10000},
+        {"other limits", answersAfter(59999, TimeRead), 0, 59999, ReadTime, {60000, 60000}},
+        {"shorter ones", silent, ErrorCode::ReceiveTimedOut, 100, ReadTime, {100, 100}},
+    };
+    for (const auto& testCase : arrCases) {
+        SCOPED_TRACE(testCase.szName);
+        SimulatedDevices devices;
+        const ScopedClock inPlace(devices);
+        const auto session = devices.add(testCase.behaviour);
+        session->setLimits(testCase.limits);
+        EXPECT_EQ(exchange(session, testCase.nCommandId), testCase.nCode);
+        EXPECT_EQ(devices.monotonicMs(), testCase.nTookMs);
     }
 }
 
@@ -260,7 +307,7 @@ TEST(SDK_DeviceSessionCreator, LogsInAndOutWithEncipheredCredentials) {
             // Handles are never used again.
             for (const auto& [nExpected, info] : {std::pair{1L, admin}, {2L, nobody}}) {
                 long nHandle = Untouched;
-                ASSERT_EQ(creator.createSession(info, ReplyTimeoutMs, nHandle), 0);
+                ASSERT_EQ(creator.createSession(info, {}, nHandle), 0);
                 EXPECT_EQ(nHandle, nExpected);
                 ASSERT_TRUE(DeviceSessionManager::instance().findSession(nHandle, session));
                 EXPECT_EQ(session->getSessionId(), 0xFFFFFFFBu);
@@ -269,7 +316,7 @@ TEST(SDK_DeviceSessionCreator, LogsInAndOutWithEncipheredCredentials) {
                 EXPECT_EQ(creator.login(session), ErrorCode::NoTransport) << "closed";
                 EXPECT_EQ(creator.destroySession(nHandle), ErrorCode::UnknownHandle);
             }
-            EXPECT_EQ(creator.createSession(admin, ReplyTimeoutMs, nLeft), 0);
+            EXPECT_EQ(creator.createSession(admin, {}, nLeft), 0);
         }
         EXPECT_EQ(creator.destroySession(nLeft), 0) << "although the device is gone";
         const std::string strAdmin = "<UserParam UserName=\"" + enciphered("admin") +
@@ -305,11 +352,13 @@ TEST(SDK_DeviceSessionCreator, FailedLoginClosesTheConnectionAndLeavesTheHandle)
                 })(link);
                 closed.set_value();
             });
-            const int nTimeoutMs =
-                testCase.nCode == ErrorCode::ReceiveTimedOut ? SilenceMs : ReplyTimeoutMs;
+            ExchangeLimits limits;
+            if (testCase.nCode == ErrorCode::ReceiveTimedOut) {
+                limits.nRead = SilenceMs;
+            }
             long nHandle = Untouched;
             EXPECT_EQ(
-                SDK_DeviceSessionCreator().createSession(peer.getDeviceInfo(), nTimeoutMs, nHandle),
+                SDK_DeviceSessionCreator().createSession(peer.getDeviceInfo(), limits, nHandle),
                 testCase.nCode);
             EXPECT_EQ(closed.get_future().wait_for(std::chrono::seconds(30)),
                       std::future_status::ready);
@@ -317,7 +366,7 @@ TEST(SDK_DeviceSessionCreator, FailedLoginClosesTheConnectionAndLeavesTheHandle)
         }
         const DeviceInfoEx gone = ScriptedPeer([](PeerLink&) {}).getDeviceInfo();
         long nHandle = Untouched;
-        EXPECT_EQ(SDK_DeviceSessionCreator().createSession(gone, ReplyTimeoutMs, nHandle),
+        EXPECT_EQ(SDK_DeviceSessionCreator().createSession(gone, {}, nHandle),
                   ErrorCode::ConnectFailed);
     });
 }
