@@ -33,14 +33,33 @@ std::string readText(const char (&szField)[Size]) {
     return {szField, strnlen(szField, Size)};
 }
 
+// How much of a text fits into so many bytes without a piece of a character of UTF-8 at its end,
+// which a device would refuse with all that surrounds it.
+std::size_t fitting(const std::string& strText, std::size_t nMost) {
+    if (strText.size() <= nMost) {
+        return strText.size();
+    }
+    for (std::size_t nBack = 1; nBack <= std::min<std::size_t>(nMost, 3); ++nBack) {
+        const auto nByte = static_cast<unsigned char>(strText[nMost - nBack]);
+        if (nByte < 0x80) {
+            return nMost;
+        }
+        if (nByte >= 0xC0) {
+            const std::size_t nLength = nByte >= 0xF0 ? 4 : nByte >= 0xE0 ? 3 : 2;
+            return nLength > nBack ? nMost - nBack : nMost;
+        }
+    }
+    return nMost;
+}
+
 template <std::size_t Size>
 void writeText(const std::string& strText, char (&szField)[Size]) {
-    szField[strText.copy(szField, Size - 1)] = '\0';
+    szField[strText.copy(szField, fitting(strText, Size - 1))] = '\0';
 }
 
 template <std::size_t Size>
 void fillText(const std::string& strText, char (&szField)[Size]) {
-    std::fill(szField + strText.copy(szField, Size), szField + Size, '\0');
+    std::fill(szField + strText.copy(szField, fitting(strText, Size)), szField + Size, '\0');
 }
 
 RGBColor readColor(const tagRGBColor& from) {

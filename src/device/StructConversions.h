@@ -23,8 +23,9 @@ FLEETKIT_EXPORT void toRecords(const NS_TARN_STRUCT::tagOSDUserParamList* pParam
                                std::vector<OSDUserParam>* pRecords);
 
 // Writing one sets the counts to the number of elements written, at most the capacity, and leaves
-// alone what stands behind them. Texts are cut to their fields and end in a zero, those of channels
-// only where there is space for it. With a null pointer nothing happens.
+// alone what stands behind them. Texts are cut to their fields, between characters of UTF-8, and
+// end in a zero, those of channels only where there is space for it. With a null pointer nothing
+// happens.
 FLEETKIT_EXPORT void toStructure(const std::vector<AVStreamParam>* pRecords,
                                  NS_TARN_STRUCT::tagAllAVStreamParam* pStreams);
 FLEETKIT_EXPORT void toStructure(const std::vector<ChannelInfo>* pRecords,

@@ -96,6 +96,22 @@ TEST(StructConversions, WriteWhatFitsAndLeaveWhatStandsBehindTheLastElement) {
     EXPECT_EQ(pOne->Streams[1].StreamName[0], 'x');
 }
 
+TEST(StructConversions, CutTextsBetweenCharacters) {
+    const std::pair<std::string, std::size_t> arrCases[] = {
+        {"\u00e4", 0}, {"\u00e4", 1},     {"\u20ac", 0},       {"\u20ac", 1},
+        {"\u20ac", 2}, {"\U0001F4F7", 3}, {"\x80\x80\x80", 2},
+    };
+    for (const auto& [strCharacter, nBytesThatFit] : arrCases) {
+        const std::string strWhole(35 - nBytesThatFit, 'n');
+        const bool bIsCharacter = strCharacter.front() != '\x80';
+        AVStreamParam stream;
+        stream.setStreamName(strWhole + strCharacter + strCharacter);
+        const auto pStreams = written<tagAllAVStreamParam>(std::vector{stream});
+        EXPECT_EQ(pStreams->Streams[0].StreamName,
+                  bIsCharacter ? strWhole : strWhole + strCharacter.substr(0, nBytesThatFit));
+    }
+}
+
 TEST(StructConversions, EndAChannelsTextsOnlyWhereThereIsRoom) {
     for (const std::size_t nLength : {31U, 48U, 300U}) {
         ChannelInfo channel;
