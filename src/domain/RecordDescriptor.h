@@ -60,6 +60,7 @@ struct RecordDescriptor;
 // The operations that need a record's type. Pointers to void point to the record, or to a
 // std::vector of it.
 struct TypeAccess {
+    std::size_t nSize = 0;  // of one object, in bytes
     std::size_t (*listSize)(const void* pList) = nullptr;
     const void* (*listAt)(const void* pList, std::size_t nIndex) = nullptr;
     // Drops what the list holds; it then has nSize default objects.
@@ -186,6 +187,7 @@ struct AccessTo {
 template <class T>
 constexpr TypeAccess elementAccess() {
     TypeAccess access;
+    access.nSize = sizeof(T);
     access.listSize = AccessTo<T>::listSize;
     access.listAt = AccessTo<T>::listAt;
     access.listReset = AccessTo<T>::listReset;

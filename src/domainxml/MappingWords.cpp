@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "Product/Technic/LogFilter.h"
+#include "domainxml/DecodingBudget.h"
 
 using namespace fleetkit;
 
@@ -48,8 +49,12 @@ std::string filledIn(const std::string& strWords, const Context& context) {
 }
 
 // A record that speaks through the log names its own mapper there, for the filter by source file.
-void print(const RecordDescriptor& owner, const std::string& strLine,
+void print(const RecordDescriptor& owner, const std::string& strWords, const Context& context = {},
            const char* szFunction = "parseDomainXmlNode") {
+    if (!DecodingBudget::takeLine()) {
+        return;
+    }
+    const std::string strLine = filledIn(strWords, context);
     if (owner.usesLog) {
         const std::string strMapper = std::string(owner.szClass) + "Xml";
         logMessage(LogLevel::Failure, strMapper.c_str(), "[%s %s %d] %s", strMapper.c_str(),
@@ -63,12 +68,12 @@ void print(const RecordDescriptor& owner, const std::string& strLine,
 
 void printMissing(const RecordDescriptor& owner, const FieldDescriptor& field, XmlCursor element,
                   const std::string& strValue) {
-    print(owner, filledIn(field.szAbsent, {element.name(), element.parentName(), strValue}));
+    print(owner, field.szAbsent, {element.name(), element.parentName(), strValue});
 }
 
 void printMissingElement(const RecordDescriptor& owner, const FieldDescriptor& field,
                          const char* szWords, XmlCursor parent) {
-    print(owner, filledIn(szWords, {field.szTag, parent.name(), ""}));
+    print(owner, szWords, {field.szTag, parent.name(), ""});
 }
 
 void printMissingList(const RecordDescriptor& owner, const FieldDescriptor& field) {
@@ -84,7 +89,7 @@ void printUnwritten(const RecordDescriptor& owner, const FieldDescriptor& field)
           field.szUnwritten != nullptr
               ? field.szUnwritten
               : "createDomainXmlNode " + std::string(field.szTag) + " failed \n",
-          "createDomainXmlNode");
+          {}, "createDomainXmlNode");
 }
 
 }  // namespace MappingWords

@@ -9,7 +9,8 @@
 
 namespace {
 
-constexpr int MaxDepth = 1000;
+constexpr int MaxDepth = 64;
+constexpr int MaxNodes = 262144;
 constexpr int MaxAttributes = 512;
 
 bool isBlank(char c) noexcept {
@@ -29,14 +30,14 @@ bool isInName(char c) noexcept {
 // The steps that read something return false where the parser gives the whole text up.
 class Reader {
 public:
-    explicit Reader(const char* szText) noexcept
-        : m_szAt(szText), m_szEnd(szText + std::strlen(szText)) {}
+    Reader(const char* szText, int nMostBelowRoot) noexcept
+        : m_szAt(szText), m_szEnd(szText + std::strlen(szText)), m_nLeftBelowRoot(nMostBelowRoot) {}
 
     // A document ends at its end or at the first text outside of elements; whatever follows that
     // is not looked at.
     bool readDocument() noexcept {
         while (findMarkup()) {
-            if (!readMarkup()) {
+            if (!readMarkup() || m_nNodes > MaxNodes) {
                 return false;
             }
         }
@@ -105,6 +106,7 @@ private:
     }
 
     bool readMarkup() noexcept {
+        m_nNodes += m_szAt[1] == '/' ? 0 : 1;
         if (startsWithWord("<?xml")) {
             return readDeclaration();
         }
@@ -145,6 +147,9 @@ private:
 
     bool readTag() noexcept {
         ++m_szAt;
+        if (m_nDepth == 1 && m_nLeftBelowRoot-- == 0) {
+            return false;
+        }
         if (!skipBlanks() || !readName()) {
             return false;
         }
@@ -160,6 +165,7 @@ private:
             if (nAttributes == MaxAttributes || !readAttribute()) {
                 return false;
             }
+            ++m_nNodes;
         }
         return false;
     }
@@ -197,6 +203,8 @@ private:
     const char* m_szAt;
     const char* const m_szEnd;
     int m_nDepth = 0;
+    int m_nNodes = 0;
+    int m_nLeftBelowRoot;
 };
 
 bool isContinuation(unsigned char nByte) noexcept {
@@ -230,8 +238,8 @@ int characterLength(const unsigned char* pBytes) noexcept {
 
 }  // namespace
 
-bool isWithinXmlBounds(const char* szText) noexcept {
-    return Reader(szText).readDocument();
+bool isWithinXmlBounds(const char* szText, int nMostBelowRoot) noexcept {
+    return Reader(szText, nMostBelowRoot).readDocument();
 }
 
 bool isUtf8(const char* szText) noexcept {

@@ -101,9 +101,9 @@ XmlDocument::XmlDocument(XmlDocument&&) noexcept = default;
 
 XmlDocument::~XmlDocument() = default;
 
-XmlDocument XmlDocument::parse(const char* szText) {
+XmlDocument XmlDocument::parse(const char* szText, int nMostBelowRoot) {
     XmlDocument document;
-    if (!isWithinXmlBounds(szText)) {
+    if (!isWithinXmlBounds(szText, nMostBelowRoot)) {
         return document;
     }
     const bool bUtf8 = isUtf8(szText);

@@ -5,6 +5,7 @@
 // XmlCursor.cpp and DomainXmlNode.cpp are the only files that know the XML library.
 #pragma once
 
+#include <climits>
 #include <memory>
 #include <string>
 #include <vector>
@@ -56,13 +57,13 @@ class XmlDocument {
 public:
     // A document that holds one empty element.
     explicit XmlDocument(const char* szRootName);
-    // A parsed text; without a root when the text is not a document, nests more than 1,000 levels
-    // deep, or has more than 512 attributes in one element. The time taken is linear in its length.
+    // A parsed text; without a root when the text is not a document, or goes beyond the bounds of
+    // `isWithinXmlBounds`. The time taken is linear in its length.
     //
     // A text that is not UTF-8 throughout is read byte by byte, whatever it declares: devices put
     // names in another encoding under a declaration of UTF-8. Bytes above 127 stay as they are, and
     // a reference to a character becomes one byte, its lowest.
-    static XmlDocument parse(const char* szText);
+    static XmlDocument parse(const char* szText, int nMostBelowRoot = INT_MAX);
 
     XmlDocument(XmlDocument&&) noexcept;
     ~XmlDocument();

@@ -6,6 +6,7 @@
 
 #include "domain/MemberVisitor.h"
 #include "domainxml/BlockMapping.h"
+#include "domainxml/DecodingBudget.h"
 #include "domainxml/FieldText.h"
 #include "domainxml/MappingWords.h"
 #include "domainxml/OddMapper.h"
@@ -20,6 +21,12 @@ using Record = NestedMember<void>;
 using ConstRecord = NestedMember<const void>;
 using List = NestedListMember<void>;
 using ConstList = NestedListMember<const void>;
+
+// An entry of a few bytes can make a record of a thousand.
+void resetList(const TypeAccess& access, void* pList, std::size_t nSize) {
+    DecodingBudget::takeMemory(nSize * access.nSize);
+    access.listReset(pList, nSize);
+}
 
 // ---- attributes
 
@@ -231,7 +238,7 @@ void readElementList(const RecordDescriptor& owner, const FieldDescriptor& field
         MappingWords::printMissingElement(owner, field, field.szAbsent, element);
     }
     const TypeAccess& access = elements.type.access;
-    access.listReset(elements.pList, vecChildren.size());
+    resetList(access, elements.pList, vecChildren.size());
     for (std::size_t i = 0; i < vecChildren.size(); ++i) {
         readFields(elements.type, vecChildren[i], access.listElement(elements.pList, i), nullptr);
     }
@@ -398,7 +405,7 @@ bool writeList(const RecordDescriptor& descriptor, const void* pList, XmlCursor 
 
 bool readList(const RecordDescriptor& descriptor, XmlCursor element, void* pList) {
     const std::vector<XmlCursor> vecChildren = element.children();
-    descriptor.access.listReset(pList, vecChildren.size());
+    resetList(descriptor.access, pList, vecChildren.size());
     for (std::size_t i = 0; i < vecChildren.size(); ++i) {
         if (!readRecord(descriptor, vecChildren[i], descriptor.access.listElement(pList, i))) {
             descriptor.access.listReset(pList, 0);

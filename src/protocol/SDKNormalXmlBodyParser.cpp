@@ -2,14 +2,17 @@
 #include "protocol/SDKNormalXmlBodyParser.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 
 #include "Product/Technic/LogFilter.h"
 #include "Product/Technic/MemoryGuard.h"
+#include "Product/Technic/SafePointerRegistry.h"
 #include "domain/DomainContainer.h"
 #include "domain/DomainFactory.h"
 #include "domain/EtResult.h"
 #include "domain/RecordDescriptor.h"
+#include "domainxml/DecodingBudget.h"
 #include "domainxml/XmlCursor.h"
 #include "domainxml/XmlMapping.h"
 
@@ -19,6 +22,8 @@ namespace {
 
 constexpr const char* SourceName = "SDKNormalXmlBodyParser";
 
+constexpr int MostRecords = 1024;
+
 constexpr char Declaration[] = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\r\n";
 constexpr std::uint32_t DeclarationLength = sizeof Declaration - 1;
 
@@ -26,6 +31,27 @@ bool appendText(const char* pText, std::size_t nLength, CommandBuffer& out) {
     return out.append(reinterpret_cast<const std::uint8_t*>(pText),
                       static_cast<std::uint32_t>(nLength));
 }
+
+// The slots that the records of a body will take.
+class PointerReservation {
+public:
+    explicit PointerReservation(std::size_t nRecords)
+        : m_nRecords(SafePointerRegistry::instance().reserve(nRecords) ? nRecords : None) {}
+    ~PointerReservation() {
+        if (*this) {
+            SafePointerRegistry::instance().unreserve(m_nRecords);
+        }
+    }
+    PointerReservation(const PointerReservation&) = delete;
+    PointerReservation& operator=(const PointerReservation&) = delete;
+
+    explicit operator bool() const noexcept { return m_nRecords != None; }
+
+private:
+    static constexpr std::size_t None = SIZE_MAX;
+
+    const std::size_t m_nRecords;
+};
 
 // The payload as a text, null if no zero byte ends it.
 const char* textOf(const CommandBuffer& in) {
@@ -111,10 +137,15 @@ bool SDKNormalXmlBodyParser::makeRecord(const std::string& strTag,
 }
 
 bool SDKNormalXmlBodyParser::parseDocument(const char* szText, DomainList& domains) const {
-    const XmlDocument document = XmlDocument::parse(szText);
+    const XmlDocument document = XmlDocument::parse(szText, MostRecords);
     if (!document.root()) {
         return false;
     }
+    const PointerReservation pointers(document.root().children().size());
+    if (!pointers) {
+        return false;
+    }
+    const DecodingBudget budget(std::strlen(szText));
     for (XmlCursor child = document.root().firstChild(); child; child = child.next()) {
         SafePointer<BaseDomain> record;
         if (!makeRecord(child.name(), record)) {

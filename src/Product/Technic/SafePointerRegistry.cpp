@@ -14,7 +14,9 @@ namespace {
 
 constexpr std::size_t BitsPerWord = 32;
 constexpr std::size_t SlotsPerGrowth = 128;
-constexpr std::size_t LargestGrowingTable = 20000;  // checked before growing: 20096 at most
+constexpr std::size_t LargestGrowingTable = 20000;  // checked before growing
+constexpr std::size_t MostSlots = 20096;
+constexpr std::size_t LeftToOthers = 2048;
 constexpr std::int32_t StatisticsThreshold = 50;
 constexpr std::size_t FailureTextSize = 128;
 
@@ -83,6 +85,7 @@ SafePointerSlot* SafePointerRegistry::allocate(void* pObject, const char* pTypeN
     }
     m_names.add(pTypeName);
     m_vecBitmap[nIndex / BitsPerWord] |= bitOf(nIndex);
+    ++m_nUsed;
     SafePointerSlot& slot = *m_vecSlots[nIndex];
     slot.m_nCount = 1;
     slot.m_pObject = pObject;
@@ -99,9 +102,24 @@ void SafePointerRegistry::release(SafePointerSlot& slot, const char* pTypeName) 
         throw KXRuntimeError(szText.data());
     }
     nWord &= ~bitOf(slot.m_nIndex);
+    --m_nUsed;
     slot.m_pObject = nullptr;
     m_nHint = slot.m_nIndex;
     m_names.remove(pTypeName);
+}
+
+bool SafePointerRegistry::reserve(std::size_t nSlots) {
+    const std::lock_guard guard(m_mutex);
+    if (m_nUsed + m_nReserved + nSlots + LeftToOthers > MostSlots) {
+        return false;
+    }
+    m_nReserved += nSlots;
+    return true;
+}
+
+void SafePointerRegistry::unreserve(std::size_t nSlots) {
+    const std::lock_guard guard(m_mutex);
+    m_nReserved -= nSlots;
 }
 
 std::size_t SafePointerRegistry::getTableSize() const {

@@ -81,6 +81,11 @@ public:
 
     std::size_t getTableSize() const;
 
+    // Sets slots aside for those who are about to take many. False when fewer than 2,048 would be
+    // left to all others; otherwise to be undone once the slots were taken, or are not needed.
+    bool reserve(std::size_t nSlots);
+    void unreserve(std::size_t nSlots);
+
 private:
     std::size_t findFreeIndex() const noexcept;
     void grow(std::size_t nSlots);
@@ -88,6 +93,8 @@ private:
 
     std::vector<std::unique_ptr<SafePointerSlot>> m_vecSlots;
     std::vector<std::uint32_t> m_vecBitmap;  // bit i % 32 of word i / 32: slot i is in use
+    std::size_t m_nUsed = 0;
+    std::size_t m_nReserved = 0;
     PointerNameMap m_names;
     mutable KXMutexHandle m_mutex;
     std::uint32_t m_nHint = 0;  // index of the slot released last

@@ -1,9 +1,13 @@
 // Texts from outside: whatever comes, the answer is a tree or a clean refusal.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 
+#include "domain/RecordDescriptor.h"
 #include "domainxml/DomainXmlNode.h"
+
+using namespace fleetkit;
 
 namespace {
 
@@ -31,6 +35,16 @@ std::string attributes(int nCount) {
         strText += " a" + std::to_string(i) + "='=<>'";
     }
     return strText;
+}
+
+// How many levels of elements a record takes in a text.
+int levelsOf(const RecordDescriptor& descriptor) {
+    int nLevels = 1;
+    for (const FieldDescriptor& field : descriptor) {
+        const int nItems = field.nKind == FieldKind::Block ? 0 : 2;
+        nLevels = std::max(nLevels, nItems + (field.nested ? levelsOf(field.nested()) : 0));
+    }
+    return nLevels;
 }
 
 // Each text that the parser always took, beside one of its kind that is no document.
@@ -86,14 +100,23 @@ TEST(XmlDocument, ANulEndsTheText) {
 }
 
 TEST(XmlDocument, BoundsNesting) {
-    EXPECT_TRUE(parses(nested(1000)));
-    EXPECT_TRUE(parses(nested(999, "<x/>")));
-    EXPECT_FALSE(parses(nested(1001)));
-    EXPECT_FALSE(parses(nested(1000, "<x/>")));
+    EXPECT_TRUE(parses(nested(64)));
+    EXPECT_TRUE(parses(nested(63, "<x/>")));
+    EXPECT_FALSE(parses(nested(65)));
+    EXPECT_FALSE(parses(nested(64, "<x/>")));
+    for (const RecordDescriptor* pDescriptor : recordDescriptors()) {
+        EXPECT_LT(levelsOf(*pDescriptor), 32) << pDescriptor->szClass;
+    }
     EXPECT_TRUE(parses("<a>" + repeated("<x></x><y/>", 2000) + "</a>"));
 }
 
-TEST(XmlDocument, BoundsAttributes) {
+TEST(XmlDocument, BoundsAttributesAndNodes) {
+    for (const std::string strNode : {"<x/>", "<x></x>", "<!---->", "<?>", "<![CDATA[]]>"}) {
+        EXPECT_TRUE(parses("<a>" + repeated(strNode, 262143) + "</a>")) << strNode;
+        EXPECT_FALSE(parses("<a>" + repeated(strNode, 262144) + "</a>")) << strNode;
+    }
+    EXPECT_TRUE(parses("<a>" + repeated("<b" + attributes(511) + "/>", 511) + "</a>"));
+    EXPECT_FALSE(parses("<a>" + repeated("<b" + attributes(511) + "/>", 512) + "</a>"));
     EXPECT_TRUE(parses("<a" + attributes(512) + "/>"));
     EXPECT_TRUE(parses("<a" + attributes(512) + "><b" + attributes(512) + "/></a>"));
     EXPECT_FALSE(parses("<a" + attributes(513) + "/>"));

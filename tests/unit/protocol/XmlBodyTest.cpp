@@ -5,8 +5,11 @@
 #include "domain/ChannelId.h"
 #include "domain/DomainVectorContainer.h"
 #include "protocol/SDKNormalXmlBodyParser.h"
+#include "support/CapturedOutput.h"
+#include "support/RecordLists.h"
 #include "support/WireCommands.h"
 
+using namespace fleetkit;
 using namespace std::string_literals;
 
 namespace {
@@ -93,7 +96,7 @@ TEST(XmlBodyTest, IsRefusedWithoutAWholeDocumentOfReadableRecords) {
         repeated("<P>", 100000),
         "<P><Result" + repeated(" a=\"1\"", 513) + "/></P>",
         "<P><Result/><OperateLayoutVDRect StreamId=\"1\"/></P>",  // refused by its mapper
-        "<P>" + repeated("<Result/>", 20100) + "</P>",            // more than there are pointers
+        "<P>" + repeated("<Unknown/>", 1025) + "</P>",
     };
     for (const std::string& strBody : cases) {
         Records records;
@@ -103,8 +106,43 @@ TEST(XmlBodyTest, IsRefusedWithoutAWholeDocumentOfReadableRecords) {
     EXPECT_FALSE(SDKNormalXmlBodyParser().parseCommandBody(CommandBuffer(), records));
     EXPECT_FALSE(SDKNormalXmlBodyParser().parseCommandBody(bufferOf("<P/>"), records))
         << "no zero byte ends it";
-    EXPECT_TRUE(parse("<P>" + repeated("<Result/>", 20000) + "</P>", records));
-    EXPECT_EQ(records.size(), 20000U);
+    EXPECT_TRUE(parse("<P>" + repeated("<Result/>", 1024) + "</P>", records));
+    EXPECT_EQ(records.size(), 1024U);
+}
+
+// A list of empty entries, of the type that such an entry makes most of.
+std::string listWith(std::size_t nEntries, std::size_t (*weigh)(const RecordDescriptor&)) {
+    std::vector<const RecordDescriptor*> vecLists = namedRecords();
+    std::erase_if(vecLists, [](const auto* pType) { return pType->szList == nullptr; });
+    const auto* pHeaviest = *std::ranges::max_element(
+        vecLists, {}, [weigh](const RecordDescriptor* pType) { return weigh(*pType); });
+    const std::string strList = pHeaviest->szList;
+    return "<P><" + strList + ">" + repeated("<A/>", nEntries) + "</" + strList + "></P>";
+}
+
+TEST(XmlBodyTest, TakesMemoryForItsRecordsInProportionToItsLength) {
+    const auto sizeOf = [](const RecordDescriptor& type) { return type.access.nSize; };
+    for (const std::size_t nEntries : {10000U, 260000U}) {
+        Records records;
+        captureOutput(
+            [&] { EXPECT_EQ(parse(listWith(nEntries, sizeOf), records), nEntries == 10000U); });
+    }
+}
+
+TEST(XmlBodyTest, PrintsAThousandLinesAtMost) {
+    const auto linesOf = [](const RecordDescriptor& type) {
+        return type.usesLog ? 0
+                            : static_cast<std::size_t>(
+                                  std::ranges::count_if(type, [](const FieldDescriptor& field) {
+                                      return field.nPresence == Presence::Logged;
+                                  }));
+    };
+    const std::string strPrinted = captureOutput([&] {
+        Records records;
+        EXPECT_TRUE(parse(listWith(5000, linesOf), records));
+    });
+    EXPECT_EQ(std::ranges::count(strPrinted, '\n'), 1001);
+    EXPECT_NE(strPrinted.find(" more lines about this message are left out\n"), std::string::npos);
 }
 
 // Has a meaning of its own for one name.

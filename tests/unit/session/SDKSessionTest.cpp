@@ -204,11 +204,11 @@ std::vector<SafePointer<int>> takePointersBut(std::size_t nLeft) {
 TEST(SDKSession, NoRoomForSafePointersIsACodeOnEveryStepOfAnExchange) {
     ScriptedPeer peer(answerAll(TimeRead));
     const std::pair<std::size_t, int> arrCases[] = {
-        {0, ErrorCode::EncodeFailed},  // for the record of the request
-        {1, ErrorCode::EncodeFailed},  // for the request
-        {2, ErrorCode::DecodeFailed},  // for the record of the reply: the head took what was left
-        {3, ErrorCode::DecodeFailed},  // for the reply
-        {4, ErrorCode::Success},
+        {0, ErrorCode::EncodeFailed},     // for the record of the request
+        {1, ErrorCode::EncodeFailed},     // for the request
+        {2, ErrorCode::DecodeFailed},     // for the reply
+        {2050, ErrorCode::DecodeFailed},  // for others, beside what the exchange has
+        {2051, ErrorCode::Success},
     };
     for (const auto& [nLeft, nCode] : arrCases) {
         const auto session = connectTo(peer);
