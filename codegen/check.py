@@ -110,6 +110,8 @@ def check_field(schema, record, field):
         check_value(field.kind, field.fallback, field.place, "the fallback")
     if "omit-empty" in field.flags and field.kind != "string":
         raise SchemaError(field.place, "only a string can be omitted when empty")
+    if "secret" in field.flags and field.kind != "string":
+        raise SchemaError(field.place, "only a string can be secret")
     if "read-as-float" in field.flags and field.kind != "int":
         raise SchemaError(field.place, "only an int can be read as float")
     if "bare" in field.flags and field.kind != "values":

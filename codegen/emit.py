@@ -25,7 +25,7 @@ FIELD_KINDS = {
 PRESENCES = {"kept": "Kept", "logged": "Logged", "required": "Required", "falls": "Fallback"}
 FLAGS = {
     "write-only": "WriteOnly", "read-only": "ReadOnly", "omit-empty": "OmitEmpty",
-    "read-as-float": "ReadAsFloat", "bare": "BareValues",
+    "read-as-float": "ReadAsFloat", "bare": "BareValues", "secret": "Secret",
 }
 
 
@@ -150,12 +150,14 @@ def record_header(schema, record, exported):
 
 def special_members(record):
     name = record.name
+    wipes = [f"wipe({member_of(field)});" for field in record.members if "secret" in field.flags]
+    destruction = f"{{ {' '.join(wipes)} }}" if wipes else "= default;"
     identity = f"m_nDomainId = {record.id};" if record.has_id else ""
     return (f"{name}::{name}() noexcept {{ {identity} }}\n"
             f"{name}::{name}(const {name}& other) : {name}() {{ *this = other; }}\n"
             f"{name}& {name}::operator=(const {name}& other) = default;\n"
             f"{name}& {name}::operator=({name}&& other) noexcept = default;\n"
-            f"{name}::~{name}() = default;\n\n")
+            f"{name}::~{name}() {destruction}\n\n")
 
 
 # Descriptors
@@ -232,9 +234,11 @@ def descriptor_of(schema, record, domain):
 
 
 def family_source(schema, family, records, domains):
-    headers = sorted({record.header for record in records if "by-hand" not in record.flags})
+    headers = {record.header for record in records if "by-hand" not in record.flags}
+    if any("secret" in field.flags for record in records for field in record.fields):
+        headers.add("Product/Technic/SecretText.h")
     out = [generated_by(family + ".schema"), "#include <cstddef>\n#include <utility>\n\n",
-           "".join(f'#include "{name}"\n' for name in headers),
+           "".join(f'#include "{name}"\n' for name in sorted(headers)),
            '#include "domain/RecordDescriptor.h"\n\n',
            "// Records derive from one base without virtual inheritance, so both compilers know\n"
            "// the place of each member.\n"

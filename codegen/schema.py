@@ -44,7 +44,7 @@ class Field:
     unwritten: str = ""
     read_into: str = ""
     unread: str = ""
-    # write-only, read-only, omit-empty, read-as-float, bare
+    # write-only, read-only, omit-empty, read-as-float, bare, secret
     flags: set = field(default_factory=set)
     comment: str = ""
 
@@ -285,7 +285,7 @@ def parse_modifier(result, words):
         if result.kind != "each":
             raise SchemaError(words.place, "only repeated elements can stand under another")
         result.item = words.take_name("the element around")
-    elif word in ("write-only", "read-only", "omit-empty", "bare"):
+    elif word in ("write-only", "read-only", "omit-empty", "bare", "secret"):
         result.flags.add(word)
     else:
         raise SchemaError(words.place, f"unknown word: {word}")

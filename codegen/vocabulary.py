@@ -66,6 +66,8 @@ def notes_of(field):
         result.append("Read with a fraction, which is cut off.")
     if "omit-empty" in field.flags:
         result.append("Not written while empty.")
+    if "secret" in field.flags:
+        result.append("Secret: the log shows it as ***.")
     if "bare" in field.flags:
         result.append("The values stand on the record's own element.")
     if field.unread:

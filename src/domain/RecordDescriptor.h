@@ -53,6 +53,7 @@ enum FieldFlag : std::uint8_t {
     OmitEmpty = 4,    // a text that is not written while empty
     ReadAsFloat = 8,  // a number that is read with a fraction, which is cut off
     BareValues = 16,  // a list of values without the element around it
+    Secret = 32,      // a text that no log shows, and that its record overwrites at its end
 };
 
 struct RecordDescriptor;

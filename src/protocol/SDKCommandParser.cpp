@@ -11,6 +11,7 @@
 #include "protocol/CommandFrame.h"
 #include "protocol/ProtocolType.h"
 #include "protocol/SDKCommandParam.h"
+#include "protocol/SecretMask.h"
 
 using namespace fleetkit;
 
@@ -55,8 +56,10 @@ bool SDKCommandParser::parseCommand(const CommandBuffer& in, SafePointer<Command
         return false;
     }
     const std::uint32_t nCommandID = head.getCommandID();
-    logMessage(LogLevel::Trace, SourceName, "recv:nCommandID =%d\n %s\n", nCommandID,
-               reinterpret_cast<const char*>(payload.data()));
+    if (LogFilter::instance().passesLevel(LogLevel::Trace)) {
+        logMessage(LogLevel::Trace, SourceName, "recv:nCommandID =%d\n %s\n", nCommandID,
+                   withoutSecrets(reinterpret_cast<const char*>(payload.data())).c_str());
+    }
     const auto pBodyParser = createBodyParser(nCommandID);
     if (!pBodyParser) {
         logMessage(LogLevel::Failure, SourceName,

@@ -15,6 +15,7 @@
 #include "domainxml/DecodingBudget.h"
 #include "domainxml/XmlCursor.h"
 #include "domainxml/XmlMapping.h"
+#include "protocol/SecretMask.h"
 
 using namespace fleetkit;
 
@@ -93,7 +94,9 @@ bool SDKNormalXmlBodyParser::createCommandBody(const DomainList& domains,
         }
     }
     const std::string strText = document.root().text();
-    logMessage(LogLevel::Trace, SourceName, "%s \n", strText.c_str());
+    if (LogFilter::instance().passesLevel(LogLevel::Trace)) {
+        logMessage(LogLevel::Trace, SourceName, "%s \n", withoutSecrets(strText).c_str());
+    }
     return out.allocate(std::uint64_t{DeclarationLength} + strText.size() + 1) &&
            appendText(Declaration, DeclarationLength, out) &&
            appendText(strText.data(), strText.size(), out);

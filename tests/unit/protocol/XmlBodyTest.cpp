@@ -2,9 +2,14 @@
 #include <gtest/gtest.h>
 
 #include "Product/Technic/KXRuntimeError.h"
+#include "Product/Technic/LogThreshold.h"
 #include "domain/ChannelId.h"
 #include "domain/DomainVectorContainer.h"
+#include "domain/User.h"
+#include "domain/UserParam.h"
+#include "protocol/SDKCommandParser.h"
 #include "protocol/SDKNormalXmlBodyParser.h"
+#include "protocol/SecretMask.h"
 #include "support/CapturedOutput.h"
 #include "support/RecordLists.h"
 #include "support/WireCommands.h"
@@ -108,6 +113,28 @@ TEST(XmlBodyTest, IsRefusedWithoutAWholeDocumentOfReadableRecords) {
         << "no zero byte ends it";
     EXPECT_TRUE(parse("<P>" + repeated("<Result/>", 1024) + "</P>", records));
     EXPECT_EQ(records.size(), 1024U);
+}
+
+TEST(XmlBodyTest, ShowsTheLogNoCredentials) {
+    setLogFilter(LogLevel::Trace);
+    const std::string strLogged = captureOutput([] {
+        const auto request = sdkCommand(headOf(11001), recordsOf(sample<UserParam>(), User()));
+        decoded(SDKCommandParser(), bufferOf(encoded(SDKCommandParser(), request)));
+    });
+    setLogFilter(0);
+    EXPECT_NE(strLogged.find("<UserParam UserName='***' Password='***' Desc=' v"),
+              std::string::npos)
+        << strLogged;
+    const std::pair<std::string, std::string> cases[] = {
+        {"<User IP=\"1\" Password='x' /><ChangePasswordReq NewPassword=\"y\"",
+         "<User IP=\"1\" Password='***' /><ChangePasswordReq NewPassword=\"***\""},
+        {"<User Password=\"secret", "<User Password=\"***"},
+        {"<User Password=", "<User Password="},
+        {"<UserX Password=\"kept\"/><User >Password=\"kept\"", ""},
+    };
+    for (const auto& [strBody, strShown] : cases) {
+        EXPECT_EQ(withoutSecrets(strBody), strShown.empty() ? strBody : strShown);
+    }
 }
 
 // A list of empty entries, of the type that such an entry makes most of.
