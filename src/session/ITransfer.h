@@ -53,11 +53,11 @@ public:
     virtual int recvCommand(CommandBuffer& buffer) = 0;
 
     // Steps for those who wait for several transports at once: neither waits.
-    // Sends what the socket takes of the bytes behind the first `nSent`, and counts it; Success also
-    // when it takes none.
+    // Sends what the socket takes of the bytes behind the first `nSent`, and counts it; Success
+    // also when it takes none.
     virtual int sendSome(const CommandBuffer& buffer, const InetAddr& to, std::uint32_t& nSent);
-    // As recvCommand, but NothingToRead until the whole command has arrived: to be called again with
-    // the same buffer then. An empty buffer begins a new command.
+    // As recvCommand, but NothingToRead until the whole command has arrived: to be called again
+    // with the same buffer then. An empty buffer begins a new command.
     virtual int recvSome(CommandBuffer& buffer, InetAddr& from);
 
     virtual int connect(const InetAddr& address, int nTimeoutMs);

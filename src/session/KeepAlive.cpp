@@ -43,8 +43,8 @@ bool KeepAlive::begin() KX_NO_THREAD_SAFETY_ANALYSIS {
         return false;
     }
     take([this]() KX_NO_THREAD_SAFETY_ANALYSIS {
-        return m_session->begin(m_exchange, CommandId::keepAlive,
-                                {copyOf(sessionIdOf(*m_session))}, m_reply);
+        return m_session->begin(m_exchange, CommandId::keepAlive, {copyOf(sessionIdOf(*m_session))},
+                                m_reply);
     });
     return true;
 }
