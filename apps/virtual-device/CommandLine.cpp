@@ -2,6 +2,7 @@
 #include "virtual-device/CommandLine.h"
 
 #include <CLI/CLI.hpp>
+#include <fstream>
 #include <iomanip>
 #include <iostream>
 #include <limits>
@@ -51,6 +52,19 @@ std::string takeKind(std::string& strText) {
     return {};
 }
 
+// Without its line end.
+std::string firstLineOf(const std::string& strFile) {
+    std::ifstream file(strFile);
+    std::string strLine;
+    if (!file || (!std::getline(file, strLine) && !file.eof())) {
+        throw CLI::ValidationError("--password-file", "cannot read " + strFile);
+    }
+    if (!strLine.empty() && strLine.back() == '\r') {
+        strLine.pop_back();
+    }
+    return strLine;
+}
+
 // A check that speaks up only when it fails: the help names the kind of value instead.
 CLI::Validator quiet(CLI::Validator check) {
     check.description("");
@@ -73,6 +87,11 @@ void addDeviceOptions(CLI::App& app, DeviceOptions& device) {
         ->envname("VIRTUAL_DEVICE_PASSWORD")
         ->type_name("TEXT")
         ->capture_default_str();
+    app.add_option_function<std::string>(
+           "--password-file",
+           [&device](const std::string& strFile) { device.strPassword = firstLineOf(strFile); },
+           "File with the password in its first line, which nobody sees in a list of processes")
+        ->type_name("FILE");
     app.add_option("--kind", device.nKind, "Camera (ipc) or recorder (nvr)")
         ->transform(CLI::Validator(takeKind, ""))
         ->type_name("KIND")
@@ -87,6 +106,11 @@ void addDeviceOptions(CLI::App& app, DeviceOptions& device) {
     app.add_option("--device-id", device.strDeviceId,
                    "Id of the device; further ones get -2, -3 ... behind it")
         ->type_name("ID")
+        ->capture_default_str();
+    app.add_option("--max-connections", device.nMaxConnections,
+                   "Clients at a time; one more takes the place of one that is not logged in")
+        ->check(quiet(CLI::Range(1, MaxCount)))
+        ->type_name("NUMBER")
         ->capture_default_str();
     app.add_flag("--multicast", device.bMulticast,
                  "Listen on group 234.5.6.7 port 31001, on the interface of the address");

@@ -5,12 +5,14 @@
 #include <asio/buffer.hpp>
 #include <asio/read.hpp>
 #include <asio/write.hpp>
+#include <chrono>
 #include <exception>
 #include <sstream>
 #include <utility>
 
 #include "protocol/SDKCommandParam.h"
 #include "protocol/SDKCommandParser.h"
+#include "virtual-device/DeviceResult.h"
 
 namespace {
 
@@ -27,6 +29,7 @@ DeviceConnection::DeviceConnection(asio::ip::tcp::socket socket, std::shared_ptr
                                    Owner owner)
     : m_socket(std::move(socket)),
       m_delay(m_socket.get_executor()),
+      m_limit(m_socket.get_executor()),
       m_pCore(std::move(pCore)),
       m_owner(std::move(owner)),
       m_strPeer(nameOf(m_socket)) {
@@ -39,6 +42,23 @@ void DeviceConnection::start() {
     readHead();
 }
 
+void DeviceConnection::startRefusing() {
+    m_bRefuses = true;
+    start();
+}
+
+void DeviceConnection::limitTime() {
+    const DeviceOptions& options = m_pCore->getOptions();
+    m_limit.expires_after(m_nSession == 0 ? options.loginTime : options.idleTime);
+    m_limit.async_wait([this, pSelf = shared_from_this()](asio::error_code nError) {
+        // A wait that ended just before the next one began does not count.
+        if (!nError && m_limit.expiry() <= std::chrono::steady_clock::now()) {
+            m_pCore->log(m_strPeer, "took too long");
+            close();
+        }
+    });
+}
+
 void DeviceConnection::close() {
     if (m_bClosed) {
         return;
@@ -48,6 +68,7 @@ void DeviceConnection::close() {
     asio::error_code nIgnored;
     m_socket.close(nIgnored);
     m_delay.cancel();
+    m_limit.cancel();
     m_nSession = 0;
     // What the owner gave may be all that keeps it alive.
     const Owner owner = std::exchange(m_owner, {});
@@ -62,6 +83,7 @@ bool DeviceConnection::isOver(asio::error_code nError) {
 }
 
 void DeviceConnection::readHead() {
+    limitTime();
     asio::async_read(m_socket, asio::buffer(m_arrArrived, SDKCommandHeadInfo::WireLength),
                      [this, pSelf = shared_from_this()](asio::error_code nError, std::size_t) {
                          if (!isOver(nError)) {
@@ -72,8 +94,9 @@ void DeviceConnection::readHead() {
 
 void DeviceConnection::takeHead() {
     constexpr std::uint32_t HeadLength = SDKCommandHeadInfo::WireLength;
+    const std::uint32_t nMost = m_nSession == 0 ? MaxPayloadBeforeLogin : MaxPayload;
     if (!decodeCommandHead(m_arrArrived.data(), HeadLength, m_head) ||
-        m_head.getPayloadLength() > MaxPayload || !m_request.allocate(HeadLength) ||
+        m_head.getPayloadLength() > nMost || !m_request.allocate(HeadLength) ||
         !m_request.append(m_arrArrived.data(), HeadLength)) {
         close();
         return;
@@ -110,11 +133,17 @@ void DeviceConnection::takeBytes(std::size_t nCount) {
 }
 
 void DeviceConnection::takeRequest() try {
+    if (m_bRefuses) {
+        Answer answer = m_pCore->refuse(m_head, DeviceResult::TooManyConnections, m_strPeer);
+        answer.bCloses = true;
+        deliver(std::move(answer));
+        return;
+    }
     SafePointer<CommandParam> param;
     const bool bDecoded = SDKCommandParser().parseCommand(m_request, param);
     m_request.release();
     if (!bDecoded) {
-        deliver(m_pCore->refuse(m_head, m_strPeer));
+        deliver(m_pCore->refuse(m_head, DeviceResult::MalformedRequest, m_strPeer));
         return;
     }
     const auto& command = static_cast<const SDKCommandParam&>(*param);
@@ -145,6 +174,7 @@ void DeviceConnection::deliver(Answer answer) {
         send();
         return;
     }
+    m_limit.cancel();
     m_delay.expires_after(m_answer.nDelay);
     m_delay.async_wait([this, pSelf = shared_from_this()](asio::error_code nError) {
         if (!isOver(nError)) {
@@ -154,6 +184,7 @@ void DeviceConnection::deliver(Answer answer) {
 }
 
 void DeviceConnection::send() {
+    limitTime();
     const std::size_t nLeft = m_vecOutgoing.size() - m_nSent;
     if (nLeft == 0) {
         afterSending();

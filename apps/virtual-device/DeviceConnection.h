@@ -16,10 +16,12 @@
 
 // Owned by whoever made it, who hears when it closes. A head that is invalid or announces too much
 // ends the connection, because nothing after it can be made out; a body that does not decode is
-// refused.
+// refused. One that takes too long over its requests, or over our answers, is ended.
 class DeviceConnection : public std::enable_shared_from_this<DeviceConnection> {
 public:
-    // The most that a request may announce. Memory is taken as bytes arrive.
+    // The most that a request may announce, before and after the login. Memory is taken as bytes
+    // arrive.
+    static constexpr std::uint32_t MaxPayloadBeforeLogin = 64U << 10;
     static constexpr std::uint32_t MaxPayload = 4U << 20;
 
     // What the owner does: lets go of the connection that closed; ends all connections, as the
@@ -33,6 +35,7 @@ public:
     DeviceConnection(asio::ip::tcp::socket socket, std::shared_ptr<DeviceCore> pCore, Owner owner);
 
     void start();
+    void startRefusing();  // the first request is answered with a refusal, and is the last one
     void close();
 
     // The number of the session of this connection, 0 without one.
@@ -42,6 +45,7 @@ public:
 private:
     // Whether a step that has just ended was the last one; an error closes the connection.
     bool isOver(asio::error_code nError);
+    void limitTime();
     void readHead();
     void takeHead();
     void readBody();
@@ -53,9 +57,11 @@ private:
 
     asio::ip::tcp::socket m_socket;
     asio::steady_timer m_delay;
+    asio::steady_timer m_limit;  // for the step under way
     std::shared_ptr<DeviceCore> m_pCore;
     Owner m_owner;
     bool m_bClosed = false;
+    bool m_bRefuses = false;
     std::string m_strPeer;
     std::uint32_t m_nSession = 0;
 

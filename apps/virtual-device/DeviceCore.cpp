@@ -1,6 +1,7 @@
 // Sessions, refusals and misbehaviour; what a command does stands in the table of handlers.
 #include "virtual-device/DeviceCore.h"
 
+#include <algorithm>
 #include <cstdio>
 
 #include "domain/DataBuffer.h"
@@ -23,6 +24,7 @@ using namespace fleetkit;
 namespace {
 
 constexpr std::size_t MaxReceived = 1000;
+constexpr std::size_t MaxTags = 32;  // of each
 
 std::uint32_t responseTo(std::uint32_t nCommandId) {
     const CommandDescriptor* pCommand = findCommand(nCommandId);
@@ -88,10 +90,10 @@ Answer DeviceCore::answer(const Request& request, std::uint32_t& nSession,
     return answer;
 }
 
-Answer DeviceCore::refuse(const SDKCommandHeadInfo& head, const std::string& strPeer) {
+Answer DeviceCore::refuse(const SDKCommandHeadInfo& head, int nCode, const std::string& strPeer) {
     Answer answer = answerTo(head, responseTo(head.getCommandID()));
-    putResult(answer, DeviceResult::MalformedRequest);
-    log(strPeer, describe(head.getCommandID(), DeviceResult::MalformedRequest));
+    putResult(answer, nCode);
+    log(strPeer, describe(head.getCommandID(), nCode));
     if (hasBinaryForm(answer.head.getCommandID())) {
         putBinaryData(answer);
     }
@@ -132,8 +134,9 @@ void DeviceCore::remember(const Request& request) {
     received.nCommandId = request.head.getCommandID();
     received.nSessionId = request.head.getSessionId();
     received.nSequence = request.head.getSequence();
-    for (const auto& record : request.vecRecords) {
-        getDomainNameOfRecord(*record, received.vecRecords.emplace_back());
+    const std::size_t nTags = std::min(request.vecRecords.size(), MaxTags);
+    for (std::size_t nTag = 0; nTag < nTags; ++nTag) {
+        getDomainNameOfRecord(*request.vecRecords[nTag], received.vecRecords.emplace_back());
     }
     m_vecReceived.push_back(std::move(received));
     if (m_vecReceived.size() > MaxReceived) {

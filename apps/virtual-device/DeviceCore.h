@@ -17,7 +17,7 @@ struct ReceivedCommand {
     std::uint32_t nCommandId = 0;
     std::uint32_t nSessionId = 0;
     std::uint16_t nSequence = 0;
-    std::vector<std::string> vecRecords;  // the tags of its records, in order
+    std::vector<std::string> vecRecords;  // the tags of its first records, in order
 };
 
 // Knows no sockets. Belongs to one thread at a time.
@@ -30,8 +30,8 @@ public:
     // `strPeer` is for the log.
     Answer answer(const Request& request, std::uint32_t& nSession, const std::string& strPeer);
 
-    // The answer to a request whose body does not decode.
-    Answer refuse(const SDKCommandHeadInfo& head, const std::string& strPeer);
+    // The answer to a request that is not even looked at, such as one whose body does not decode.
+    Answer refuse(const SDKCommandHeadInfo& head, int nCode, const std::string& strPeer);
 
     // The answer to a setting of the network that came without a session; nothing when the request
     // is another one or is meant for another device.

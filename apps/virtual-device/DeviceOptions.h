@@ -1,6 +1,8 @@
 // What a virtual device is made to be.
 #pragma once
 
+#include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -20,5 +22,8 @@ struct DeviceOptions {
     std::string strDeviceId = "virtual-device";
     bool bMulticast = false;  // listens for the setting of its network without a session
     bool bVerbose = false;    // tells on standard error who logged in and what was asked
-    std::vector<Misbehaviour> vecMisbehaviours;
+    std::size_t nMaxConnections = 64;
+    std::chrono::milliseconds loginTime{10 * 1000};  // for a connection that is not logged in
+    std::chrono::milliseconds idleTime{300 * 1000};  // for one that is, between its requests
+    std::vector<Misbehaviour> vecMisbehaviours = {};
 };

@@ -14,6 +14,7 @@ enum Value : int {
     BadParameter = 7,      // a record holds what cannot be set
     NoSuchChannel = 8,
     NoSuchStream = 9,
+    TooManyConnections = 10,  // as many clients as the device takes are logged in
 };
 
 }  // namespace DeviceResult

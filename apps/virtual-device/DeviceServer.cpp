@@ -55,19 +55,19 @@ void DeviceServer::close() {
 
 std::size_t DeviceServer::sessionCount() const {
     return static_cast<std::size_t>(
-        std::count_if(m_setConnections.begin(), m_setConnections.end(),
+        std::count_if(m_vecConnections.begin(), m_vecConnections.end(),
                       [](const auto& pOne) { return pOne->getSession() != 0; }));
 }
 
 void DeviceServer::dropConnections() {
-    const auto setConnections = m_setConnections;
-    for (const auto& pConnection : setConnections) {
+    const auto vecConnections = m_vecConnections;
+    for (const auto& pConnection : vecConnections) {
         pConnection->close();
     }
 }
 
 void DeviceServer::dropSessions() {
-    for (const auto& pConnection : m_setConnections) {
+    for (const auto& pConnection : m_vecConnections) {
         pConnection->dropSession();
     }
 }
@@ -91,13 +91,30 @@ void DeviceServer::serve(asio::ip::tcp::socket socket) {
     const auto pSelf = shared_from_this();
     DeviceConnection::Owner owner;
     owner.onClosed = [pSelf](const std::shared_ptr<DeviceConnection>& pConnection) {
-        pSelf->m_setConnections.erase(pConnection);
+        std::erase(pSelf->m_vecConnections, pConnection);
     };
     owner.onRestart = [pSelf] { pSelf->dropConnections(); };
     const auto pConnection =
         std::make_shared<DeviceConnection>(std::move(socket), m_pCore, std::move(owner));
-    m_setConnections.insert(pConnection);
-    pConnection->start();
+    const bool bPlace = makePlace();
+    m_vecConnections.push_back(pConnection);
+    if (bPlace) {
+        pConnection->start();
+    } else {
+        pConnection->startRefusing();
+    }
+}
+
+// Whoever is not logged in gives way, so that idle connections keep nobody out.
+bool DeviceServer::makePlace() {
+    const std::size_t nMost = m_pCore->getOptions().nMaxConnections;
+    const auto it = std::find_if(m_vecConnections.begin(), m_vecConnections.end(),
+                                 [](const auto& pOne) { return pOne->getSession() == 0; });
+    if (m_vecConnections.size() >= nMost && it != m_vecConnections.end()) {
+        const auto pOldest = *it;
+        pOldest->close();
+    }
+    return sessionCount() < nMost;
 }
 
 void DeviceServer::acceptLater() {

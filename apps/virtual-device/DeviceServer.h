@@ -4,7 +4,7 @@
 #include <asio/ip/tcp.hpp>
 #include <asio/steady_timer.hpp>
 #include <memory>
-#include <set>
+#include <vector>
 
 #include "virtual-device/DeviceCore.h"
 
@@ -23,7 +23,7 @@ public:
     void close();  // ends all of them and listens no more
 
     DeviceCore& core() { return *m_pCore; }
-    std::size_t connectionCount() const { return m_setConnections.size(); }
+    std::size_t connectionCount() const { return m_vecConnections.size(); }
     std::size_t sessionCount() const;
 
     void dropConnections();
@@ -32,6 +32,7 @@ public:
 private:
     void accept();
     void serve(asio::ip::tcp::socket socket);
+    bool makePlace();  // false when all places are taken by clients that are logged in
     void acceptLater();
 
     asio::io_context& m_context;
@@ -39,5 +40,5 @@ private:
     asio::steady_timer m_retry;
     std::shared_ptr<DeviceCore> m_pCore;
     std::shared_ptr<MulticastListener> m_pMulticast;
-    std::set<std::shared_ptr<DeviceConnection>> m_setConnections;
+    std::vector<std::shared_ptr<DeviceConnection>> m_vecConnections;  // the oldest first
 };

@@ -89,8 +89,7 @@ void expectCodes(const char* szMisbehaviour, int nCode) {
 
 TEST(FacadeAgainstDevice, ARecorderKeepsItsChannelsApart) {
     outputOfChild([] {
-        VirtualDevice recorder(
-            {.nKind = DeviceKind::NVR, .nChannels = Channels, .vecMisbehaviours = {}});
+        VirtualDevice recorder({.nKind = DeviceKind::NVR, .nChannels = Channels});
         const long handle = login(recorder);
         const auto state = [&] { return recorder.getState(); };
         const auto pStreams = std::make_unique<tagAllAVStreamParam>();

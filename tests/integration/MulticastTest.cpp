@@ -126,10 +126,7 @@ int setOverAdapters(const std::vector<std::vector<InetAddr>>& vecAdapters) {
 }
 
 DeviceOptions multicastDevice(const std::string& strDeviceId) {
-    return {.strBindAddress = NeighbourAddress,
-            .strDeviceId = strDeviceId,
-            .bMulticast = true,
-            .vecMisbehaviours = {}};
+    return {.strBindAddress = NeighbourAddress, .strDeviceId = strDeviceId, .bMulticast = true};
 }
 
 std::string addressKept(const VirtualDevice& device) {

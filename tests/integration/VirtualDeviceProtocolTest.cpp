@@ -317,6 +317,37 @@ TEST_F(VirtualDeviceTest, ABrokenBodyIsRefusedAndABrokenHeadEndsItsConnectionOnl
     EXPECT_EQ(m_client.ask(GetTime), DeviceResult::Success);
 }
 
+TEST(VirtualDeviceLimits, IdleConnectionsEndAndKeepNobodyOut) {
+    const VirtualDevice device({.nMaxConnections = 2, .loginTime = std::chrono::milliseconds(50)});
+    RawClient first(device);
+    ASSERT_EQ(first.login(), DeviceResult::Success);
+    CommandBuffer nothing;
+    EXPECT_EQ(RawClient(device).receive(nothing), ErrorCode::ReceiveFailed) << "took too long";
+    RawClient idle(device);
+    RawClient second(device);
+    ASSERT_EQ(second.login(), DeviceResult::Success);
+    EXPECT_EQ(idle.receive(nothing), ErrorCode::ReceiveFailed) << "gave way";
+    RawClient third(device);
+    EXPECT_EQ(third.login(), DeviceResult::TooManyConnections);
+    EXPECT_EQ(third.receive(nothing), ErrorCode::ReceiveFailed);
+    EXPECT_EQ(first.ask(GetTime), DeviceResult::Success);
+    EXPECT_EQ(second.ask(11003), DeviceResult::Success);
+    EXPECT_EQ(RawClient(device).login(), DeviceResult::Success);
+}
+
+TEST_F(VirtualDeviceTest, ARequestIsLimitedBeforeLoginAndRememberedInPart) {
+    const std::string strLong = peerBody(std::string(70000, ' '));
+    RawClient stranger(m_device);
+    CommandBuffer nothing;
+    stranger.send(peerMessage(headOf(GetTime), strLong));
+    EXPECT_EQ(stranger.receive(nothing), ErrorCode::ReceiveFailed);
+    m_client.send(peerMessage(headOf(GetTime, 0, m_client.m_nSession), strLong));
+    EXPECT_EQ(m_client.receive(), DeviceResult::Success);
+    EXPECT_EQ(m_client.ask(GetTime, Records(1000, recordsOf(ChannelId()).front())),
+              DeviceResult::Success);
+    EXPECT_EQ(m_device.getReceived().back().vecRecords.size(), 32U);
+}
+
 // What the library gets along with; the rest shows by its codes.
 TEST_F(VirtualDeviceTest, MisbehavesInWaysThatDoNoHarm) {
     m_device.misbehave("protocol-type:30507", 1);
