@@ -30,15 +30,15 @@ std::int32_t sendHeartBeat(const SafePointer<SDKSession>& session) {
 
 KeepAlive::KeepAlive(const SafePointer<SDKSession>& session) : m_session(session) {}
 
-// The lock is held from one call to the next, which the compiler's analysis cannot follow.
+// The turn is held from one call to the next, which the compiler's analysis cannot follow.
 KeepAlive::~KeepAlive() KX_NO_THREAD_SAFETY_ANALYSIS {
     if (m_bHeld) {
-        m_session->mutex().unlock();
+        m_session->turn().give();
     }
 }
 
 bool KeepAlive::begin() KX_NO_THREAD_SAFETY_ANALYSIS {
-    m_bHeld = m_session->mutex().tryLock();
+    m_bHeld = m_session->turn().tryTake();
     if (!m_bHeld) {
         return false;
     }
@@ -68,6 +68,6 @@ void KeepAlive::take(const Step& step) {
 
 void KeepAlive::end(bool bSucceeded) KX_NO_THREAD_SAFETY_ANALYSIS {
     m_session->setHeartbeatFailures(bSucceeded ? 0 : m_session->getHeartbeatFailures() + 1);
-    m_session->mutex().unlock();
+    m_session->turn().give();
     m_bHeld = false;
 }

@@ -13,7 +13,7 @@
 // The command, for a caller who waits for its answer.
 std::int32_t sendHeartBeat(const SafePointer<SDKSession>& session);
 
-// Holds the session's lock while it is under way, so it belongs to one thread. Its end shows in the
+// Holds the session's turn while it is under way. Its end shows in the
 // session's count of failures, whatever failed, an exception included.
 class KeepAlive {
 public:
@@ -38,5 +38,5 @@ private:
     SafePointer<SDKSession> m_session;
     DomainList m_reply;
     std::optional<Exchange> m_exchange;
-    bool m_bHeld = false;  // the session's lock
+    bool m_bHeld = false;  // the session's turn
 };

@@ -12,25 +12,29 @@ using namespace fleetkit;
 SDKSession::~SDKSession() noexcept = default;
 
 void SDKSession::setTransfer(const SafePointer<ITransfer>& transfer) {
-    const KXMutexGuard guard(m_mutex);
+    const TurnGuard guard(m_turn);
     m_pTransfer = transfer;
     m_pTransfer->setNonBlocking(true);
 }
 
 void SDKSession::close() {
-    const KXMutexGuard guard(m_mutex);
-    if (!m_pTransfer.isNull()) {
-        m_pTransfer->close();
-    }
+    const TurnGuard guard(m_turn);
+    closeTransfer();
 }
 
 bool SDKSession::closeIfIdle() {
-    if (!m_mutex.tryLock()) {
+    if (!m_turn.tryTake()) {
         return false;
     }
-    close();
-    m_mutex.unlock();
+    closeTransfer();
+    m_turn.give();
     return true;
+}
+
+void SDKSession::closeTransfer() {
+    if (!m_pTransfer.isNull()) {
+        m_pTransfer->close();
+    }
 }
 
 void SDKSession::setLimits(const ExchangeLimits& limits) noexcept {
@@ -40,7 +44,7 @@ void SDKSession::setLimits(const ExchangeLimits& limits) noexcept {
 
 std::int32_t SDKSession::sendRecv(std::uint32_t nCommandId, const DomainList& request,
                                   DomainList& reply) {
-    const KXMutexGuard guard(m_mutex);
+    const TurnGuard guard(m_turn);
     std::optional<Exchange> exchange;
     Exchange::Result result = begin(exchange, nCommandId, request, reply);
     while (!result) {

@@ -5,13 +5,13 @@
 #include <cstdint>
 #include <optional>
 
-#include "Product/Technic/KXMutex.h"
 #include "Product/Technic/SafePointer.h"
 #include "Product/Technic/ThreadAnnotations.h"
 #include "domain/DeviceInfoEx.h"
 #include "domain/DomainList.h"
 #include "protocol/ProtocolType.h"
 #include "session/Exchange.h"
+#include "session/ExchangeTurn.h"
 #include "session/ITransfer.h"
 
 // Shares its transport, and never reconnects: after `close`, or when the other end is gone, every
@@ -69,21 +69,23 @@ public:
     // empty pointer.
     std::int32_t sendRecv(std::uint32_t nCommandId, const DomainList& request, DomainList& reply);
 
-    // The same in steps, for those who wait for several sessions at once: the lock is theirs, from
+    // The same in steps, for those who wait for several sessions at once: the turn is theirs, from
     // before `begin` to the end of the exchange, whose results these give.
-    KXMutex& mutex() KX_RETURNS_LOCK(m_mutex) { return m_mutex; }
+    ExchangeTurn& turn() KX_RETURNS_LOCK(m_turn) { return m_turn; }
     Exchange::Result begin(std::optional<Exchange>& exchange, std::uint32_t nCommandId,
-                           const DomainList& request, DomainList& reply) KX_REQUIRES(m_mutex);
-    Exchange::Result proceed(Exchange& exchange, bool bReady) KX_REQUIRES(m_mutex);
+                           const DomainList& request, DomainList& reply) KX_REQUIRES(m_turn);
+    Exchange::Result proceed(Exchange& exchange, bool bReady) KX_REQUIRES(m_turn);
 
 private:
-    SafePointer<ITransfer> m_pTransfer KX_GUARDED_BY(m_mutex);
+    void closeTransfer() KX_REQUIRES(m_turn);
+
+    SafePointer<ITransfer> m_pTransfer KX_GUARDED_BY(m_turn);
     DeviceInfoEx m_deviceInfo;
     InetAddr m_dialAddr;
     std::atomic<std::int32_t> m_nReplyTimeout{ExchangeLimits().nRead};
     std::atomic<std::int32_t> m_nWholeTimeout{ExchangeLimits().nWhole};
     std::atomic<std::uint32_t> m_nSessionId{0};
-    KXMutex m_mutex;  // held through a whole exchange
+    ExchangeTurn m_turn;
     std::atomic<std::int32_t> m_nHeartbeatFailures{0};
     std::atomic<std::uint32_t> m_nLastHeartbeat{0};
     std::atomic<std::uint16_t> m_nProtocolType{ProtocolType::SDK};

@@ -73,13 +73,6 @@ int KXMutexHandle::lock() noexcept {
     return isValid() ? Done : NotValid;
 }
 
-int KXMutexHandle::tryLock() noexcept {
-    if (!isValid()) {
-        return NotValid;
-    }
-    return m_pNative->tryLock() ? Done : Held;
-}
-
 int KXMutexHandle::unlock() noexcept {
     if (!isValid()) {
         return NotValid;
@@ -105,10 +98,6 @@ KXMutexHandle& KXMutex::validHandle(const char* pFile, int nLine) const {
 int KXMutex::lock(const char* pFile, int nLine) KX_NO_THREAD_SAFETY_ANALYSIS {
     validHandle(pFile, nLine).lock();
     return KXMutexHandle::Done;
-}
-
-bool KXMutex::tryLock(const char* pFile, int nLine) KX_NO_THREAD_SAFETY_ANALYSIS {
-    return validHandle(pFile, nLine).tryLock() == KXMutexHandle::Done;
 }
 
 int KXMutex::unlock(const char* pFile, int nLine) KX_NO_THREAD_SAFETY_ANALYSIS {

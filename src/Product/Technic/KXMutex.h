@@ -22,7 +22,6 @@ public:
         AlreadyInitialised = -1,
         NotValid = -2,
         CreationFailed = -3,
-        Held = -4,
     };
 
     // Makes the mutex; isValid() tells whether the system gave one.
@@ -42,9 +41,6 @@ public:
 
     // Waits without limit. NotValid when the key is wrong before or after the wait, else Done.
     int lock() noexcept;
-
-    // The same without waiting: also Held, when another thread holds the mutex.
-    int tryLock() noexcept;
 
     // NotValid or Done; Done also when the calling thread does not hold the mutex.
     int unlock() noexcept;
@@ -73,10 +69,6 @@ public:
     int unlock(const char* pFile, int nLine) KX_RELEASE();
     int lock() KX_ACQUIRE();
     int unlock() KX_RELEASE();
-
-    // False, without waiting, when another thread holds it. Throws like lock().
-    bool tryLock(const char* pFile = __builtin_FILE(), int nLine = __builtin_LINE())
-        KX_TRY_ACQUIRE(true);
 
     // The level below, for those who check the key themselves.
     KXMutexHandle& getHandle() noexcept { return *m_pHandle.load(std::memory_order_relaxed); }

@@ -126,7 +126,7 @@ TEST_F(Heartbeat, DropsSessionsAtTheScanAfterTheThirdFailureWhateverItIs) {
 
 TEST_F(Heartbeat, LeavesASessionInAnExchangeAloneUntilTheNextScan) {
     const auto session = m_devices.add(Acknowledges);
-    std::optional<KXMutexGuard> exchange(session->mutex());
+    std::optional<TurnGuard> exchange(session->turn());
     m_pManager->addSession(1, session);
     runUntilSecond(1008);
     EXPECT_EQ(session->getLastHeartbeat(), 0u);
@@ -154,7 +154,7 @@ TEST(DeviceSessionManager, NoDeviceHoldsUpTheKeepAlivesOfAnother) {
     const ScopedClock inPlace(devices);
     std::deque<Device> listDevices(1000);
     DeviceSessionManager manager;
-    std::deque<KXMutexGuard> listExchanges;  // that take longer than the test
+    std::deque<TurnGuard> listExchanges;  // that take longer than the test
     const auto isSilent = [](int n) { return n % 10 == 0; };
     const auto isTrickling = [](int n) { return n % 100 == 1; };
     const auto isBusy = [](int n) { return n % 100 == 2; };
@@ -172,7 +172,7 @@ TEST(DeviceSessionManager, NoDeviceHoldsUpTheKeepAlivesOfAnother) {
                                     : Arrivals{{n, strAnswer}};
         });
         if (isBusy(n)) {
-            listExchanges.emplace_back(session->mutex());
+            listExchanges.emplace_back(session->turn());
         }
         manager.addSession(n, session);
     }

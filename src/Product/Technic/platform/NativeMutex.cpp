@@ -57,28 +57,10 @@ void NativeMutex::lock() noexcept {
         ++m_nDepth;
         return;
     }
-    own(nSelf, pthread_mutex_lock(&m_mutex));
-}
-
-bool NativeMutex::tryLock() noexcept {
-    const std::uint64_t nSelf = currentThreadNumber();
-    if (m_nOwner.load(std::memory_order_relaxed) == nSelf) {
-        ++m_nDepth;
-        return true;
-    }
-    const int nLocked = pthread_mutex_trylock(&m_mutex);
-    if (nLocked == EBUSY) {
-        return false;
-    }
-    own(nSelf, nLocked);
-    return true;
-}
-
-void NativeMutex::own(std::uint64_t nThread, int nLocked) noexcept {
-    if (nLocked == EOWNERDEAD) {
+    if (pthread_mutex_lock(&m_mutex) == EOWNERDEAD) {
         pthread_mutex_consistent(&m_mutex);
     }
-    m_nOwner.store(nThread, std::memory_order_relaxed);
+    m_nOwner.store(nSelf, std::memory_order_relaxed);
     m_nDepth = 1;
 }
 

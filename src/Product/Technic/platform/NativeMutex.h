@@ -25,12 +25,9 @@ public:
     NativeMutex& operator=(const NativeMutex&) = delete;
 
     void lock() noexcept;
-    bool tryLock() noexcept;  // false when another thread holds it
     void unlock() noexcept;
 
 private:
-    void own(std::uint64_t nThread, int nLocked) noexcept;
-
     explicit NativeMutex(const pthread_mutexattr_t& attributes, int& nResult) noexcept;
 
     pthread_mutex_t m_mutex{};
