@@ -27,6 +27,8 @@ def facts_of(real):
     for number, what in enumerate(("writing commands", "reading commands", "other commands",
                                    "actions"), 1):
         yield f"{what}: {operations[number]}"
+    yield from (f"{command.request} is answered by {command.response}" for command in real.commands
+                if command.response not in (command.request + 1, schema.ACKNOWLEDGEMENT))
     marks = Counter()
     for field in (field for record in real.records.values() for field in record.fields):
         if field.kind in (*schema.SCALARS, "joined"):

@@ -21,6 +21,14 @@ inline std::string fromHex(std::string_view strHex) {
     return strBytes;
 }
 
+inline std::string repeated(const std::string& strText, std::size_t nTimes) {
+    std::string strAll;
+    for (std::size_t i = 0; i < nTimes; ++i) {
+        strAll += strText;
+    }
+    return strAll;
+}
+
 inline std::string bytesOf(const CommandBuffer& buffer) {
     return {reinterpret_cast<const char*>(buffer.data()), buffer.getLength()};
 }

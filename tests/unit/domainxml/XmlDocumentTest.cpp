@@ -6,6 +6,7 @@
 
 #include "domain/RecordDescriptor.h"
 #include "domainxml/DomainXmlNode.h"
+#include "support/WireBytes.h"
 
 using namespace fleetkit;
 
@@ -13,19 +14,11 @@ namespace {
 
 constexpr const char* Declaration = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>";
 
-std::string repeated(const std::string& strPiece, int nTimes) {
-    std::string strText;
-    for (int i = 0; i < nTimes; ++i) {
-        strText += strPiece;
-    }
-    return strText;
-}
-
 bool parses(const std::string& strText) {
     return static_cast<bool>(XmlDocument::parse(strText.c_str()).root());
 }
 
-std::string nested(int nLevels, const std::string& strInside = "") {
+std::string nested(std::size_t nLevels, const std::string& strInside = "") {
     return repeated("<x>", nLevels) + strInside + repeated("</x>", nLevels);
 }
 

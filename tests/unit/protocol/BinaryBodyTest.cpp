@@ -6,31 +6,27 @@
 #include "domain/EtFileDataPack.h"
 #include "domain/EtPTZOperation.h"
 #include "protocol/BodyParserFactory.h"
-#include "protocol/NetworkOrder.h"
 #include "support/WireCommands.h"
 
 namespace {
 
-EtCOMWriteData comWrite(const std::string& strData) {
-    EtCOMWriteData write;
-    write.setComData(dataOf(strData));
+EtCOMWriteData comWrite() {
+    auto write = with(&EtCOMWriteData::setComData, dataOf("xyz"));
     write.setComId(2);
     write.setComType(0x80000003);
     return write;
 }
 
-EtPTZOperation ptzOperation(const std::string& strOperation, const std::string& strName) {
-    EtPTZOperation operation;
-    operation.setCameraId(5);
+EtPTZOperation ptzOperation() {
+    auto operation = with(&EtPTZOperation::setCameraId, 5);
     operation.setPTZId(6);
-    operation.setPTZOperation(strOperation);
-    operation.setName(strName);
+    operation.setPTZOperation("UP");
+    operation.setName("gate");
     return operation;
 }
 
 EtFileDataPack filePack(const std::string& strData) {
-    EtFileDataPack pack;
-    pack.setDataBuffer(dataOf(strData));
+    auto pack = with(&EtFileDataPack::setDataBuffer, dataOf(strData));
     pack.setPackFlag(0xC1);
     return pack;
 }
@@ -46,9 +42,9 @@ struct Form {
 };
 
 std::vector<Form> forms() {
-    const Records com = recordsOf(ChannelId(), comWrite("xyz"));
+    const Records com = recordsOf(ChannelId(), comWrite());
     const std::string strCom = fromHex("00 00 00 03 78 79 7A 00 00 00 02 80 00 00 03");
-    const Records ptz = recordsOf(resultOf(-2), ptzOperation("UP", "gate"));
+    const Records ptz = recordsOf(resultOf(-2), ptzOperation());
     const std::string strPTZ =
         fromHex("FF FF FF FE 00 00 00 05 00 00 00 02 55 50 00 00 00 04 67 61 74 65 00 00 00 06");
     const Records import = recordsOf(resultOf(1), dataOf("ab"));
@@ -125,36 +121,36 @@ TEST(BinaryBodyTest, IsRefusedWhenItEndsTooEarlyOrALengthPassesItsEnd) {
 }
 
 TEST(BinaryBodyTest, MayHoldNoDataOnlyInAFilePiece) {
-    const std::string strEmptyPiece = fromHex("00 00 00 00 C1 00 00 00 00");
-    EXPECT_EQ(written(47005, parsed(47005, strEmptyPiece)), strEmptyPiece);
     EXPECT_EQ(written(33028, recordsOf(DataBuffer(), EtResult())), std::string(8, '\0'));
     EXPECT_TRUE(refuses(31026, fromHex("00 00 00 00 00 00 00 07")));
     EXPECT_TRUE(refuses(33026, fromHex("00 00 00 00")));
     EXPECT_TRUE(refuses(33019, fromHex("00 00 00 00 00 00 00 01 00 00 00 02")));
 }
 
-TEST(BinaryBodyTest, OfAFilePieceHasACodeThatIsReadAsItsBytesStand) {
-    const std::string strBytes = written(15020, recordsOf(filePack("a"), resultOf(1)));
-    EXPECT_EQ(strBytes, fromHex("00 00 00 01 C1 00 00 00 01 61"));
-    const Records records = parsed(15020, strBytes);
-    EXPECT_EQ(recordAt<EtResult>(records, 1),
-              resultOf(static_cast<int>(toNetworkOrder(std::uint32_t{1}))));
-}
-
-TEST(BinaryBodyTest, OfAPTZOperationMayLackTextsAndItsLastNumber) {
-    const std::string strEmpty =
+TEST(BinaryBodyTest, IsReadWithWhatItsFormLeavesOpen) {
+    const std::string strPiece = fromHex("00 00 00 01 C1 00 00 00 01 61");
+    EXPECT_EQ(written(15020, recordsOf(filePack("a"), resultOf(1))), strPiece);
+    const std::string strEmptyPiece = fromHex("00 00 00 00 C1 00 00 00 00");
+    const std::string strNoTexts =
         fromHex("00 00 00 00 00 00 00 05 00 00 00 00 00 00 00 00 00 00 00 06");
-    EXPECT_EQ(written(14006, recordsOf(ptzOperation("", ""))), strEmpty);
-    EXPECT_EQ(recordAt<EtPTZOperation>(parsed(14006, strEmpty), 0), ptzOperation("", ""));
-
-    EtPTZOperation ofOlderDevice = ptzOperation("", "");
-    ofOlderDevice.setPTZId(1);
-    EXPECT_EQ(recordAt<EtPTZOperation>(parsed(14006, strEmpty.substr(0, 16)), 0), ofOlderDevice);
-
-    const std::string strZeroBytesInTexts =
-        fromHex("00 00 00 00 00 00 00 05 00 00 00 02 55 00 00 00 00 04 67 61 00 65 00 00 00 06");
-    EXPECT_EQ(recordAt<EtPTZOperation>(parsed(14006, strZeroBytesInTexts), 0),
-              ptzOperation("U", "ga"));
+    const struct {
+        const char* szWhat;
+        std::uint32_t nCommandID;
+        std::string strBytes;
+        std::string strWritten;  // when the records that were read are written
+    } cases[] = {
+        {"no data", 47005, strEmptyPiece, strEmptyPiece},
+        {"a code as its bytes stand", 15020, strPiece, fromHex("00 00 00 01 C1 01 00 00 00 61")},
+        {"no texts", 14006, strNoTexts, strNoTexts},
+        {"no last number", 14006, strNoTexts.substr(0, 16),
+         strNoTexts.substr(0, 16) + fromHex("00 00 00 01")},
+        {"zero bytes in texts", 14006,
+         fromHex("00 00 00 00 00 00 00 05 00 00 00 02 55 00 00 00 00 04 67 61 00 65 00 00 00 06"),
+         fromHex("00 00 00 00 00 00 00 05 00 00 00 01 55 00 00 00 02 67 61 00 00 00 06")},
+    };
+    for (const auto& [szWhat, nCommandID, strBytes, strWritten] : cases) {
+        EXPECT_EQ(written(nCommandID, parsed(nCommandID, strBytes)), strWritten) << szWhat;
+    }
 }
 
 }  // namespace

@@ -12,6 +12,7 @@
 #include "protocol/SDKCommandParser.h"
 #include "support/CapturedOutput.h"
 #include "support/RecordLists.h"
+#include "support/ScriptedPeer.h"
 #include "support/WireCommands.h"
 
 using namespace fleetkit;
@@ -21,29 +22,23 @@ namespace {
 constexpr std::uint32_t HeadLength = SDKCommandHeadInfo::WireLength;
 constexpr std::uint32_t AnyXmlCommand = 10000;
 
-// The command with another body, which its head announces.
-std::string withBody(const std::string& strCommand, const std::string& strBody) {
-    SDKCommandHeadInfo head;
-    CommandBuffer buffer = bufferOf(strCommand);
-    EXPECT_TRUE(decodeCommandHead(buffer.data(), HeadLength, head));
-    head.setPayloadLength(static_cast<std::uint32_t>(strBody.size()));
-    EXPECT_TRUE(encodeCommandHead(head, buffer));
-    return bytesOf(buffer) + strBody;
-}
-
 // Bytes at which lengths, texts and markup turn.
 const std::string TellingBytes("\0\x01\x7F\x80\xFF<>\"'&=/![]-?; \n\xC3", 21);
 
 // Damages commands, and counts what becomes of them.
 class Damage {
 public:
-    void inflict(const ICommandProtocolParser& parser, const std::string& strCommand, int nRounds) {
+    void inflict(const ICommandProtocolParser& parser, const SafePointer<CommandParam>& param,
+                 int nRounds) {
+        const std::string strCommand = encoded(parser, param);
+        SDKCommandHeadInfo head;
+        EXPECT_TRUE(decodeCommandHead(bytesIn(strCommand), HeadLength, head));
         for (int n = 0; n < nRounds; ++n) {
             std::string strBody = strCommand.substr(HeadLength);
             for (std::size_t nLeft = 1 + below(4); nLeft > 0; --nLeft) {
                 mutate(strBody);
             }
-            expectNoHarm(parser, withBody(strCommand, strBody));
+            expectNoHarm(parser, peerMessage(head, strBody, head.getProtocolType()));
         }
     }
 
@@ -78,20 +73,16 @@ private:
 
 // One of each record that the binary forms hold.
 Records binaryRecords() {
-    EtCOMWriteData write;
-    write.setComData(dataOf("eleven byte"));
-    EtFileDataPack pack;
-    pack.setDataBuffer(dataOf("eleven byte"));
-    EtPTZOperation operation;
-    operation.setPTZOperation("goto preset");
-    operation.setName("door");
-    return recordsOf(write, pack, dataOf("eleven byte"), operation, EtResult());
+    const DataBuffer data = dataOf("eleven byte");
+    return recordsOf(with(&EtCOMWriteData::setComData, data),
+                     with(&EtFileDataPack::setDataBuffer, data), data,
+                     with(&EtPTZOperation::setPTZOperation, "goto preset"), EtResult());
 }
 
 TEST(HostileInput, DamagedBinaryFormsAreReadOrRefused) {
     const auto expectBoth = [](const ICommandProtocolParser& parser, const auto& param) {
         Damage damage;
-        damage.inflict(parser, encoded(parser, param), 1500);
+        damage.inflict(parser, param, 1500);
         EXPECT_GT(damage.m_nRead, 0);
         EXPECT_GT(damage.m_nRefused, 0);
     };
@@ -114,7 +105,7 @@ TEST(HostileInput, DamagedRecordsOfEveryTypeAreReadOrRefused) {
             auto pRecord = pDescriptor->access.make();
             RecordFiller().fill(*pDescriptor, pRecord.get());
             const Records records{wrapSafe<BaseDomain>(std::move(pRecord))};
-            damage.inflict(parser, encoded(parser, sdkCommand(headOf(AnyXmlCommand), records)), 18);
+            damage.inflict(parser, sdkCommand(headOf(AnyXmlCommand), records), 18);
         }
     });
     EXPECT_GT(nTypes, 0);
