@@ -6,14 +6,12 @@
 
 #include "domain/AlarmOutAction.h"
 #include "domain/ChannelId.h"
-#include "domain/DataBuffer.h"
 #include "domain/DomainList.h"
 #include "domain/EtCOMWriteData.h"
 #include "domain/EtFileDataPack.h"
-#include "domain/EtResult.h"
 #include "domain/NTPParam.h"
 #include "domain/PolygonArea.h"
-#include "support/WireBytes.h"
+#include "support/WireCommands.h"
 
 using namespace fleetkit;
 
@@ -55,27 +53,25 @@ TEST(DomainContainer, CopyingLeavesTheIdsOfTheTarget) {
     EXPECT_EQ(AlarmOutAction(action).getDomainId(), 15U);
     EXPECT_EQ(BaseDomain(action).getDomainId(), 0U);
 
-    DomainVectorContainer<NTPParam> list({record, record});
-    const DomainVectorContainer<AlarmOutAction> other;
-    static_cast<DomainContainer&>(list) = other;
+    auto list = listOf<NTPParam>({record});
+    list.append(with(&NTPParam::setNTPPort, 123));
+    static_cast<DomainContainer&>(list) = DomainVectorContainer<AlarmOutAction>();
     EXPECT_EQ(list.getDomainElementId(), 206U);
-    EXPECT_EQ(list.getElements().size(), 2U);
-    EXPECT_EQ(DomainVectorContainer<NTPParam>(list).getElements().size(), 2U);
-}
-
-TEST(DomainContainer, AListHoldsCopiesOfWhatItIsGiven) {
-    NTPParam record;
-    record.setNTPPort(123);
-    DomainVectorContainer<NTPParam> list;
-    list.append(record);
-    record.setNTPPort(1);
-    EXPECT_EQ(list.getElements().at(0).getNTPPort(), 123);
-    list.setElements({record, record});
-    ASSERT_EQ(list.getElements().size(), 2U);
-    EXPECT_EQ(list.getElements()[0].getNTPPort(), 1);
+    EXPECT_EQ(list.getElements().at(1).getNTPPort(), 123);
     DomainVectorContainer<BaseDomain> plain;
     plain.append(record);
     EXPECT_EQ(plain.getElements().at(0).getDomainId(), 0U) << "holds only ids";
+}
+
+TEST(DomainList, FindsTheFirstOfATypeAndListsByTheirElement) {
+    const auto four = with(&ChannelId::setId, 4);
+    const auto fours = listOf<ChannelId>({four, four});
+    const DomainList domains =
+        recordsOf(EtResult(), DomainVectorContainer<EtResult>(), fours, four, ChannelId());
+    EXPECT_EQ(*findRecord<ChannelId>(domains), four);
+    EXPECT_EQ(*findList<ChannelId>(domains), fours.getElements());
+    EXPECT_EQ(findRecord<NTPParam>(domains), nullptr);
+    EXPECT_EQ(findList<NTPParam>(domains), nullptr);
 }
 
 // ---- raw bytes
@@ -85,66 +81,34 @@ std::string bytesOf(const DataBuffer& buffer) {
             static_cast<std::size_t>(buffer.getSize())};
 }
 
-bool set(DataBuffer& buffer, const std::string& strBytes) {
-    return buffer.setData(reinterpret_cast<const std::uint8_t*>(strBytes.data()),
-                          static_cast<std::int32_t>(strBytes.size()));
-}
-
-TEST(DataBuffer, KeepsItsBlockWhileThatIsLargeEnough) {
-    DataBuffer buffer;
-    EXPECT_EQ(buffer.getDomainId(), 416U);
-    EXPECT_EQ(buffer.getSize(), 0);
-    EXPECT_EQ(buffer.getData(), nullptr);
-    EXPECT_TRUE(set(buffer, "0123456789"));
+TEST(DataBuffer, KeepsItsBlockWhileThatIsLargeEnoughAndItsContentWhenItRefuses) {
+    DataBuffer buffer = dataOf("0123456789");
     const std::uint8_t* pBlock = buffer.getData();
-    EXPECT_TRUE(set(buffer, "abc"));
+    EXPECT_TRUE(buffer.setData(bytesIn("abc"), 3));
     EXPECT_EQ(buffer.getData(), pBlock);
-    EXPECT_EQ(bytesOf(buffer), "abc");
-    EXPECT_TRUE(set(buffer, std::string(100000, 'z')));
-    EXPECT_EQ(bytesOf(buffer), std::string(100000, 'z'));
-}
-
-TEST(DomainList, FindsTheFirstOfATypeAndListsByTheirElement) {
-    ChannelId four;
-    four.setId(4);
-    const DomainVectorContainer<ChannelId> fours({four, four});
-    const DomainList domains =
-        recordsOf(EtResult(), DomainVectorContainer<EtResult>(), fours, four, ChannelId());
-    EXPECT_EQ(*findRecord<ChannelId>(domains), four);
-    EXPECT_EQ(*findList<ChannelId>(domains), fours.getElements());
-    EXPECT_EQ(findRecord<NTPParam>(domains), nullptr);
-    EXPECT_EQ(findList<NTPParam>(domains), nullptr);
-}
-
-TEST(DataBuffer, RefusesNothingAndKeepsTheOldContent) {
-    DataBuffer buffer;
-    set(buffer, "abc");
-    const std::uint8_t nByte = 1;
     EXPECT_FALSE(buffer.setData(nullptr, 5));
-    EXPECT_FALSE(buffer.setData(&nByte, 0));
-    EXPECT_FALSE(buffer.setData(&nByte, -1));
+    EXPECT_FALSE(buffer.setData(bytesIn("x"), 0));
+    EXPECT_FALSE(buffer.setData(bytesIn("x"), -1));
     buffer = DataBuffer();
     const DataBuffer& self = buffer;
     buffer = self;
     EXPECT_EQ(bytesOf(buffer), "abc");
+    const std::string strLarge(100000, 'z');
+    EXPECT_TRUE(buffer.setData(bytesIn(strLarge), 100000));
+    EXPECT_EQ(bytesOf(buffer), strLarge);
 }
 
 TEST(DataBuffer, CopiesDeeply) {
-    DataBuffer buffer;
-    set(buffer, "abc");
+    DataBuffer buffer = dataOf("abc");
     DataBuffer copy(buffer);
-    EtCOMWriteData com;
-    com.setComData(buffer);
-    EtFileDataPack pack;
-    pack.setDataBuffer(buffer);
-    set(buffer, "xyz");
+    const auto com = with(&EtCOMWriteData::setComData, buffer);
+    const auto pack = with(&EtFileDataPack::setDataBuffer, buffer);
+    buffer.setData(bytesIn("xyz"), 3);
     EXPECT_EQ(bytesOf(copy), "abc");
     EXPECT_EQ(bytesOf(EtCOMWriteData(com).getComData()), "abc");
     EXPECT_EQ(bytesOf(EtFileDataPack(pack).getDataBuffer()), "abc");
     copy = buffer;
     EXPECT_EQ(bytesOf(copy), "xyz");
-    EXPECT_EQ(EtCOMWriteData(com).getDomainId(), 1067U);
-    EXPECT_EQ(EtFileDataPack(pack).getDomainId(), 1125U);
 }
 
 }  // namespace

@@ -116,37 +116,32 @@ TEST(EveryRecord, IsReadFromItsExampleInTheReference) {
 
 constexpr std::uint32_t None = 0xFFFFFFFF;
 
-TEST(EveryRecord, IsFoundByIdByNameAndByListName) {
+TEST(EveryRecord, IsFoundByIdAndByItsNamesUnlessItOccursOnlyNested) {
     std::map<std::string, std::uint32_t> mapFirst;  // of the types that share a name
-    forEach(namedRecords(), [&](const RecordDescriptor& descriptor) {
-        const std::string strTag = descriptor.szName;
+    forEach(allRecords(), [&](const RecordDescriptor& descriptor) {
+        const std::uint32_t nId = descriptor.nDomainId;
         std::string strName;
-        EXPECT_TRUE(getDomainName(descriptor.nDomainId, strName));
-        EXPECT_EQ(strName, strTag);
+        EXPECT_EQ(findRecordDescriptor(descriptor.szClass), &descriptor);
+        if (descriptor.szName == nullptr) {
+            const bool bAsBase = nId == 0;  // one nested type has the id of the base
+            EXPECT_EQ(findRecordDescriptor(nId) == &descriptor, !bAsBase);
+            EXPECT_EQ(getDomainName(nId, strName), bAsBase);
+            EXPECT_EQ(createDomainXml(nId) != nullptr, bAsBase);
+            EXPECT_EQ(createSingleDomain(descriptor.szClass), nullptr);
+            return;
+        }
+        const std::string strTag = descriptor.szName;
+        EXPECT_EQ(findRecordDescriptor(nId), &descriptor);
         EXPECT_TRUE(getDomainNameOfRecord(*descriptor.access.make(), strName));
         EXPECT_EQ(strName, strTag);
         EXPECT_TRUE(getDomainNameOfRecord(*descriptor.access.makeContainer(), strName));
         EXPECT_EQ(strName, strTag + "List");
-        const std::uint32_t nFirst = mapFirst.emplace(strTag, descriptor.nDomainId).first->second;
+        const std::uint32_t nFirst = mapFirst.emplace(strTag, nId).first->second;
         EXPECT_EQ(createSingleDomain(strTag)->getDomainId(), nFirst);
         const bool bList = descriptor.szList != nullptr;
         const auto pList = createListDomain(bList ? descriptor.szList : strTag + "List");
         EXPECT_EQ(pList == nullptr ? None : effectiveDomainId(*pList), bList ? nFirst : None);
         EXPECT_EQ(pList != nullptr && pList->getDomainId() == ContainerDomainId, bList);
-    });
-}
-
-TEST(EveryRecord, HasANameAndAMapperUnlessItOccursOnlyNested) {
-    forEach(allRecords(), [](const RecordDescriptor& descriptor) {
-        const bool bNested = descriptor.szName == nullptr;
-        const bool bAsBase = descriptor.nDomainId == 0;  // one nested type has the id of the base
-        std::string strName = "kept";
-        EXPECT_EQ(getDomainName(descriptor.nDomainId, strName), !bNested || bAsBase);
-        EXPECT_EQ(strName == "kept", bNested && !bAsBase);
-        EXPECT_TRUE(!bNested || createSingleDomain(descriptor.szClass) == nullptr);
-        EXPECT_EQ(createDomainXml(descriptor.nDomainId) != nullptr, !bNested || bAsBase);
-        EXPECT_EQ(findRecordDescriptor(descriptor.szClass), &descriptor);
-        EXPECT_EQ(findRecordDescriptor(descriptor.nDomainId) == &descriptor, !bAsBase || !bNested);
     });
 }
 
