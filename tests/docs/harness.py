@@ -46,8 +46,7 @@ class Device:
         told = options if "--port" in options else [*ACCOUNT, *options]
         free = ["0" if option == PORT else option for option in told]
         self.process = subprocess.Popen(
-            [program, *free, "--seconds", str(SECONDS)], stdout=subprocess.PIPE, text=True,
-            stderr=subprocess.PIPE if "--verbose" in options else None)
+            [program, *free, "--seconds", str(SECONDS)], stdout=subprocess.PIPE, text=True)
         line = self.process.stdout.readline()
         match = re.fullmatch(r"listening on 127\.0\.0\.1:(\d+)\n", line)
         if not match:
@@ -59,7 +58,7 @@ class Device:
 
     def __exit__(self, *_):
         self.process.terminate()
-        self.told = self.process.communicate(timeout=SECONDS)[1]
+        self.process.communicate(timeout=SECONDS)
 
 
 class PageCase(unittest.TestCase):

@@ -270,6 +270,14 @@ std::vector<Operation> operations() {
     return plain.vecOperations;
 }
 
+void expectTold(const Rows<CarriedRecord>& told, const Records& records) {
+    ASSERT_EQ(told.size(), records.size());
+    for (std::size_t i = 0; i < told.size(); ++i) {
+        EXPECT_EQ(told[i].descriptor().nDomainId, effectiveDomainId(*records[i]));
+        EXPECT_EQ(told[i].isList, records[i]->getDomainId() == ContainerDomainId);
+    }
+}
+
 void expectCodes(LoggedInDevice& device, const Operation& operation) {
     const bool bGets = !operation.vecAnswer.empty();
     const struct {
@@ -347,6 +355,8 @@ TEST(FleetKit, SendsTheRecordsOfEachOperationAndTakesItsAnswer) {
         for (const Operation& operation : operations()) {
             SCOPED_TRACE(operation.strFunction);
             setCalled.insert(operation.strFunction);
+            expectTold(findFunction(operation.strFunction)->request, operation.vecRequest);
+            expectTold(findCommand(operation.nCommand)->answer, operation.vecAnswer);
             expectCodes(device, operation);
             if (operation.callOfType) {
                 expectDecision(device, operation);
