@@ -1,17 +1,10 @@
-"""What the tests of the documentation share: pages, a virtual device, and options."""
+"""What the tests of the documentation share: pages and a virtual device."""
 
-import argparse
 import re
 import subprocess
-import sys
-import tempfile
-import unittest
 from dataclasses import dataclass
-from pathlib import Path
 from typing import Optional
 
-ROOT = Path(__file__).resolve().parents[2]
-CODEGEN = ROOT / "codegen"
 FENCE = re.compile(r"^```(\w*)\n(.*?)^```$", re.M | re.S)
 PORT = "31000"  # that of a device in the documentation
 ACCOUNT = ["--user", "admin", "--password", "secret", "--port", PORT]
@@ -59,31 +52,3 @@ class Device:
     def __exit__(self, *_):
         self.process.terminate()
         self.process.communicate(timeout=SECONDS)
-
-
-class PageCase(unittest.TestCase):
-    arguments = argparse.Namespace()
-
-    def setUp(self):
-        directory = tempfile.TemporaryDirectory()
-        self.addCleanup(directory.cleanup)
-        self.place = Path(directory.name)
-
-    def generate(self, *options):
-        """Runs the generator on the schema of this place; gives status and error text."""
-        done = subprocess.run(
-            [sys.executable, "-B", CODEGEN / "fleetkit_codegen.py",
-             "--schema", self.place / "schema", *options],
-            capture_output=True, text=True, check=False)
-        return done.returncode, done.stderr
-
-
-def run(case, required, repeated=()):
-    """Runs the tests of a class, with the options of the command line as its arguments."""
-    parser = argparse.ArgumentParser()
-    for name in required:
-        parser.add_argument("--" + name, required=True)
-    for name in repeated:
-        parser.add_argument("--" + name, action="append", default=[])
-    case.arguments = parser.parse_args()
-    unittest.main(module=case.__module__, argv=[sys.argv[0]])
