@@ -1,5 +1,6 @@
 // A command with a sound head: type of the protocol, id, and a body of any bytes. What is read can
 // be written, and is then read again.
+#include "Product/Technic/SafePointerRegistry.h"
 #include "fuzz/Fuzz.h"
 #include "protocol/CommandParserFactory.h"
 #include "support/WireCommands.h"
@@ -34,5 +35,6 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* pBytes, std::size_t nLength) {
     for (const std::uint16_t nParser : {ProtocolType::SDK, ProtocolType::Binary}) {
         roundTrip(*createCommandProtocolParser(nParser), message);
     }
+    require(SafePointerRegistry::instance().getTableSize() < 4096, "slots are given back");
     return 0;
 }
