@@ -1,12 +1,11 @@
-// Records as JSON and back, for every record there is, and what is refused on the way.
+// Records as JSON and back, for every record there is, and the texts of the output.
 #include <fleetkit/domain/NTPParam.h>
-#include <fleetkit/domain/OSDUserParam.h>
 #include <gtest/gtest.h>
 
-#include "FieldAssignment.h"
+#include <map>
+
 #include "Output.h"
 #include "RecordJson.h"
-#include "UsageError.h"
 #include "VisibleText.h"
 
 using namespace fleetkit;
@@ -25,57 +24,13 @@ Json sampleOf(const Shape& shape) {
         });
         return json;
     }
-    switch (shape.nScalar) {
-        case FieldKind::Bool:
-            return true;
-        case FieldKind::UnsignedShort:
-            return 65535;
-        case FieldKind::Float:
-            return 0.1;
-        case FieldKind::Double:
-            return 1.0 / 3;
-        case FieldKind::String:
-            return "text \xff";
-        case FieldKind::Block:
-            return "AP/+AQ==";
-        case FieldKind::Int:
-            return -2147483647 - 1;
-        case FieldKind::Record:
-        case FieldKind::RecordList:
-        case FieldKind::IntList:
-        case FieldKind::StringList:
-        case FieldKind::Element:
-        case FieldKind::ElementList:
-        case FieldKind::JoinedInts:
-        case FieldKind::JoinedRecords:
-            break;
-    }
-    ADD_FAILURE() << "a scalar of no scalar kind";
-    return nullptr;
-}
-
-Shape shapeOfOSD() {
-    return {false, &OSDUserParam::descriptor(), FieldKind::Record};
-}
-
-// The JSON of a fresh record after these assignments.
-Json assigned(const std::vector<std::string>& vecTexts) {
-    OSDUserParam osd;
-    Json json = toJson(shapeOfOSD(), &osd);
-    for (const std::string& strText : vecTexts) {
-        assign(parseAssignment(strText, shapeOfOSD(), "osd"), shapeOfOSD(), "osd", json);
-    }
-    fromJson(json, shapeOfOSD(), &osd);
-    return toJson(shapeOfOSD(), &osd);
-}
-
-std::string refusalOf(const std::string& strText) {
-    try {
-        assigned({strText});
-    } catch (const UsageError& error) {
-        return error.what();
-    }
-    return "";
+    static const std::map<FieldKind, Json> Samples = {
+        {FieldKind::Bool, true},           {FieldKind::UnsignedShort, 65535},
+        {FieldKind::Int, -2147483647 - 1}, {FieldKind::Float, 0.1},
+        {FieldKind::Double, 1.0 / 3},      {FieldKind::String, "text \xff"},
+        {FieldKind::Block, "AP/+AQ=="},
+    };
+    return Samples.at(shape.nScalar);
 }
 
 }  // namespace
@@ -108,53 +63,6 @@ TEST(RecordJson, AbsentFieldsKeepTheirValue) {
     fromJson({{"NTPPort", 123}}, {false, &NTPParam::descriptor(), FieldKind::Record}, &ntp);
     EXPECT_EQ(ntp.getNTPIp(), "192.0.2.1");
     EXPECT_EQ(ntp.getNTPPort(), 123);
-}
-
-TEST(FieldAssignment, ReachesNestedFieldsAndAppendsToLists) {
-    const Json json = assigned(
-        {"CameraId=3", "OSDGlobalParam.InverseFlag=true", "CanvasProperList.0.AlignMode=1",
-         R"(CanvasProperList.0={"AreaID":2})", "CanvasProperList.0.OSDInfoList.0.Info=a=b.c",
-         R"(CanvasProperList.1.AreaParam={"TopX":9})"});
-    EXPECT_EQ(json["CameraId"], 3);
-    EXPECT_EQ(json["OSDGlobalParam"]["InverseFlag"], true);
-    EXPECT_EQ(json["CanvasProperList"].size(), 2U);
-    EXPECT_EQ(json["CanvasProperList"][0]["AlignMode"], 1);
-    EXPECT_EQ(json["CanvasProperList"][0]["AreaID"], 2);
-    EXPECT_EQ(json["CanvasProperList"][0]["OSDInfoList"][0]["Info"], "a=b.c");
-    EXPECT_EQ(json["CanvasProperList"][1]["AreaParam"]["TopX"], 9);
-    EXPECT_EQ(assigned({"CanvasProperList.0.AreaID=1", "CanvasProperList=[]"}), assigned({}));
-}
-
-TEST(FieldAssignment, RefusesWhatCannotBeMeant) {
-    const std::pair<const char*, const char*> refusals[] = {
-        {"CameraId", "not of the form FIELD=VALUE"},
-        {"CameraId=", "a whole number"},
-        {"CameraId=1.5", "a whole number"},
-        {"CameraId=2147483648", "a whole number"},
-        {"CameraId=-2147483649", "a whole number"},
-        {"CameraId=99999999999999999999", "a whole number"},
-        {"CameraId=one", "a whole number"},
-        {"CameraId.x=1", "has no fields"},
-        {"cameraId=1", "osd has no field 'cameraId'; did you mean 'CameraId'?"},
-        {"Kamera=1", "the fields are: CameraId OSDGlobalParam CanvasProperList"},
-        {"OSDGlobalParam.InverseFlag=1", "true or false"},
-        {"OSDGlobalParam=1", "an object in JSON"},
-        {R"(OSDGlobalParam={"Inverse":true})", "osd.OSDGlobalParam has no field 'Inverse'"},
-        {R"(OSDGlobalParam={"InverseFlag":"x"})", "osd.OSDGlobalParam.InverseFlag takes true"},
-        {"CanvasProperList={}", "a list in JSON"},
-        {R"(CanvasProperList=[{"AreaID":null}])", "osd.CanvasProperList.0.AreaID takes"},
-        {R"(CanvasProperList=[{"OSDInfoList":[{"Info":"a\u0000b"}]}])",
-         "osd.CanvasProperList.0.OSDInfoList.0.Info cannot hold the character U+0000"},
-        {"CanvasProperList.x.AreaID=1", "number of an element"},
-        {"CanvasProperList.1.AreaID=1", "it has 0"},
-        {"CanvasProperList.99999999999999999999.AreaID=1", "it has 0"},
-    };
-    for (const auto& [szText, szReason] : refusals) {
-        EXPECT_NE(refusalOf(szText).find(szReason), std::string::npos)
-            << szText << " gave: " << refusalOf(szText);
-    }
-    EXPECT_NE(refusalOf("=" + std::string(60000, '[')).find("at most 64 levels"),
-              std::string::npos);
 }
 
 TEST(VisibleText, ShowsWhatIsNoCharacterAndWhatSteersTheTerminal) {
@@ -191,19 +99,4 @@ TEST(Output, KeepsTablesToTheirWidth) {
               "FIELD  TYPE  NOTE\nName   text\nId     int   n\n");
     EXPECT_EQ(formatHeadedTable(vecFields, 0, 16),
               "FIELD  Name\nTYPE   text\n\nFIELD  Id\nTYPE   int\nNOTE   n\n");
-}
-
-TEST(FieldAssignment, NamesTheFieldsThatAreMissing) {
-    const Shape shape{false, &NTPParam::descriptor(), FieldKind::Record};
-    const std::vector<FieldAssignment> vecSome = {
-        parseAssignment("NTPPort=1", shape, "ntp"),
-        parseAssignment(R"(={"NTPIp":"a","NTPEnableFlag":true})", shape, "ntp")};
-    try {
-        requireEveryField(vecSome, NTPParam::descriptor(), "ntp");
-        FAIL() << "accepted";
-    } catch (const UsageError& error) {
-        EXPECT_STREQ(error.what(),
-                     "ntp cannot be read, so every field has to be given; missing: NTPRunTime "
-                     "IPProtoVer");
-    }
 }

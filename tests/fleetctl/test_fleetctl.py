@@ -105,9 +105,9 @@ class FleetctlTest(unittest.TestCase):
             "osd": (["0.OSDGlobalParam.OSDFontAlpha=9", '0.CanvasProperList.0={"AlignMode":3}'],
                     lambda v: (v[0]["OSDGlobalParam"]["OSDFontAlpha"],
                                v[0]["CanvasProperList"][0]["AlignMode"]) == (9, 3)),
-            "osd-channel": (["CanvasProperList.0.OSDInfoList.0.Info=Grüße"],
+            "osd-channel": (["CanvasProperList.0.OSDInfoList.0.Info=Grüße a=b.c"],
                             lambda v: v["CanvasProperList"][0]["OSDInfoList"][0]["Info"]
-                            == "Grüße"),
+                            == "Grüße a=b.c"),
         }
         settable = [row["name"] for row in self.results("get", "--list")
                     if row["set"]]
@@ -120,6 +120,19 @@ class FleetctlTest(unittest.TestCase):
                 self.assertTrue(is_set(written["value"]), written)
                 self.assertTrue(is_set(self.value(name)), self.value(name))
         self.assertEqual(self.results("set", "network", *NETWORK)[0]["code"], 0)
+
+    def test_assignments_reach_nested_fields_and_append_to_lists(self):
+        def canvases(*fields):
+            return self.results("set", "osd-channel", "--channel", "1", *fields)[0]["value"][
+                "CanvasProperList"]
+
+        self.assertEqual(canvases("CanvasProperList=[]"), [])
+        first, second = canvases(
+            "CanvasProperList.0.AlignMode=1", 'CanvasProperList.0={"AreaID":2}',
+            'CanvasProperList.1.AreaParam={"TopX":9}')
+        self.assertEqual((first["AlignMode"], first["AreaID"]), (1, 2))
+        self.assertEqual((second["AlignMode"], second["AreaParam"]["TopX"]), (0, 9))
+        self.assertEqual(canvases("CanvasProperList.0.AreaID=1", "CanvasProperList=[]"), [])
 
     def test_wrong_usage_gives_2_and_changes_nothing(self):
         before = self.results("get", "ntp", "ports")
@@ -144,21 +157,40 @@ class FleetctlTest(unittest.TestCase):
             (["get", "ntp", "-o", "xml"], "json"),
             (["set", "ntp"], "FIELD=VALUE"),
             (["set", "summary", "DeviceName=x"], "only be read"),
-            (["set", "ntp", "NTPPort"], "FIELD=VALUE"),
-            (["set", "ntp", "NTPIp=x", "Port=1"],
-             "the fields are: NTPEnableFlag NTPIp NTPPort NTPRunTime IPProtoVer"),
             (["set", "ntp", "NTPPort=70000"], "from 0 to 65535"),
-            (["set", "ntp", "NTPEnableFlag=yes"], "true or false"),
             (["set", "network", *NETWORK[1:]], "missing: NetId"),
-            (["set", "streams", "9.BitRate=1"], "no element 9"),
             (["set", "streams", "0.StreamName=" + 36 * "x"], "space for 35"),
+            *((["set", "osd-channel", "--channel", "1", field], words) for field, words in (
+                ("CameraId", "FIELD=VALUE"),
+                ("CameraId=", "a whole number"),
+                ("CameraId=1.5", "a whole number"),
+                ("CameraId=2147483648", "a whole number"),
+                ("CameraId=-2147483649", "a whole number"),
+                ("CameraId=99999999999999999999", "a whole number"),
+                ("CameraId=one", "a whole number"),
+                ("CameraId.x=1", "has no fields"),
+                ("cameraId=1", "osd-channel has no field 'cameraId'; did you mean 'CameraId'?"),
+                ("Kamera=1", "the fields are: CameraId OSDGlobalParam CanvasProperList"),
+                ("OSDGlobalParam.InverseFlag=1", "true or false"),
+                ("OSDGlobalParam=1", "an object in JSON"),
+                ('OSDGlobalParam={"Inverse":true}', "OSDGlobalParam has no field 'Inverse'"),
+                ('OSDGlobalParam={"InverseFlag":"x"}', "OSDGlobalParam.InverseFlag takes true"),
+                ("CanvasProperList={}", "a list in JSON"),
+                ('CanvasProperList=[{"AreaID":null}]', "CanvasProperList.0.AreaID takes"),
+                (r'CanvasProperList=[{"OSDInfoList":[{"Info":"a\u0000b"}]}]',
+                 "CanvasProperList.0.OSDInfoList.0.Info cannot hold the character U+0000"),
+                ("CanvasProperList.x.AreaID=1", "number of an element"),
+                ("CanvasProperList.9.AreaID=1", "no element 9"),
+                ("CanvasProperList.99999999999999999999.AreaID=1", "it has "),
+                ("=" + 60000 * "[", "at most 64 levels"))),
             (["do"], "the actions are: exec network-by-multicast passwd"),
             (["do", "dance"], "the actions are"),
             (["do", "exec"], "usage: do exec COMMAND"),
             (["do", "restart"], "--yes"),
             (["do", "reset"], "--yes"),
             (["do", "passwd"], "FLEETCTL_NEW_PASSWORD"),
-            (["do", "network-by-multicast", "id", *NETWORK[1:]], "missing: NetId"),
+            (["do", "network-by-multicast", "id", "NetId=1", '={"DHCP":true}'],
+             "cannot be read, so every field has to be given; missing: WorkingType LocalIp"),
             (["help", "nothing"], "environment output exit-codes targets"),
             (["vocabulary", "Nothing"], "`fleetctl vocabulary` prints"),
             (["vocabulary", "ntpparam"], "did you mean 'NTPParam'?"),
