@@ -54,6 +54,16 @@ def fleetctl(*arguments, device=None, password=PASSWORD, environment=None, **opt
                           capture_output=True, timeout=60, **options)
 
 
+def field_at(value, path):
+    step, _, rest = path.partition(".")
+    field = value[int(step) if step.isdigit() else step]
+    return field_at(field, rest) if rest else field
+
+
+def fields_at(value, paths):
+    return {path: field_at(value, path) for path in paths}
+
+
 class FleetctlTest(unittest.TestCase):
     def setUp(self):
         self.camera = self.start()
@@ -75,8 +85,7 @@ class FleetctlTest(unittest.TestCase):
 
     def test_reads_every_name(self):
         recorder = self.start("--kind", "nvr", "--channels", "2")
-        names = [row["name"] for row in self.results("get", "--list")
-                 if row["get"]]
+        names = [row["name"] for row in self.results("get", "--list") if row["get"]]
         self.assertEqual(len(names), 27)
         for name in names:
             device = recorder if name in RECORDER_ONLY else self.camera
@@ -92,33 +101,26 @@ class FleetctlTest(unittest.TestCase):
 
     def test_what_is_set_is_read_back(self):
         changes = {
-            "time": (["Year=2031", "Month=2"], lambda v: (v["Year"], v["Month"]) == (2031, 2)),
-            "timezone": (["DSTOffset=30"], lambda v: v["DSTOffset"] == 30),
-            "ntp": (["NTPIp=192.0.2.9", "NTPPort=1123"],
-                    lambda v: (v["NTPIp"], v["NTPPort"]) == ("192.0.2.9", 1123)),
-            "ports": (["RTSPPort=5540"], lambda v: v["RTSPPort"] == 5540),
-            "protocol-security": (["UserVerificationFlag=false"],
-                                  lambda v: v["UserVerificationFlag"] is False),
-            "streams": (["0.BitRate=777", "1.StreamName=door"],
-                        lambda v: (v[0]["BitRate"], v[1]["StreamName"]) == (777, "door")),
-            "stream": (["BitRate=888"], lambda v: v["BitRate"] == 888),
-            "osd": (["0.OSDGlobalParam.OSDFontAlpha=9", '0.CanvasProperList.0={"AlignMode":3}'],
-                    lambda v: (v[0]["OSDGlobalParam"]["OSDFontAlpha"],
-                               v[0]["CanvasProperList"][0]["AlignMode"]) == (9, 3)),
-            "osd-channel": (["CanvasProperList.0.OSDInfoList.0.Info=Grüße a=b.c"],
-                            lambda v: v["CanvasProperList"][0]["OSDInfoList"][0]["Info"]
-                            == "Grüße a=b.c"),
+            "time": {"Year": 2031, "Month": 2},
+            "timezone": {"DSTOffset": 30},
+            "ntp": {"NTPIp": "192.0.2.9", "NTPPort": 1123},
+            "ports": {"RTSPPort": 5540},
+            "protocol-security": {"UserVerificationFlag": False},
+            "streams": {"0.BitRate": 777, "1.StreamName": "door"},
+            "stream": {"BitRate": 888},
+            "osd": {"0.OSDGlobalParam.OSDFontAlpha": 9, "0.CanvasProperList.0.AlignMode": 3},
+            "osd-channel": {"CanvasProperList.0.OSDInfoList.0.Info": "Grüße a=b.c"},
         }
-        settable = [row["name"] for row in self.results("get", "--list")
-                    if row["set"]]
+        settable = [row["name"] for row in self.results("get", "--list") if row["set"]]
         self.assertEqual(sorted(settable), sorted([*changes, "network"]))
-        for name, (fields, is_set) in changes.items():
+        for name, fields in changes.items():
             with self.subTest(name):
-                before = self.value(name)
-                self.assertFalse(is_set(before), before)
-                written, = self.results("set", name, *fields, *OPTIONS.get(name, []))
-                self.assertTrue(is_set(written["value"]), written)
-                self.assertTrue(is_set(self.value(name)), self.value(name))
+                self.assertNotEqual(fields_at(self.value(name), fields), fields)
+                texts = [f"{path}={value if isinstance(value, str) else json.dumps(value)}"
+                         for path, value in fields.items()]
+                written, = self.results("set", name, *texts, *OPTIONS.get(name, []))
+                self.assertEqual(fields_at(written["value"], fields), fields)
+                self.assertEqual(fields_at(self.value(name), fields), fields)
         self.assertEqual(self.results("set", "network", *NETWORK)[0]["code"], 0)
 
     def test_assignments_reach_nested_fields_and_append_to_lists(self):
@@ -303,25 +305,25 @@ class FleetctlTest(unittest.TestCase):
         self.assertIn(b"\n  stream --channel N --stream N ", fleetctl("help", "get").stdout)
 
     def test_vocabulary_prints_one_record_or_command(self):
-        for name in ("NTPParam", "206", "NTPParamList", "ntp"):
-            record, = self.results("vocabulary", name)
-            self.assertEqual((record["record"], record["id"]), ("NTPParam", 206))
-            self.assertEqual([field["name"] for field in record["fields"]],
-                             ["NTPEnableFlag", "NTPIp", "NTPPort", "NTPRunTime", "IPProtoVer"])
-        nested, = self.results("vocabulary", "RGBColor", "-o", "json")
-        self.assertTrue([place for place in nested["nestedIn"] if "OSDGlobalParam." in place])
-        command, = self.results("vocabulary", "32712", "-o", "json")
-        self.assertEqual((command["command"], command["reply"]), (32712, 32713))
-        self.assertEqual(command["carries"], ["ChannelId"])
-        self.assertEqual(command["answers"], ["EtResult", "NTPParam"])
-        record, = self.results("vocabulary", "NTPParam", "-o", "json")
-        self.assertEqual((record["carriedBy"], record["answers"]), (["32714"], ["32712"]))
-        self.assertEqual(record["example"], '<NTPParam NTPEnableFlag="true" NTPIp="text" '
+        def shown(name):
+            return self.results("vocabulary", name, "-o", "json")[0]
+
+        ntp = shown("206")
+        for name in ("NTPParam", "NTPParamList", "ntp"):
+            self.assertEqual(shown(name), ntp)
+        self.assertEqual((ntp["record"], ntp["id"]), ("NTPParam", 206))
+        self.assertEqual((ntp["carriedBy"], ntp["answers"]), (["32714"], ["32712"]))
+        self.assertEqual(ntp["example"], '<NTPParam NTPEnableFlag="true" NTPIp="text" '
                          'NTPPort="1" NTPRunTime="1" IPProtoVer="1" />\n')
-        operation, = self.results("vocabulary", "EtPTZOperation", "-o", "json")
-        self.assertEqual(operation["fields"][0], {
+        self.assertTrue([place for place in shown("RGBColor")["nestedIn"]
+                         if "OSDGlobalParam." in place])
+        self.assertEqual(shown("EtPTZOperation")["fields"][0], {
             "name": "CameraId", "type": "int", "default": "1", "absent": "stays as it was",
             "printed": [r"getProperty get CameraId failed \n"]})
+        command = shown("32712")
+        self.assertEqual((command["command"], command["reply"]), (32712, 32713))
+        self.assertEqual((command["carries"], command["answers"]),
+                         (["ChannelId"], ["EtResult", "NTPParam"]))
         text = fleetctl("vocabulary", "EtPTZOperation", "-o", "table").stdout.decode()
         for part in ("carried by  14006", r"getProperty get CameraId failed \n",
                      '<PTZOperation CameraId="1" PTZId="1" PTZOperation="text" Name="text" />\n'):
