@@ -62,31 +62,32 @@ class Examples:
         self.saved = {}  # what a reader of the document has saved so far, by file
 
     def save(self, snippet):
-        if snippet.language == "cpp" and program_of(snippet.text) == snippet.text:
-            self.saved["first.cpp"] = snippet.text
-        elif snippet.language == "cmake":
+        if snippet.language == "cmake":
             self.saved["CMakeLists.txt"] = snippet.text
+        elif snippet.language == "cpp" and program_of(snippet.text) == snippet.text:
+            self.saved["first.cpp"] = snippet.text
+
+    def is_run(self, snippet):
+        return snippet.language == "cpp" or snippet.language == "sh" and (
+            "fleetctl" in snippet.text
+            or not self.arguments.build_tree and "first" in snippet.text)
 
     def run_cpp(self, snippet, directory):
-        source, program = directory / "example.cpp", directory / "example"
         kind = ["--kind", "nvr"] if "recorder" in snippet.text else []
         with Device(self.arguments.virtual_device, *kind) as device:
+            source, program = directory / "example.cpp", directory / "example"
             source.write_text(program_of(snippet.text).replace(PORT, device.port))
-            command = [
-                self.arguments.compiler, "-std=c++17", "-fPIC", "-Wall", "-Wextra", "-Werror",
-                *self.arguments.flag,
-                *(f"-I{path}" for path in self.arguments.include.split(":") if path),
-                source, "-o", program, *self.arguments.link, "-pthread"]
-            subprocess.run(command, check=True)
+            subprocess.run(
+                [self.arguments.compiler, "-std=c++17", "-fPIC", "-Wall", "-Wextra", "-Werror",
+                 *self.arguments.flag, *(f"-I{path}" for path in self.arguments.include),
+                 source, "-o", program, *self.arguments.link, "-pthread"], check=True)
             return self.output_of([program], directory, device.port)
 
-    def run_shell(self, snippet, directory):
-        script, options = "set -e\n", []
-        for line in snippet.text.splitlines(keepends=True):
-            if line.startswith("virtual-device "):
-                options = line.rstrip(" &\n").split()[1:]
-            else:
-                script += line
+    def run_sh(self, snippet, directory):
+        lines = snippet.text.splitlines(keepends=True)
+        starts = [line for line in lines if line.startswith("virtual-device ")]
+        options = starts[0].rstrip(" &\n").split()[1:] if starts else []
+        script = "set -e\n" + "".join(line for line in lines if line not in starts)
         with Device(self.arguments.virtual_device, *options) as device:
             for name, text in self.saved.items():
                 (directory / name).write_text(text.replace(PORT, device.port))
@@ -102,47 +103,37 @@ class Examples:
                               stdout=subprocess.PIPE, text=True, timeout=SECONDS, check=True)
         return done.stdout.replace(port, PORT)
 
-    def run(self, snippet):
-        """Whether the example does what it says; None for one that is not run."""
-        self.save(snippet)
-        if snippet.language not in ("cpp", "sh"):
-            return None
-        if snippet.language == "sh" and "fleetctl" not in snippet.text and (
-                self.arguments.build_tree or "first" not in snippet.text):
-            return None
+    def problem(self, snippet):
+        """What the example does otherwise than it says."""
         with tempfile.TemporaryDirectory() as directory:
-            run = self.run_cpp if snippet.language == "cpp" else self.run_shell
+            run = self.run_cpp if snippet.language == "cpp" else self.run_sh
             try:
                 output = run(snippet, Path(directory))
             except (subprocess.SubprocessError, RuntimeError) as error:
-                print(f"{snippet.place}: {error}")
-                return False
-        if snippet.output is not None and output != snippet.output:
-            print(f"{snippet.place}: printed\n{output}instead of\n{snippet.output}")
-            return False
-        return True
+                return str(error)
+        if snippet.output in (None, output):
+            return ""
+        return f"printed\n{output}instead of\n{snippet.output}"
 
 
 def main():
     parser = argparse.ArgumentParser(description="Runs the examples of the documentation.")
     for name in ("compiler", "fleetctl", "virtual-device"):
         parser.add_argument("--" + name, required=True)
-    parser.add_argument("--include", default="", help="directories, with colons between")
+    for name in ("include", "flag", "link"):
+        parser.add_argument("--" + name, action="append", default=[])
     parser.add_argument("--build-tree", help="directory of a library that is not installed")
-    parser.add_argument("--flag", action="append", default=[], help="a flag for the compiler")
-    parser.add_argument("--link", action="append", default=[], help="for the linker, in order")
     parser.add_argument("documents", nargs="+", type=Path)
     arguments = parser.parse_args()
-    examples = Examples(arguments)
-    results = []
+    examples, problems = Examples(arguments), {}
     for document in arguments.documents:
-        if document.name in INSIDE:
-            continue
-        results += [(snippet.place, examples.run(snippet)) for snippet in snippets_of(document)]
-    run = [place for place, result in results if result is not None]
-    failed = [place for place, result in results if result is False]
-    print(f"{len(run)} examples run, {len(failed)} failed: {' '.join(failed)}")
-    return 1 if failed or not run else 0
+        for snippet in snippets_of(document) if document.name not in INSIDE else []:
+            examples.save(snippet)
+            if examples.is_run(snippet):
+                problems[snippet.place] = examples.problem(snippet)
+    failed = [f"{place}: {problem}\n" for place, problem in problems.items() if problem]
+    print(f"{len(problems)} examples run, {len(failed)} failed\n{''.join(failed)}")
+    return 1 if failed or not problems else 0
 
 
 if __name__ == "__main__":

@@ -27,17 +27,17 @@ TEST(DomainContainer, OneRuleTellsAListFromARecord) {
     struct Case {
         const BaseDomain& record;
         std::uint32_t nId;
-        bool bExpected, bList;
+        bool bList;
     };
-    for (const Case& one : {Case{single, 206, true, false}, Case{single, 207, false, false},
-                            Case{single, 99999, false, false}, Case{list, 206, true, true},
-                            Case{list, 207, false, true}, Case{list, 99999, false, true},
-                            Case{nestedOnly, 2036, true, true}, Case{plain, 0, true, true}}) {
-        bool isList = !one.bList;
-        EXPECT_EQ(checkDomainId(one.record, one.nId, isList), one.bExpected) << one.nId;
-        EXPECT_EQ(isList, one.bList) << one.nId;
-        EXPECT_EQ(effectiveDomainId(one.record) == one.nId, one.bExpected) << one.nId;
+    for (const Case& one : {Case{single, 206, false}, Case{list, 206, true},
+                            Case{nestedOnly, 2036, true}, Case{plain, 0, true}}) {
         EXPECT_EQ(one.record.getDomainId() == 99999, one.bList);
+        EXPECT_EQ(effectiveDomainId(one.record), one.nId);
+        for (const std::uint32_t nId : {one.nId, 207U, 99999U}) {
+            bool isList = !one.bList;
+            EXPECT_EQ(checkDomainId(one.record, nId, isList), nId == one.nId) << nId;
+            EXPECT_EQ(isList, one.bList) << nId;
+        }
     }
 }
 
