@@ -147,75 +147,68 @@ TEST(EveryRecord, IsFoundByIdAndByItsNamesUnlessItOccursOnlyNested) {
 
 // ---- mappers
 
-// A list with two filled records.
-std::unique_ptr<DomainContainer> filledList(const RecordDescriptor& descriptor) {
-    auto pList = descriptor.access.makeContainer();
-    void* pElements = descriptor.access.containerList(*pList);
-    descriptor.access.listReset(pElements, 2);
-    RecordFiller filler;
-    filler.fill(descriptor, descriptor.access.listElement(pElements, 0));
-    filler.fill(descriptor, descriptor.access.listElement(pElements, 1));
-    return pList;
-}
+// A list of records of one type.
+struct MappedList {
+    explicit MappedList(const RecordDescriptor& descriptor)
+        : access(descriptor.access),
+          pContainer(access.makeContainer()),
+          pElements(access.containerList(*pContainer)) {}
 
-std::size_t sizeOf(const RecordDescriptor& descriptor, DomainContainer& list) {
-    return descriptor.access.listSize(descriptor.access.containerList(list));
-}
+    std::size_t size() const { return access.listSize(pElements); }
+
+    const TypeAccess& access;
+    std::unique_ptr<DomainContainer> pContainer;
+    void* pElements;
+};
 
 TEST(EveryRecord, IsMappedAloneAndInLists) {
     forEach(namedRecords(), [](const RecordDescriptor& descriptor) {
         const auto pMapper = createDomainXml(descriptor.nDomainId);
-        ASSERT_NE(pMapper, nullptr);
         const MappedRecord single = MappedRecord::filled(descriptor);
-        const Node node = newNode(descriptor.szClass);
-        const Node list = newNode("List");
-        const auto pList = filledList(descriptor);
+        const MappedList list(descriptor);
+        const Node entry = newNode("Any");  // an entry is read whatever its tag
+        const Node entries = newNode("List");
+        const Node written = newNode("List");
         captureOutput([&] {
-            EXPECT_TRUE(pMapper->createDomainXmlNode(single.domain(), node));
-            EXPECT_TRUE(pMapper->createDomainXmlNode(*pList, list));
-        });
-        EXPECT_EQ(textOf(node), single.text());
-        std::vector<Node> vecEntries;
-        list->getChildNodes(descriptor.szEntry, vecEntries);
-        EXPECT_EQ(vecEntries.size(), 2U) << textOf(list);
-
-        // An empty list is an element without children.
-        const Node empty = newNode("List");
-        EXPECT_TRUE(pMapper->parseDomainXmlNode(empty, *pList));
-        EXPECT_EQ(sizeOf(descriptor, *pList), 0U);
-        EXPECT_TRUE(pMapper->createDomainXmlNode(*pList, empty));
-        EXPECT_EQ(textOf(empty), "<List />\n");
-
-        // Entries are read whatever their tag.
-        const Node wrong = newNode("List");
-        captureOutput([&] {
-            const Node entry = newNode("Wrong");
             EXPECT_TRUE(pMapper->createDomainXmlNode(single.domain(), entry));
-            EXPECT_TRUE(wrong->addChild(entry) && pMapper->parseDomainXmlNode(wrong, *pList));
+            EXPECT_TRUE(entries->addChild(entry) && entries->addChild(entry));
+            EXPECT_TRUE(pMapper->parseDomainXmlNode(entries, *list.pContainer));
+            EXPECT_TRUE(pMapper->createDomainXmlNode(*list.pContainer, written));
         });
+        EXPECT_EQ(textOf(entry), single.text("Any"));
+        ASSERT_EQ(list.size(), 2U);
         MappedRecord expected(descriptor);
         expected.read(single.text());
-        ASSERT_EQ(sizeOf(descriptor, *pList), 1U);
-        const void* pRead = descriptor.access.listAt(descriptor.access.containerList(*pList), 0);
-        EXPECT_TRUE(equalRecords(descriptor, pRead, expected.get()));
+        EXPECT_TRUE(
+            equalRecords(descriptor, list.access.listAt(list.pElements, 1), expected.get()));
+        std::vector<Node> vecEntries;
+        written->getChildNodes(descriptor.szEntry, vecEntries);
+        EXPECT_EQ(vecEntries.size(), 2U) << textOf(written);
+
+        const Node empty = newNode("List");
+        EXPECT_TRUE(pMapper->parseDomainXmlNode(empty, *list.pContainer));
+        EXPECT_EQ(list.size(), 0U);
+        EXPECT_TRUE(pMapper->createDomainXmlNode(*list.pContainer, empty));
+        EXPECT_EQ(textOf(empty), "<List />\n");
     });
 }
 
 TEST(EveryRecord, IsRefusedByTheMapperOfAnotherTypeAndUntouched) {
     std::uint32_t nOtherId = namedRecords().back()->nDomainId;
     forEach(namedRecords(), [&](const RecordDescriptor& descriptor) {
-        const auto pMapper = createDomainXml(nOtherId);
-        nOtherId = descriptor.nDomainId;
+        const auto pMapper = createDomainXml(std::exchange(nOtherId, descriptor.nDomainId));
         const Node node = newNode("T");
         const MappedRecord record = MappedRecord::filled(descriptor);
-        const auto pList = filledList(descriptor);
-        EXPECT_FALSE(pMapper->createDomainXmlNode(record.domain(), node));
-        EXPECT_FALSE(pMapper->createDomainXmlNode(*pList, node));
+        const MappedList list(descriptor);
+        list.access.listReset(list.pElements, 2);
+        for (BaseDomain* pDomain :
+             {&record.domain(), static_cast<BaseDomain*>(list.pContainer.get())}) {
+            EXPECT_FALSE(pMapper->createDomainXmlNode(*pDomain, node));
+            EXPECT_FALSE(pMapper->parseDomainXmlNode(node, *pDomain));
+        }
         EXPECT_EQ(textOf(node), "<T />\n");
-        EXPECT_FALSE(pMapper->parseDomainXmlNode(node, record.domain()));
-        EXPECT_FALSE(pMapper->parseDomainXmlNode(node, *pList));
         EXPECT_TRUE(record.equals(MappedRecord::filled(descriptor)));
-        EXPECT_EQ(sizeOf(descriptor, *pList), 2U);
+        EXPECT_EQ(list.size(), 2U);
     });
 }
 

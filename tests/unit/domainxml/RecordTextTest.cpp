@@ -11,6 +11,7 @@
 
 #include "Product/Technic/LogFilter.h"
 #include "domain/ConverseAbility.h"
+#include "domain/EtMotionDetectionStreamReq.h"
 #include "domain/EtPTZOperation.h"
 #include "domain/EtResult.h"
 #include "domain/EtThermalOperation.h"
@@ -138,18 +139,6 @@ TEST(WrittenText, OfAPTZOperationIsTraced) {
 
 // ---- the ways to a mapper
 
-TEST(TypedXml, OneBadEntryLeavesAContainerAsItWas) {
-    const RecordDescriptor& descriptor = *findRecordDescriptor("EtMotionDetectionStreamReq");
-    const auto pList = descriptor.access.makeContainer();
-    void* pElements = descriptor.access.containerList(*pList);
-    descriptor.access.listReset(pElements, 3);
-    const XmlDocument document =
-        XmlDocument::parse("<L><A CameraId=\"1\" ConsumerId=\"2\"/><A CameraId=\"1\"/></L>");
-    captureOutput(
-        [&] { EXPECT_FALSE(XmlMapping::readDomain(descriptor, document.root(), *pList)); });
-    EXPECT_EQ(descriptor.access.listSize(pElements), 3U);
-}
-
 TEST(TypedXml, AsksForANode) {
     EtResult record;
     std::vector<EtResult> vecRecords = {record};
@@ -169,23 +158,30 @@ TEST(TypedXml, MapsByItsDirectFormsAloneARecordWithoutAnId) {
     std::vector<IntelligentEvent> vecEvents(2);
     EXPECT_TRUE(TypedXml<IntelligentEvent>::createList({IntelligentEvent()}, node));
     EXPECT_TRUE(TypedXml<IntelligentEvent>::parseList(node, vecEvents));
-    EXPECT_EQ(vecEvents.size(), 1U);
-    IntelligentEvent event;
-    EXPECT_TRUE(TypedXml<IntelligentEvent>::createSingle(event, node));
-    EXPECT_TRUE(TypedXml<IntelligentEvent>::parseSingle(node, event));
-    EXPECT_FALSE(TypedXml<IntelligentEvent>().createDomainXmlNode(event, node));
-    EXPECT_FALSE(TypedXml<IntelligentEvent>().parseDomainXmlNode(node, event));
+    ASSERT_EQ(vecEvents.size(), 1U);
+    EXPECT_TRUE(TypedXml<IntelligentEvent>::createSingle(vecEvents[0], node));
+    EXPECT_TRUE(TypedXml<IntelligentEvent>::parseSingle(node, vecEvents[0]));
+    EXPECT_FALSE(TypedXml<IntelligentEvent>().createDomainXmlNode(vecEvents[0], node));
+    EXPECT_FALSE(TypedXml<IntelligentEvent>().parseDomainXmlNode(node, vecEvents[0]));
+}
+
+TEST(TypedXml, OneBadEntryLeavesAListAsItWas) {
+    using Mapper = TypedXml<EtMotionDetectionStreamReq>;
+    const Node node = parsed("<L><A CameraId='1' ConsumerId='2'/><A CameraId='1'/></L>");
+    DomainVectorContainer<EtMotionDetectionStreamReq> list;
+    list.setElements(std::vector<EtMotionDetectionStreamReq>(3));
+    captureOutput([&] { EXPECT_FALSE(Mapper().parseDomainXmlNode(node, list)); });
+    EXPECT_EQ(list.getElements().size(), 3U);
 }
 
 TEST(MapperFactory, MapsAnyRecordThatHasAMapper) {
     Node node;
     std::string strTag;
-    const auto record = wrapSafe<BaseDomain>(std::make_unique<EtResult>());
-    ASSERT_TRUE(createDomainXmlNode("T", record, node));
-    EXPECT_TRUE(parseDomainXmlNode(node, strTag, record));
+    const Records records = recordsOf(EtResult(), PolygonArea());
+    ASSERT_TRUE(createDomainXmlNode("T", records[0], node));
+    EXPECT_TRUE(parseDomainXmlNode(node, strTag, records[0]));
     EXPECT_EQ(strTag, "T");
-    const auto nested = wrapSafe<BaseDomain>(std::make_unique<PolygonArea>());
-    for (const SafePointer<BaseDomain>& unmapped : {SafePointer<BaseDomain>(), nested}) {
+    for (const SafePointer<BaseDomain>& unmapped : {SafePointer<BaseDomain>(), records[1]}) {
         EXPECT_FALSE(createDomainXmlNode("T", unmapped, node));
         EXPECT_FALSE(parseDomainXmlNode(node, strTag, unmapped));
     }
