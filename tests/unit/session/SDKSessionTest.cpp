@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <chrono>
 #include <future>
 #include <thread>
 
@@ -55,15 +54,6 @@ std::string bytesOf(const Message& message, const PeerRequest& request) {
     return peerMessage(head, message.strBody, message.nProtocolType);
 }
 
-// Waits for a request of session 0x90000001, and tells its sequence.
-std::uint16_t readSequence(PeerLink& link, PeerRequest& request) {
-    EXPECT_TRUE(link.read(request));
-    EXPECT_EQ(request.m_head.getProtocolType(), 1);
-    EXPECT_EQ(request.m_head.getCommandID(), ReadTime);
-    EXPECT_EQ(request.m_head.getSessionId(), 0x90000001u);
-    return request.m_head.getSequence();
-}
-
 TEST(SDKSession, TellsItsReplyFromWhatElseArrivesAndStaysUsable) {
     const std::string strChannel = "<ChannelId Id=\"4\" />";
     const std::string strBroken = "<Parameters><Result";
@@ -93,38 +83,43 @@ TEST(SDKSession, TellsItsReplyFromWhatElseArrivesAndStaysUsable) {
     };
     for (const auto& testCase : arrCases) {
         SCOPED_TRACE(testCase.szName);
-        ScriptedPeer peer([&](PeerLink& link) {
-            PeerRequest request;
-            const std::uint16_t nFirst = readSequence(link, request);
-            for (const Message& message : testCase.vecMessages) {
-                link.send(bytesOf(message, request));
+        std::vector<std::uint16_t> vecSequences;
+        SimulatedDevices devices;
+        const ScopedClock inPlace(devices);
+        const auto session = devices.add([&](const PeerRequest& request) {
+            EXPECT_EQ(request.m_head.getProtocolType(), 1);
+            EXPECT_EQ(request.m_head.getCommandID(), ReadTime);
+            EXPECT_EQ(request.m_head.getSessionId(), 0x90000001u);
+            vecSequences.push_back(request.m_head.getSequence());
+            const std::size_t nAsked = vecSequences.size();
+            Arrivals arrivals;  // one a millisecond, later ones behind what is left of the first
+            for (const Message& message :
+                 nAsked == 1 ? testCase.vecMessages : std::vector{answer}) {
+                arrivals.emplace(arrivals.size() + nAsked, bytesOf(message, request));
             }
-            EXPECT_EQ(readSequence(link, request), static_cast<std::uint16_t>(nFirst + 1));
-            link.send(bytesOf(answer, request));
+            return arrivals;
         });
-        const auto session = connectTo(peer);
         session->setSessionId(0x90000001);
         Records reply;
         EXPECT_EQ(session->sendRecv(ReadTime, {}, reply), testCase.nCode);
         EXPECT_EQ(reply.size(), testCase.nRecords);
         EXPECT_EQ(session->getProtocolType(), testCase.vecMessages.back().nProtocolType);
         EXPECT_EQ(exchange(session), testCase.nNextCode);
+        EXPECT_EQ(vecSequences.back(), static_cast<std::uint16_t>(vecSequences.front() + 1));
     }
 }
 
 TEST(SDKSession, ThrowsLateAnswersAwayAndTellsAnUnknownCommandOnlyAfterAnAnswer) {
     for (const auto& [nCommandId, nCode] :
          {std::pair{ReadTime, 6}, {NoSuchCommand, ErrorCode::UnknownCommand}}) {
-        std::string strLate;
-        ScriptedPeer peer(answerEach([&](const PeerRequest& request) {
-            const std::string strAnswers = strLate + bytesOf({peerResult(6)}, request);
-            const bool bFirst = std::exchange(strLate, bytesOf({}, request)).empty();
-            return bFirst ? "" : strAnswers;
-        }));
-        const auto session = connectTo(peer);
-        session->setReplyTimeout(SilenceMs);
+        std::uint64_t nAfterMs = 5001;
+        SimulatedDevices devices;
+        const ScopedClock inPlace(devices);
+        const auto session = devices.add([&](const PeerRequest& request) {
+            const Message answer{peerResult(nAfterMs == 2 ? 6 : 0)};
+            return Arrivals{{std::exchange(nAfterMs, 2), bytesOf(answer, request)}};
+        });
         EXPECT_EQ(exchange(session, nCommandId), ErrorCode::ReceiveTimedOut);
-        session->setLimits({});
         EXPECT_EQ(exchange(session, nCommandId), nCode);
     }
 }
@@ -334,12 +329,13 @@ TEST(SDK_DeviceSessionCreator, FailedLoginClosesTheConnectionAndLeavesTheHandle)
     const struct {
         int nCode;
         std::string strBody;
-        std::uint32_t nSessionInHead;
+        std::uint32_t nSessionInHead = 0;
+        ExchangeLimits limits = {};
     } arrCases[] = {
-        {9, peerResult(9, strSession), 0},
-        {ErrorCode::BadReply, peerResult(0), 0},
+        {9, peerResult(9, strSession)},
+        {ErrorCode::BadReply, peerResult(0)},
         // The number travels in the body; a head that has it already answers another session.
-        {ErrorCode::ReceiveTimedOut, peerResult(0, strSession), 1},
+        {ErrorCode::ReceiveTimedOut, peerResult(0, strSession), 1, {SilenceMs}},
     };
     outputOfChild([&] {
         for (const auto& testCase : arrCases) {
@@ -352,16 +348,11 @@ TEST(SDK_DeviceSessionCreator, FailedLoginClosesTheConnectionAndLeavesTheHandle)
                 })(link);
                 closed.set_value();
             });
-            ExchangeLimits limits;
-            if (testCase.nCode == ErrorCode::ReceiveTimedOut) {
-                limits.nRead = SilenceMs;
-            }
             long nHandle = Untouched;
-            EXPECT_EQ(
-                SDK_DeviceSessionCreator().createSession(peer.getDeviceInfo(), limits, nHandle),
-                testCase.nCode);
-            EXPECT_EQ(closed.get_future().wait_for(std::chrono::seconds(30)),
-                      std::future_status::ready);
+            EXPECT_EQ(SDK_DeviceSessionCreator().createSession(peer.getDeviceInfo(),
+                                                               testCase.limits, nHandle),
+                      testCase.nCode);
+            closed.get_future().wait();
             EXPECT_EQ(nHandle, Untouched);
         }
         const DeviceInfoEx gone = ScriptedPeer([](PeerLink&) {}).getDeviceInfo();
