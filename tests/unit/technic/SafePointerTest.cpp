@@ -91,16 +91,10 @@ TEST_F(SafePointerTest, LastHolderDeletesTheObjectOnce) {
         EXPECT_TRUE(holder.isNull());
         holder = *&holder;  // to itself: nothing happens, not even to a null one
         holder = makeWidget();
-        {
-            const SafePointer<Widget> copy = holder;
-            EXPECT_EQ(copy.get(), holder.get());
-        }
+        EXPECT_EQ(SafePointer<Widget>(holder).get(), holder.get());
         holder = *&holder;
         EXPECT_EQ(m_nAlive, 1);
-        {
-            const SafePointer<Gadget> derived = wrapSafe(std::make_unique<Gadget>(m_nAlive));
-            holder = derived;
-        }
+        holder = wrapSafe(std::make_unique<Gadget>(m_nAlive));
         EXPECT_EQ(m_nAlive, 1);
     }
     EXPECT_EQ(m_nAlive, 0);

@@ -80,23 +80,22 @@ Value option(Socket& socket, int nLevel, int nName) {
     return value;
 }
 
-// Signals to this thread every few milliseconds.
+// A signal every few milliseconds; it goes to the first thread, which runs the tests.
 class Interruptions {
 public:
     Interruptions() {
         struct sigaction action {};
         action.sa_handler = [](int) {};
         ::sigaction(SIGALRM, &action, nullptr);
-        m_ticker = std::jthread([nTarget = ::pthread_self()](const std::stop_token& stop) {
-            while (!stop.stop_requested()) {
-                ::pthread_kill(nTarget, SIGALRM);
-                std::this_thread::sleep_for(std::chrono::milliseconds(5));
-            }
-        });
+        interruptEvery(5000);
     }
+    ~Interruptions() { interruptEvery(0); }
 
 private:
-    std::jthread m_ticker;
+    static void interruptEvery(suseconds_t nMicroseconds) {
+        const itimerval time{{0, nMicroseconds}, {0, nMicroseconds}};
+        ::setitimer(ITIMER_REAL, &time, nullptr);
+    }
 };
 
 }  // namespace
