@@ -6,12 +6,15 @@ usage: test_fleetctl.py FLEETCTL VIRTUAL-DEVICE [unittest arguments]
 import json
 import os
 import pty
+import shlex
 import subprocess
 import sys
 import tempfile
 import unittest
+from pathlib import Path
 
 FLEETCTL, VIRTUAL_DEVICE = sys.argv[1:3]
+REFUSALS = Path(__file__).with_name("refusals.txt")
 PASSWORD = "s3cret-of-the-device"
 OPTIONS = {  # what a name needs, or is asked with
     "stream": ["--channel", "1", "--stream", "1"],
@@ -100,7 +103,7 @@ class FleetctlTest(unittest.TestCase):
                                            device=recorder))
 
     def test_what_is_set_is_read_back(self):
-        changes = {
+        changes: dict[str, dict[str, object]] = {
             "time": {"Year": 2031, "Month": 2},
             "timezone": {"DSTOffset": 30},
             "ntp": {"NTPIp": "192.0.2.9", "NTPPort": 1123},
@@ -138,72 +141,11 @@ class FleetctlTest(unittest.TestCase):
 
     def test_wrong_usage_gives_2_and_changes_nothing(self):
         before = self.results("get", "ntp", "ports")
-        cases: list[tuple[list[str], str]] = [
-            ([], "Try 'fleetctl --help'"),
-            (["fetch"], "unknown verb 'fetch'; the verbs are: get set do"),
-            (["gett", "ntp"], "did you mean 'get'?"),
-            (["get", "ntp", "--chanel", "1"], "did you mean '--channel'?"),
-            (["get", "ntp", "--nowhere"], "Try 'fleetctl get --help'"),
-            (["get", "ntp", "--channel", "x"], "--channel takes a whole number"),
-            (["get", "video", "--type", "toaster"], "--type takes ipc, nvr or a number"),
-            (["get", "video", "--type", "2"], "neither a camera nor a recorder"),
-            (["get", "channels", "--type", "ipc"], "a camera has none"),
-            (["get", "sensor", "--type", "nvr"], "a recorder has none"),
-            (["do", "reset", "--hold", "1,b"], "--hold takes a whole number"),
-            (["get"], "get --list"),
-            (["get", "nothing"], "the names are: audio blind"),
-            (["get", "ntp", "tme"], "did you mean 'time'?"),
-            (["get", "network"], "can only be set"),
-            (["get", "ntp", "--channel", "1"], "--channel has no meaning"),
-            (["get", "stream", "--channel", "1"], "needs --stream"),
-            (["get", "ntp", "-o", "xml"], "json"),
-            (["set", "ntp"], "FIELD=VALUE"),
-            (["set", "summary", "DeviceName=x"], "only be read"),
-            (["set", "ntp", "NTPPort=70000"], "from 0 to 65535"),
-            (["set", "network", *NETWORK[1:]], "missing: NetId"),
-            (["set", "streams", "0.StreamName=" + 36 * "x"], "space for 35"),
-            *((["set", "osd-channel", "--channel", "1", field], words) for field, words in (
-                ("CameraId", "FIELD=VALUE"),
-                ("CameraId=", "a whole number"),
-                ("CameraId=1.5", "a whole number"),
-                ("CameraId=2147483648", "a whole number"),
-                ("CameraId=-2147483649", "a whole number"),
-                ("CameraId=99999999999999999999", "a whole number"),
-                ("CameraId=one", "a whole number"),
-                ("CameraId.x=1", "has no fields"),
-                ("cameraId=1", "osd-channel has no field 'cameraId'; did you mean 'CameraId'?"),
-                ("Kamera=1", "the fields are: CameraId OSDGlobalParam CanvasProperList"),
-                ("OSDGlobalParam.InverseFlag=1", "true or false"),
-                ("OSDGlobalParam=1", "an object in JSON"),
-                ('OSDGlobalParam={"Inverse":true}', "OSDGlobalParam has no field 'Inverse'"),
-                ('OSDGlobalParam={"InverseFlag":"x"}', "OSDGlobalParam.InverseFlag takes true"),
-                ("CanvasProperList={}", "a list in JSON"),
-                ('CanvasProperList=[{"AreaID":null}]', "CanvasProperList.0.AreaID takes"),
-                (r'CanvasProperList=[{"OSDInfoList":[{"Info":"a\u0000b"}]}]',
-                 "CanvasProperList.0.OSDInfoList.0.Info cannot hold the character U+0000"),
-                ("CanvasProperList.x.AreaID=1", "number of an element"),
-                ("CanvasProperList.9.AreaID=1", "no element 9"),
-                ("CanvasProperList.99999999999999999999.AreaID=1", "it has "),
-                ("=" + 60000 * "[", "at most 64 levels"))),
-            (["do"], "the actions are: exec network-by-multicast passwd"),
-            (["do", "dance"], "the actions are"),
-            (["do", "exec"], "usage: do exec COMMAND"),
-            (["do", "restart"], "--yes"),
-            (["do", "reset"], "--yes"),
-            (["do", "passwd"], "FLEETCTL_NEW_PASSWORD"),
-            (["do", "network-by-multicast", "id", "NetId=1", '={"DHCP":true}'],
-             "cannot be read, so every field has to be given; missing: WorkingType LocalIp"),
-            (["help", "nothing"], "environment output exit-codes targets"),
-            (["vocabulary", "Nothing"], "`fleetctl vocabulary` prints"),
-            (["vocabulary", "ntpparam"], "did you mean 'NTPParam'?"),
-            (["-d", "127.0.0.1", "get", "ntp"], "HOST:PORT"),
-            (["-d", "127.0.0.1:0", "get", "ntp"], "port from 1 to 65535"),
-            (["-d", "::1:30001", "get", "ntp"], "brackets"),
-            (["--password-file", "/nonexistent", "get", "ntp"], "password file"),
-        ]
-        for arguments, words in cases:
-            with self.subTest(arguments):
-                run = fleetctl(*arguments, device=self.camera)
+        cases = [line.split(" | ") for line in REFUSALS.read_text().splitlines() if " | " in line]
+        cases.append([f"set ntp ={60000 * '['}", "at most 64 levels"])
+        for typed, words in cases:
+            with self.subTest(typed):
+                run = fleetctl(*shlex.split(typed), device=self.camera)
                 self.assertEqual((run.returncode, run.stdout), (2, b""), run.stderr)
                 self.assertIn(words, run.stderr.decode())
         without = fleetctl("get", "ntp", device=self.camera, password=None)
