@@ -193,16 +193,9 @@ class FleetctlTest(unittest.TestCase):
         self.assertGreater(len(run.stderr.splitlines()), 2)
         self.assertNotIn(PASSWORD.encode(), run.stdout + run.stderr)
 
-    def test_a_text_is_cut_between_characters(self):
-        field = "CanvasProperList.0.OSDInfoList.0.Info"
-        self.results("set", "osd-channel", "--channel", "1", f"{field}={254 * 'x'}é")
-        text = self.value("osd-channel")["CanvasProperList"][0]["OSDInfoList"][0]["Info"]
-        self.assertEqual(text, 254 * "x")
-
     def test_a_table_shows_fields_and_columns(self):
-        run = fleetctl("-o", "table", "get", "ntp", "streams", "ports",
-                       device=self.camera)
-        text = run.stdout.decode()
+        text = fleetctl("-o", "table", "get", "ntp", "streams", "ports",
+                        device=self.camera).stdout.decode()
         self.assertRegex(text, r"(?m)^  NTPPort +123$")
         self.assertRegex(text, r"(?m)^  ChannelId  StreamId  StreamName")
         failed = fleetctl("-o", "table", "get", "ntp", device=self.camera, password="wrong")
@@ -235,15 +228,15 @@ class FleetctlTest(unittest.TestCase):
         self.assertIn(b"could not be written", run.stderr)
 
     def test_help_and_version_are_data(self):
-        for arguments in (["--help"], ["get", "--help"], ["set", "--help"], ["do", "--help"],
-                          ["--version"], ["help", "exit-codes"], ["vocabulary"]):
+        for arguments in (["--version"], ["help", "exit-codes"], ["vocabulary"]):
             run = fleetctl(*arguments)
             self.assertEqual((run.returncode, run.stderr), (0, b""), arguments)
             self.assertTrue(run.stdout)
-        for verb in ("", "get", "set", "do"):
-            text = fleetctl("help", *verb.split()).stdout
-            self.assertEqual(text, fleetctl(*verb.split(), "--help").stdout)
-            self.assertLessEqual(max(map(len, text.splitlines())), 80)
+        for verb in ([], ["get"], ["set"], ["do"]):
+            run = fleetctl(*verb, "--help")
+            self.assertEqual((run.returncode, run.stderr), (0, b""), verb)
+            self.assertEqual(run.stdout, fleetctl("help", *verb).stdout)
+            self.assertLessEqual(max(map(len, run.stdout.splitlines())), 80)
         self.assertIn(b"\n  stream --channel N --stream N ", fleetctl("help", "get").stdout)
 
     def test_vocabulary_prints_one_record_or_command(self):

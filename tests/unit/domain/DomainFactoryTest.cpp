@@ -4,12 +4,13 @@
 
 #include <map>
 #include <string>
-#include <vector>
 
 #include "Product/Technic/LogFilter.h"
 #include "domain/DomainFactory.h"
+#include "domain/OSDTimeFormat.h"
 #include "domain/RecordDescriptor.h"
 #include "support/CapturedOutput.h"
+#include "support/WireBytes.h"
 
 using namespace fleetkit;
 
@@ -25,35 +26,27 @@ protected:
 
 TEST_F(DomainFactoryLog, ANameWithListIsAListFirstAndEachMissIsOneLine) {
     struct Case {
-        int nMisses;
+        const char* szName;
+        std::size_t nMisses;
         bool bList;
         std::uint32_t nId;  // of the record, or of the list's elements
-        std::vector<std::string> vecNames;
     };
     for (const Case& one :
-         {Case{0, true, 206, {"NTPParamList"}}, Case{0, true, 410, {"HostNetworkList"}},
-          Case{0, true, 1106, {"AlarmOutIdList"}}, Case{0, true, 1921, {"AppTokenList"}},
-          Case{0, true, 0, {"BaseDomainList"}}, Case{0, false, 206, {"NTPParam"}},
-          Case{0, false, 143, {"ImageFormat"}}, Case{0, false, 409, {"DeviceSummaryInfo"}},
-          Case{0, false, 414, {"ScheduleTime"}}, Case{1, false, 1079, {"HoldTypeList"}},
-          Case{1, false, 1029, {"StringList"}},
-          Case{1, false, None, {"ntpparam", "", "NTPParam ", "EtResult", "%s%n"}},
-          Case{2,
-               false,
-               None,
-               {"TripWireParamList", "EtHoldTypeList", "DDNSParamList", "VideoRectList",
-                "UpdateSoftwareList", "ListOfNothing"}}}) {
-        for (const std::string& strName : one.vecNames) {
-            SCOPED_TRACE(strName);
-            std::string strLines;
-            for (int i = 0; i < one.nMisses; ++i) {
-                strLines += "DomainFactory not have Domain(" + strName + ")!! \n";
-            }
-            std::unique_ptr<BaseDomain> pRecord;
-            EXPECT_EQ(captureOutput([&] { pRecord = createDomain(strName); }), strLines);
-            EXPECT_EQ(pRecord != nullptr ? effectiveDomainId(*pRecord) : None, one.nId);
-            EXPECT_EQ(pRecord != nullptr && pRecord->getDomainId() == ContainerDomainId, one.bList);
-        }
+         {Case{"NTPParamList", 0, true, 206}, Case{"AlarmOutIdList", 0, true, 1106},
+          Case{"AppTokenList", 0, true, 1921}, Case{"BaseDomainList", 0, true, 0},
+          Case{"ImageFormat", 0, false, 143}, Case{"HoldTypeList", 1, false, 1079},
+          Case{"StringList", 1, false, 1029}, Case{"ntpparam", 1, false, None},
+          Case{"", 1, false, None}, Case{"NTPParam ", 1, false, None},
+          Case{"EtResult", 1, false, None}, Case{"%s%n", 1, false, None},
+          Case{"TripWireParamList", 2, false, None}, Case{"ListOfNothing", 2, false, None}}) {
+        SCOPED_TRACE(one.szName);
+        const std::string strMiss =
+            "DomainFactory not have Domain(" + std::string(one.szName) + ")!! \n";
+        std::unique_ptr<BaseDomain> pRecord;
+        EXPECT_EQ(captureOutput([&] { pRecord = createDomain(one.szName); }),
+                  repeated(strMiss, one.nMisses));
+        EXPECT_EQ(pRecord != nullptr ? effectiveDomainId(*pRecord) : None, one.nId);
+        EXPECT_EQ(pRecord != nullptr && pRecord->getDomainId() == ContainerDomainId, one.bList);
     }
 }
 
@@ -68,6 +61,16 @@ TEST_F(DomainFactoryLog, AnUnknownIdIsOneLineAndAnUnknownClassNone) {
         EXPECT_EQ(strName, "kept");
     }
     EXPECT_EQ(findRecordDescriptor("Nobody"), nullptr);
+}
+
+TEST(OSDTimeFormat, NumbersTheTextsInTheirOrderAndNoNumberLeadsOutside) {
+    int nNumber = -1;
+    for (const char* szText : {"ErrorFormat", "ErrorFormat", "YYYY-MM-DD hh:mm:ss",
+                               "hh:mm:ss YYYY-MM-DD", "MM/DD/YYYY hh:mm:ss", "hh:mm:ss MM/DD/YYYY",
+                               "weekday MM/DD/YYYY hh:mm:ss", "ErrorFormat"}) {
+        EXPECT_STREQ(osdTimeFormatText(nNumber), szText) << nNumber;
+        ++nNumber;
+    }
 }
 
 }  // namespace
