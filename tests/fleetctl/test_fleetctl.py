@@ -232,10 +232,10 @@ class FleetctlTest(unittest.TestCase):
             run = fleetctl(*arguments)
             self.assertEqual((run.returncode, run.stderr), (0, b""), arguments)
             self.assertTrue(run.stdout)
-        for verb in ([], ["get"], ["set"], ["do"]):
-            run = fleetctl(*verb, "--help")
+        for verb in ("", "get", "set", "do"):
+            run = fleetctl(*verb.split(), "--help")
             self.assertEqual((run.returncode, run.stderr), (0, b""), verb)
-            self.assertEqual(run.stdout, fleetctl("help", *verb).stdout)
+            self.assertEqual(run.stdout, fleetctl("help", *verb.split()).stdout)
             self.assertLessEqual(max(map(len, run.stdout.splitlines())), 80)
         self.assertIn(b"\n  stream --channel N --stream N ", fleetctl("help", "get").stdout)
 
