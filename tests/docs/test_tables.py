@@ -55,40 +55,34 @@ class DeviceTypes(unittest.TestCase):
 
 
 class Structures(unittest.TestCase):
-    def setUp(self):
-        self.header = read("src/device/TarnStruct.h")
-        self.document = read("docs/exported-structures.md")
-
-    def fields_of(self, structure):
-        body = re.search(rf"struct {structure} \{{\n(.*?)\n\}};", self.header, re.S)[1]
-        fields = re.findall(r"^    ([\w:]+) (\w+)(\[\w+\])?;", body, re.M)
-        offsets = dict(re.findall(rf"offsetof\({structure}, (\w+)\) == (\d+)", self.header))
-        return [[offsets[name], kind.replace("std::int32_t", "i32") + size, f"`{name}`"]
-                for kind, name, size in fields]
+    HEADER = read("src/device/TarnStruct.h")
+    PAGE = read("docs/exported-structures.md")
 
     def test_layouts(self):
-        sections = re.split(r"^## ", self.document, flags=re.M)
-        layouts = [section for section in sections if section.startswith("tag")]
+        layouts = re.findall(r"^## (tag\w+)\n(.*?)(?=^## |\Z)", self.PAGE, re.M | re.S)
         self.assertEqual(len(layouts), 5)
-        for section in layouts:
-            structure = section.split("\n", 1)[0]
-            rows = [row[:3] for row in rows_of(section) if row[0].isdigit()]
-            self.assertEqual(rows, self.fields_of(structure), msg=structure)
+        for structure, section in layouts:
+            body = re.search(rf"struct {structure} \{{\n(.*?)\n\}};", self.HEADER, re.S)[1]
+            fields = re.findall(r"^    ([\w:]+) (\w+)(\[\w+\])?;", body, re.M)
+            offsets = dict(re.findall(rf"offsetof\({structure}, (\w+)\) == (\d+)", self.HEADER))
+            self.assertEqual(
+                [row[:3] for row in rows_of(section) if row[0].isdigit()],
+                [[offsets[name], kind.replace("std::int32_t", "i32") + size, f"`{name}`"]
+                 for kind, name, size in fields], msg=structure)
 
     def test_capacities(self):
-        capacities = dict(re.findall(r"constexpr std::int32_t (Max\w+) = (\d+);", self.header))
-        sizes = {name: int(size) for name, size
-                 in re.findall(r"sizeof\((\w+)\) == (\d+)\)", self.header)}
-        rows = [row for row in rows_of(self.document) if row[0].startswith("`tag")]
+        capacities = dict(re.findall(r"constexpr std::int32_t (Max\w+) = (\d+);", self.HEADER))
+        sizes = dict(re.findall(r"sizeof\((\w+)\) == (\d+)\)", self.HEADER))
+        rows = [row for row in rows_of(self.PAGE) if row[0].startswith("`tag")]
         self.assertEqual(len(rows), len(capacities))
         for outer, element, capacity, size in rows:
             inner, inner_size = re.fullmatch(r"`(\w+)`, (\d+) bytes", element).groups()
-            self.assertEqual(sizes[inner], int(inner_size))
-            name = re.search(rf"{inner} \w+\[(\w+)\];", self.header)[1]
+            name = re.search(rf"{inner} \w+\[(\w+)\];", self.HEADER)[1]
             count = capacity.split(",")[0]
-            self.assertEqual(capacities[name], count, msg=outer)
-            expected = sizes.get(outer.strip("`"), 4 + int(count) * sizes[inner])
-            self.assertEqual(int(size), expected, msg=outer)
+            whole = str(4 + int(count) * int(inner_size))
+            self.assertEqual(
+                (inner_size, count, size),
+                (sizes[inner], capacities[name], sizes.get(outer.strip("`"), whole)), msg=outer)
 
 
 class Pictures(unittest.TestCase):

@@ -32,21 +32,21 @@ TEST(DomainXmlNode, PrintsEachTypeInItsFormAndFractionsWithSixDecimals) {
     EXPECT_EQ(XmlText::ofDouble(Double::max()).size(), 316U);
 }
 
+// What an absent property leaves of a value.
+template <class Value>
+Value missed(const Node& node, Value value) {
+    EXPECT_FALSE(node->getProperty("i", value));
+    return value;
+}
+
 TEST(DomainXmlNode, AnAbsentPropertyZeroesAnIntAndNothingElse) {
     for (const Node& node :
          {parsed("<T I=\"5\"/>"), Node(wrapSafe(std::make_unique<DomainXmlNode>()))}) {
-        int nValue = 1;
-        bool bValue = true;
-        std::string strValue = "kept";
-        float fValue = 1;
-        double dValue = 1;
-        EXPECT_FALSE(node->getProperty("i", nValue));
-        EXPECT_FALSE(node->getProperty("i", bValue));
-        EXPECT_FALSE(node->getProperty("i", strValue));
-        EXPECT_FALSE(node->getProperty("i", fValue));
-        EXPECT_FALSE(node->getProperty("i", dValue));
-        EXPECT_EQ(nValue, 0);
-        EXPECT_TRUE(bValue && strValue == "kept" && fValue == 1 && dValue == 1);
+        EXPECT_EQ(missed(node, 1), 0);
+        EXPECT_EQ(missed(node, true), true);
+        EXPECT_EQ(missed(node, std::string("kept")), "kept");
+        EXPECT_EQ(missed(node, 1.0F), 1);
+        EXPECT_EQ(missed(node, 1.0), 1);
     }
 }
 
