@@ -83,39 +83,31 @@ bool refuses(std::uint32_t nCommandID, const std::string& strBytes) {
            records.empty();
 }
 
-TEST(BinaryBodyTest, IsMadeOfItsRecordsInAnyOrderAndMakesThemInAFixedOne) {
-    for (const Form& form : forms()) {
-        SCOPED_TRACE(form.nCommandID);
-        const Records reversed(form.records.rbegin(), form.records.rend());
-        EXPECT_EQ(written(form.nCommandID, form.records), form.strBytes);
-        EXPECT_EQ(written(form.nCommandID, reversed), form.strBytes);
-        const Records records = parsed(form.nCommandID, form.strBytes);
-        EXPECT_EQ(idsOf(records), form.vecReadIds);
-        EXPECT_EQ(written(form.nCommandID, records), form.strBytes);
-    }
-}
-
-TEST(BinaryBodyTest, IsNotWrittenWithoutARecordThatItNeeds) {
-    for (const Form& form : forms()) {
-        EXPECT_EQ(written(form.nCommandID, {}), "") << form.nCommandID;
-        EXPECT_EQ(written(form.nCommandID, recordsOf(resultOf(0))), "") << form.nCommandID;
+TEST(BinaryBodyTest, IsMadeOfTheRecordsThatItNeedsInAnyOrderAndMakesThemInAFixedOne) {
+    for (const auto& [nCommandID, records, strBytes, vecReadIds, nOffset, nShorter] : forms()) {
+        SCOPED_TRACE(nCommandID);
+        EXPECT_EQ(written(nCommandID, records), strBytes);
+        EXPECT_EQ(written(nCommandID, Records(records.rbegin(), records.rend())), strBytes);
+        EXPECT_EQ(written(nCommandID, {}), "");
+        EXPECT_EQ(written(nCommandID, recordsOf(resultOf(0))), "");
+        const Records read = parsed(nCommandID, strBytes);
+        EXPECT_EQ(idsOf(read), vecReadIds);
+        EXPECT_EQ(written(nCommandID, read), strBytes);
     }
     EXPECT_EQ(written(15020, recordsOf(filePack("a"))), "");
     EXPECT_EQ(written(31026, recordsOf(dataOf("a"))), "");
 }
 
 TEST(BinaryBodyTest, IsRefusedWhenItEndsTooEarlyOrALengthPassesItsEnd) {
-    for (Form& form : forms()) {
-        SCOPED_TRACE(form.nCommandID);
-        for (std::size_t nSize = 0; nSize < form.strBytes.size(); ++nSize) {
-            EXPECT_EQ(refuses(form.nCommandID, form.strBytes.substr(0, nSize)),
-                      nSize != form.nShorterForm)
-                << nSize << " bytes";
+    for (auto& [nCommandID, records, strBytes, vecReadIds, nOffset, nShorter] : forms()) {
+        SCOPED_TRACE(nCommandID);
+        for (std::size_t nSize = 0; nSize < strBytes.size(); ++nSize) {
+            EXPECT_EQ(refuses(nCommandID, strBytes.substr(0, nSize)), nSize != nShorter) << nSize;
         }
         for (const char* szLength : {"00 00 00 40", "7F FF FF FF", "80 00 00 00", "FF FF FF FF",
                                      "FF FF FF F4", "FF FF FF F8"}) {
-            form.strBytes.replace(form.nLengthOffset, 4, fromHex(szLength));
-            EXPECT_TRUE(refuses(form.nCommandID, form.strBytes)) << szLength;
+            strBytes.replace(nOffset, 4, fromHex(szLength));
+            EXPECT_TRUE(refuses(nCommandID, strBytes)) << szLength;
         }
     }
 }
