@@ -1,11 +1,9 @@
-// Makes the implementation, or none where there is no memory.
+// Makes the implementation.
 #include "device/SDK_DeviceController.h"
 
-#include <new>
-
+// Without memory it throws: to go on without would tell the caller that the session is gone.
 SDK_DeviceController::SDK_DeviceController()
-    : SDK_DeviceController(
-          std::unique_ptr<DeviceControllerImpl>(new (std::nothrow) DeviceControllerImpl)) {}
+    : SDK_DeviceController(std::make_unique<DeviceControllerImpl>()) {}
 
 SDK_DeviceController::SDK_DeviceController(std::unique_ptr<DeviceControllerImpl> pImpl)
     : m_pImpl(std::move(pImpl)) {}

@@ -50,6 +50,13 @@ std::unique_ptr<BaseDomain> createDomain(const std::string& strName) {
     return createSingleDomain(strName);
 }
 
+bool hasDomain(const std::string& strName) noexcept {
+    const char* szName = strName.c_str();
+    return DomainTables::findByName(DomainTables::singleNames(), szName) != nullptr ||
+           (strName.find("List") != std::string::npos &&
+            DomainTables::findByName(DomainTables::listNames(), szName) != nullptr);
+}
+
 bool getDomainName(std::uint32_t nDomainId, std::string& strName) {
     const RecordDescriptor* pDescriptor = DomainTables::findById(nDomainId);
     if (pDescriptor == nullptr || pDescriptor->szName == nullptr) {

@@ -23,6 +23,9 @@ std::unique_ptr<DomainContainer> createListDomain(const std::string& strName);
 // otherwise a single record.
 std::unique_ptr<BaseDomain> createDomain(const std::string& strName);
 
+// Whether `createDomain` can make something for this tag, given memory.
+bool hasDomain(const std::string& strName) noexcept;
+
 // The name of a type by its id. False, with strName left alone, for an id without a name.
 bool getDomainName(std::uint32_t nDomainId, std::string& strName);
 

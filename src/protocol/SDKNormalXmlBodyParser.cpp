@@ -151,7 +151,11 @@ bool SDKNormalXmlBodyParser::parseDocument(const char* szText, DomainList& domai
     const DecodingBudget budget(std::strlen(szText));
     for (XmlCursor child = document.root().firstChild(); child; child = child.next()) {
         SafePointer<BaseDomain> record;
-        if (!makeRecord(child.name(), record)) {
+        const std::string strTag = child.name();
+        if (!makeRecord(strTag, record)) {
+            if (hasDomain(strTag)) {
+                return false;  // without memory: the device did not leave it out
+            }
             continue;
         }
         if (!readRecord(child, *record)) {

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "Product/Technic/ErrorCode.h"
+#include "Product/Technic/MemoryGuard.h"
 #include "domain/EtSessionId.h"
 #include "domain/UserParam.h"
 #include "protocol/CommandIds.h"
@@ -81,7 +82,8 @@ std::int32_t SDK_DeviceSessionCreator::destroySession(long nHandle) {
     if (!manager.findSession(nHandle, session)) {
         return ErrorCode::UnknownHandle;
     }
-    logout(session);
+    // Whatever comes of the goodbye, the session ends.
+    guardMemory([&] { return logout(session) == ErrorCode::Success; });
     session->close();
     manager.removeSession(nHandle);
     return ErrorCode::Success;

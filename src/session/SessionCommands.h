@@ -71,9 +71,12 @@ std::int32_t sendGet(const SafePointer<SDKSession>& session, std::uint32_t nComm
         return nCode;
     }
     const Answer* pAnswer = findAnswer(reply, answer);
-    const bool bTaken = pAnswer != nullptr && guardMemory([&] {
-                            answer = Answer(*pAnswer);
-                            return true;
-                        });
-    return bTaken ? fleetkit::ErrorCode::Success : fleetkit::ErrorCode::BadReply;
+    if (pAnswer == nullptr) {
+        return fleetkit::ErrorCode::BadReply;
+    }
+    const bool bTaken = guardMemory([&] {
+        answer = Answer(*pAnswer);
+        return true;
+    });
+    return bTaken ? fleetkit::ErrorCode::Success : fleetkit::ErrorCode::DecodeFailed;
 }

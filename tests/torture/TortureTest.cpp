@@ -1,0 +1,161 @@
+// The library on a system that refuses it something at every point in turn, and through connections
+// that carry few bytes at once.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <iterator>
+#include <memory>
+#include <new>
+#include <string>
+#include <tuple>
+#include <vector>
+
+#include "Product/Technic/KXLogger.h"
+#include "device/FleetKit.h"
+#include "device/Login.h"
+#include "device/TarnStruct.h"
+#include "device/TextFunctions.h"
+#include "domain/DeviceTime.h"
+#include "support/LoginData.h"
+#include "support/SampleRecords.h"
+#include "support/TempDir.h"
+#include "torture/Faults.h"
+#include "virtual-device/VirtualDevice.h"
+
+using namespace fleetkit;
+using testing::AnyOf;
+using testing::Each;
+
+namespace {
+
+constexpr int Threw = 1;
+constexpr std::size_t MostCalls = 7;
+constexpr int Streams = 2;
+constexpr int HeartbeatDescriptors = 1;
+
+// A camera in a process of its own, which nothing is refused to. It ends with this one.
+class DeviceNextDoor {
+public:
+    DeviceNextDoor() {
+        int arrPort[2];
+        int arrEnd[2];
+        if (pipe(arrPort) != 0 || pipe(arrEnd) != 0) {
+            throw std::runtime_error("no pipe");
+        }
+        m_nProcess = fork();
+        if (m_nProcess == 0) {
+            close(arrEnd[1]);
+            {
+                const VirtualDevice device;
+                const std::uint16_t nPort = device.getPort();
+                std::ignore = write(arrPort[1], &nPort, sizeof(nPort));
+                char cEnd = 0;
+                std::ignore = read(arrEnd[0], &cEnd, sizeof(cEnd));
+            }
+            _exit(0);
+        }
+        close(arrEnd[0]);
+        m_nEnd = arrEnd[1];
+        std::ignore = read(arrPort[0], &m_nPort, sizeof(m_nPort));
+    }
+
+    ~DeviceNextDoor() {
+        close(m_nEnd);
+        waitpid(m_nProcess, nullptr, 0);
+    }
+
+    std::uint16_t getPort() const { return m_nPort; }
+
+private:
+    pid_t m_nProcess = -1;
+    int m_nEnd = -1;
+    std::uint16_t m_nPort = 0;
+};
+
+class Torture : public testing::TestWithParam<std::string> {
+protected:
+    // What each call gives, from login to logout.
+    const std::vector<int>& day() {
+        m_vecCodes.clear();
+        const auto call = [&](const auto& function) {
+            try {
+                m_vecCodes.push_back(function());
+            } catch (const std::bad_alloc&) {
+                m_vecCodes.push_back(Threw);
+            }
+        };
+        long handle = 0;
+        call([&] { return login(m_info, handle); });
+        if (handle != 0) {
+            DeviceTime time = with(&DeviceTime::setYear, 2031);
+            time.setMonth(1);
+            time.setDay(1);
+            call([&] { return FleetKit::getDeviceTime(handle, time); });
+            call([&] { return FleetKit::setDeviceReSetTime(handle, 0, time); });
+            call([&] {
+                m_pStreams->Count = 0;
+                const int nCode = FleetKit::getAllAVStreamParam(handle, *m_pStreams);
+                EXPECT_EQ(m_pStreams->Count, nCode == ErrorCode::Success ? Streams : 0);
+                return nCode;
+            });
+            call([&] {
+                m_pStreams->Count = Streams;
+                return FleetKit::setAllAVStreamParam(handle, *m_pStreams);
+            });
+            call([&] { return setDevicePasswd(handle, "admin", "admin"); });
+            call([&] {
+                logToFile(m_directory.file("log"), "tag", "line", 100, 1);
+                return 0;
+            });
+            EXPECT_EQ(FleetKit::Logout(handle), ErrorCode::Success);
+        }
+        return m_vecCodes;
+    }
+
+    const DeviceNextDoor m_device;
+    const DeviceInfoEx m_info = loginData(m_device.getPort());
+    const TempDir m_directory;
+    const std::unique_ptr<NS_TARN_STRUCT::tagAllAVStreamParam> m_pStreams =
+        std::make_unique<NS_TARN_STRUCT::tagAllAVStreamParam>();
+    std::vector<int> m_vecCodes = std::vector<int>(MostCalls);
+};
+
+}  // namespace
+
+TEST_P(Torture, EveryRefusalOfTheSystemIsACodeAndPasses) {
+    const auto descriptors = [] {
+        const std::filesystem::directory_iterator open("/proc/self/fd");
+        return std::distance(begin(open), end(open));
+    };
+    const auto nDescriptors = descriptors();
+    int nCall = 0;
+    for (bool bFailed = true; bFailed; ++nCall) {
+        {
+            const Failing failing(GetParam(), nCall);
+            day();
+            bFailed = failing.hasFailed();
+        }
+        ASSERT_THAT(m_vecCodes, Each(AnyOf(0, Threw, ErrorCode::NoMemory, -202, -204, -210, -212,
+                                           -218, -233, -234, -402, -663)))
+            << GetParam() << " number " << nCall;
+        ASSERT_THAT(day(), Each(ErrorCode::Success))
+            << "after " << GetParam() << " number " << nCall;
+    }
+    EXPECT_GT(nCall, 1);
+    EXPECT_LE(descriptors(), nDescriptors + HeartbeatDescriptors);
+}
+
+INSTANTIATE_TEST_SUITE_P(Calls, Torture, testing::ValuesIn(fallibleCalls()),
+                         [](const auto& name) { return name.param; });
+
+TEST_F(Torture, MessagesArriveInAnyPieces) {
+    for (const int nFirst : {0, 1, 23, 24, 25, 100}) {
+        for (const int nBytes : {1, 7, 1000}) {
+            const Pieces pieces(nFirst, nBytes);
+            EXPECT_THAT(day(), Each(ErrorCode::Success)) << nFirst << " then " << nBytes;
+        }
+    }
+}
