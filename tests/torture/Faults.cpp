@@ -35,10 +35,10 @@ constexpr Call Calls[] = {{"new", ENOMEM},
 
 constexpr int Never = -1;
 
-std::atomic<int> g_nFailing{Never};  // a CallId
-std::atomic<int> g_nLeft{0};         // how many of that call go well before
-std::atomic<int> g_nFirst{0};        // sizes of pieces; 0 is any
-std::atomic<int> g_nBytes{0};
+std::atomic<int> g_nFailing{Never};    // a CallId
+std::atomic<int> g_nLeft{0};           // how many of that call go well before
+std::atomic<std::size_t> g_nFirst{0};  // sizes of pieces; 0 is any
+std::atomic<std::size_t> g_nBytes{0};
 
 // Whether this call is the one to fail, with errno set.
 bool fails(CallId call) {
@@ -50,9 +50,9 @@ bool fails(CallId call) {
 }
 
 std::size_t piece(std::size_t nLength) {
-    const int nFirst = g_nFirst.exchange(0);
-    const int nLimit = nFirst != 0 ? nFirst : g_nBytes.load();
-    return nLimit == 0 ? nLength : std::min<std::size_t>(nLength, nLimit);
+    const std::size_t nFirst = g_nFirst.exchange(0);
+    const std::size_t nLimit = nFirst != 0 ? nFirst : g_nBytes.load();
+    return nLimit == 0 ? nLength : std::min(nLength, nLimit);
 }
 
 }  // namespace
@@ -80,7 +80,7 @@ bool Failing::hasFailed() const {
     return g_nLeft < 0;
 }
 
-Pieces::Pieces(int nFirst, int nBytes) {
+Pieces::Pieces(std::size_t nFirst, std::size_t nBytes) {
     g_nBytes = nBytes;
     g_nFirst = nFirst;
 }

@@ -1,6 +1,7 @@
 // Lets the calls fail that can: allocations, and those of the system, which the linker leads here.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -22,7 +23,7 @@ public:
 // While it lives, at most so many bytes go through a socket at once; the first may take more.
 class Pieces {
 public:
-    Pieces(int nFirst, int nBytes);
+    Pieces(std::size_t nFirst, std::size_t nBytes);
     ~Pieces();
     Pieces(const Pieces&) = delete;
     Pieces& operator=(const Pieces&) = delete;

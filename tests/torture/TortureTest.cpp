@@ -2,6 +2,7 @@
 // that carry few bytes at once.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <pthread.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -19,6 +20,7 @@
 #include "device/TarnStruct.h"
 #include "device/TextFunctions.h"
 #include "domain/DeviceTime.h"
+#include "domainxml/XmlCursor.h"
 #include "support/LoginData.h"
 #include "support/SampleRecords.h"
 #include "support/TempDir.h"
@@ -35,6 +37,8 @@ constexpr int Threw = 1;
 constexpr std::size_t MostCalls = 7;
 constexpr int Streams = 2;
 constexpr int HeartbeatDescriptors = 1;
+constexpr std::size_t SmallStack = 192U << 10;
+constexpr int DeepestBody = 64;
 
 // A camera in a process of its own, which nothing is refused to. It ends with this one.
 class DeviceNextDoor {
@@ -76,7 +80,7 @@ private:
 };
 
 class Torture : public testing::TestWithParam<std::string> {
-protected:
+public:
     // What each call gives, from login to logout.
     const std::vector<int>& day() {
         m_vecCodes.clear();
@@ -152,10 +156,31 @@ INSTANTIATE_TEST_SUITE_P(Calls, Torture, testing::ValuesIn(fallibleCalls()),
                          [](const auto& name) { return name.param; });
 
 TEST_F(Torture, MessagesArriveInAnyPieces) {
-    for (const int nFirst : {0, 1, 23, 24, 25, 100}) {
-        for (const int nBytes : {1, 7, 1000}) {
+    for (const std::size_t nFirst : {0U, 1U, 23U, 24U, 25U, 100U}) {
+        for (const std::size_t nBytes : {1U, 7U, 1000U}) {
             const Pieces pieces(nFirst, nBytes);
             EXPECT_THAT(day(), Each(ErrorCode::Success)) << nFirst << " then " << nBytes;
         }
     }
+}
+
+TEST_F(Torture, AThreadNeedsNoMoreThanASmallStack) {
+    pthread_attr_t attributes;
+    pthread_t thread{};
+    pthread_attr_init(&attributes);
+    ASSERT_EQ(pthread_attr_setstacksize(&attributes, SmallStack), 0);
+    const auto entry = [](void* pThis) -> void* {
+        EXPECT_THAT(static_cast<Torture*>(pThis)->day(), Each(ErrorCode::Success));
+        for (const int nLevels : {DeepestBody, 1000}) {
+            std::string strBody;
+            for (int nLevel = 0; nLevel < nLevels; ++nLevel) {
+                strBody = "<AVStreamParamList>" + strBody + "</AVStreamParamList>";
+            }
+            EXPECT_EQ(bool(XmlDocument::parse(strBody.c_str()).root()), nLevels == DeepestBody);
+        }
+        return nullptr;
+    };
+    ASSERT_EQ(pthread_create(&thread, &attributes, entry, this), 0);
+    pthread_join(thread, nullptr);
+    pthread_attr_destroy(&attributes);
 }
