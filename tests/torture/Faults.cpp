@@ -107,6 +107,10 @@ void operator delete(void* pMemory, std::size_t) noexcept {
     std::free(pMemory);
 }
 
+void operator delete(void* pMemory, const std::nothrow_t&) noexcept {
+    std::free(pMemory);
+}
+
 // A call of the system: its own name is the real one, __wrap_ what the library calls.
 #define FALLIBLE(id, result, name, parameters, arguments) \
     result __real_##name parameters;                      \
