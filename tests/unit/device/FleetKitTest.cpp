@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "Product/Technic/AdapterList.h"
+#include "Product/Technic/LogThreshold.h"
 #include "device/DeviceType.h"
 #include "device/FleetKitImpl.h"
 #include "device/Login.h"
@@ -344,8 +345,9 @@ void* operator new[](std::size_t nSize, const std::nothrow_t&) noexcept {
     return g_bNoMemory ? nullptr : ::operator new[](nSize);
 }
 
-TEST(FleetKit, SendsTheRecordsOfEachOperationAndTakesItsAnswer) {
-    outputOfChild([] {
+TEST(FleetKit, SendsTheRecordsOfEachOperationAndTakesItsAnswerAndLogsNoPassword) {
+    const std::string strLog = outputOfChild([] {
+        setLogFilter(LogLevel::Trace);
         LoggedInDevice device;
         SafePointer<SDKSession> session;
         ASSERT_TRUE(DeviceSessionManager::instance().findSession(device.handle(), session));
@@ -370,6 +372,13 @@ TEST(FleetKit, SendsTheRecordsOfEachOperationAndTakesItsAnswer) {
             EXPECT_EQ(operation.received(), Untouched);
         }
     });
+    const auto says = [&](const std::string& strText) {
+        return strLog.find(strText) != std::string::npos;
+    };
+    EXPECT_TRUE(says("<ChangePasswordReq OldPassword=\"***"));
+    for (const std::string strPassword : {"secret", "gr\u00fcn"}) {
+        EXPECT_FALSE(says(strPassword) || says(enciphered(strPassword))) << strPassword;
+    }
 }
 
 TEST(FleetKit, LeavesTwoOfTheObjectsHandedOverAsTheyWere) {
