@@ -127,6 +127,11 @@ std::size_t SafePointerRegistry::getTableSize() const {
     return m_vecSlots.size();
 }
 
+std::size_t SafePointerRegistry::getUsed() const {
+    const std::lock_guard guard(m_mutex);
+    return m_nUsed;
+}
+
 // The lowest free slot, searched word by word from the hint's word and around the end; the size of
 // the table when none is free.
 std::size_t SafePointerRegistry::findFreeIndex() const noexcept {

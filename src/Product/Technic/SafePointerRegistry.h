@@ -80,6 +80,7 @@ public:
     void release(SafePointerSlot& slot, const char* pTypeName);
 
     std::size_t getTableSize() const;
+    std::size_t getUsed() const;  // slots that name a pointer
 
     // Sets slots aside for those who are about to take many. False when fewer than 2,048 would be
     // left to all others; otherwise to be undone once the slots were taken, or are not needed.
