@@ -7,6 +7,9 @@ one of facade-functions.txt (beside EXPORTED-RECORDS) or to an exported record, 
 has to be there. EXPORTED-RECORDS is the generator's list of the records' headers.
 """
 
+import _ctypes
+import ctypes
+import os
 import re
 import subprocess
 import sys
@@ -79,6 +82,16 @@ def check_soname(library):
     return [] if name and name[1] == expected else [f"the soname is not {expected}"]
 
 
+def check_closing(library):
+    """Its threads go on in the library when the last user has closed it."""
+    _ctypes.dlclose(ctypes.CDLL(str(library))._handle)
+    try:
+        ctypes.CDLL(str(library), mode=os.RTLD_NOLOAD)
+    except OSError:
+        return ["the library leaves the process when it is closed"]
+    return []
+
+
 def check_size(libraries):
     size = 0
     with tempfile.TemporaryDirectory() as directory:
@@ -96,6 +109,7 @@ def main():
     problems = check_symbols(libraries, record_list, records) + check_size(libraries)
     for library in libraries:
         problems += check_binding(library) + check_soname(library)
+    problems += check_closing(libraries[0])
     print("\n".join(problems), end="\n" if problems else "")
     return 1 if problems or not records else 0
 
