@@ -21,11 +21,12 @@ struct Answer {
     std::optional<std::size_t> nDamagedByte;    // of the head
     std::vector<SDKCommandHeadInfo> vecStrays;  // heads of messages sent before it
     std::chrono::milliseconds nDelay{0};
-    bool bSilent = false;    // nothing is sent
-    bool bCut = false;       // half of it is sent
-    bool bTwice = false;     // it is sent again behind itself
-    bool bTrickles = false;  // it is sent byte by byte
-    bool bCloses = false;    // the connection ends behind it
+    bool bSilent = false;                // nothing is sent
+    bool bCut = false;                   // half of it is sent
+    bool bTwice = false;                 // it is sent again behind itself
+    bool bTrickles = false;              // it is sent byte by byte
+    std::chrono::milliseconds nPace{0};  // between these
+    bool bCloses = false;                // the connection ends behind it
 };
 
 using Message = std::vector<std::uint8_t>;

@@ -170,12 +170,16 @@ void DeviceConnection::deliver(Answer answer) {
     answer.vecRecords.clear();
     m_answer = std::move(answer);
     m_nSent = 0;
-    if (m_answer.nDelay.count() == 0) {
+    sendAfter(m_answer.nDelay);
+}
+
+void DeviceConnection::sendAfter(std::chrono::milliseconds nDelay) {
+    if (nDelay.count() == 0) {
         send();
         return;
     }
     m_limit.cancel();
-    m_delay.expires_after(m_answer.nDelay);
+    m_delay.expires_after(nDelay);
     m_delay.async_wait([this, pSelf = shared_from_this()](asio::error_code nError) {
         if (!isOver(nError)) {
             send();
@@ -195,7 +199,7 @@ void DeviceConnection::send() {
         [this, pSelf = shared_from_this()](asio::error_code nError, std::size_t nCount) {
             if (!isOver(nError)) {
                 m_nSent += nCount;
-                send();
+                sendAfter(m_answer.nPace);
             }
         });
 }

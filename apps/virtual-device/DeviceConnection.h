@@ -52,6 +52,7 @@ private:
     void takeBytes(std::size_t nCount);
     void takeRequest();
     void deliver(Answer answer);
+    void sendAfter(std::chrono::milliseconds nDelay);
     void send();
     void afterSending();
 

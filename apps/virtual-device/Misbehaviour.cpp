@@ -123,8 +123,11 @@ constexpr MisbehaviourKind Kinds[] = {
      [](Answer& a, int) { a.bSilent = a.bCloses = true; }},
     {"strays", "sends VALUE answers to other requests first", number(1, 1, 1000), addStrays},
     {"twice", "answers twice", NoValue, [](Answer& a, int) { a.bTwice = true; }},
-    {"trickle", "sends the answer byte by byte", NoValue,
-     [](Answer& a, int) { a.bTrickles = true; }},
+    {"trickle", "sends the answer byte by byte, VALUE milliseconds apart", number(0, 0, 600000),
+     [](Answer& a, int n) {
+         a.bTrickles = true;
+         a.nPace = std::chrono::milliseconds(n);
+     }},
     {"wrong-session", "answers with a session number that is off by VALUE",
      number(1, Lowest, Highest),
      [](Answer& a, int n) {

@@ -60,7 +60,7 @@ Laboratory openLaboratory(const std::string& strSlowAnswerMs) {
         };
         const VirtualDevice good(options());
         const VirtualDevice silent(options({parseMisbehaviour("drop:keepAlive")}));
-        const VirtualDevice trickling(options({parseMisbehaviour("trickle:keepAlive")}));
+        const VirtualDevice trickling(options({parseMisbehaviour("trickle=200:keepAlive")}));
         const VirtualDevice slow(
             options({parseMisbehaviour("delay=" + strSlowAnswerMs + ":getDeviceTime")}));
         VirtualDevice cut(options());
