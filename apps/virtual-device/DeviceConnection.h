@@ -19,10 +19,10 @@
 // refused. One that takes too long over its requests, or over our answers, is ended.
 class DeviceConnection : public std::enable_shared_from_this<DeviceConnection> {
 public:
-    // The most that a request may announce, before and after the login. Memory is taken as bytes
-    // arrive.
+    // The most that a request may announce, before and after the login: while one is decoded, all
+    // devices on the thread wait. Memory is taken as bytes arrive.
     static constexpr std::uint32_t MaxPayloadBeforeLogin = 64U << 10;
-    static constexpr std::uint32_t MaxPayload = 4U << 20;
+    static constexpr std::uint32_t MaxPayload = 512U << 10;
 
     // What the owner does: lets go of the connection that closed; ends all connections, as the
     // device restarts. Both have to be there; they are called on the thread of the socket, onClosed
