@@ -3,7 +3,6 @@
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
-#include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -53,18 +52,9 @@ bool PeerLink::readBytes(void* pInto, std::size_t nLength) {
            recv(m_nSocket, pInto, nLength, MSG_WAITALL) == static_cast<ssize_t>(nLength);
 }
 
-bool PeerLink::hasMore() const {
-    pollfd poll{m_nSocket, POLLIN, 0};
-    return ::poll(&poll, 1, 0) > 0;
-}
-
 void PeerLink::send(const std::string& strBytes) {
     // On a blocking socket all of it is sent, unless the connection ends first.
     ::send(m_nSocket, strBytes.data(), strBytes.size(), MSG_NOSIGNAL);
-}
-
-void PeerLink::close() {
-    shutdown(m_nSocket, SHUT_RDWR);
 }
 
 ScriptedPeer::ScriptedPeer(Script script) : m_script(std::move(script)) {

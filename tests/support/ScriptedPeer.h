@@ -37,9 +37,7 @@ public:
 
     // Waits for a whole request. False when the connection has ended, and on bytes that are none.
     bool read(PeerRequest& request);
-    bool hasMore() const;  // whether bytes wait to be read
     void send(const std::string& strBytes);
-    void close();  // the other end sees the end of the stream
 
 private:
     bool readBytes(void* pInto, std::size_t nLength);

@@ -15,7 +15,6 @@
 #include "Product/Technic/SystemRunning.h"
 #include "session/DeviceSessionManager.h"
 #include "support/ChildProcess.h"
-#include "unit/session/ConnectedSession.h"
 #include "unit/session/SimulatedDevices.h"
 
 using namespace fleetkit;
@@ -192,8 +191,8 @@ TEST(DeviceSessionManager, NoDeviceHoldsUpTheKeepAlivesOfAnother) {
 
 TEST(DeviceSessionManager, ProcessEndsWithOpenSessions) {
     const ChildResult result = runInChild([] {
-        static ScriptedPeer peer(answerAll(Acknowledged));
-        DeviceSessionManager::instance().addSession(1, connectTo(peer));
+        static SimulatedDevices devices;
+        DeviceSessionManager::instance().addSession(1, devices.add(Acknowledges));
         std::exit(testing::Test::HasFailure() ? 1 : 0);
     });
     EXPECT_EQ(result.m_nExitCode, 0) << result.m_strOutput;
