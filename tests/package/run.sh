@@ -60,7 +60,6 @@ stop_device() {
 # uses DIRECTORY PASSWORD: the programs of the user do what they are for; the password changes.
 uses() {
     expect 'DeviceTime 2031-02-03' "$1/read_time" "$port" "$2"
-    [ ! -x "$1/own_class" ] || expect '0, 1 texts, 0 colours' "$1/own_class" "$port" "$2"
     if [ -x "$1/change_password" ]; then
         "$1/change_password" "$port" "$2" "changed" >/dev/null
         expect 'DeviceTime 2031-02-03' "$1/read_time" "$port" changed
