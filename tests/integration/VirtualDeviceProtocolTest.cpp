@@ -1,6 +1,5 @@
 // The virtual device as a peer sees it that knows only heads and bodies.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <regex>
@@ -16,7 +15,6 @@
 #include "domain/EtPTZOperation.h"
 #include "domain/EtSessionId.h"
 #include "domain/KXInterger.h"
-#include "domain/LanguageAbility.h"
 #include "domain/LanguageId.h"
 #include "domain/UserParam.h"
 #include "protocol/CommandCatalogue.h"
@@ -24,9 +22,7 @@
 #include "protocol/CommandParserFactory.h"
 #include "protocol/SDKCommandParser.h"
 #include "session/TCPTransfer.h"
-#include "support/LoginData.h"
 #include "support/ManualClock.h"
-#include "support/SampleRecords.h"
 #include "support/ScriptedPeer.h"
 #include "support/TempDir.h"
 #include "support/ThrownText.h"
@@ -171,13 +167,6 @@ TEST_F(VirtualDeviceTest, ASessionBelongsToItsConnectionAndEndsWithLogout) {
     EXPECT_EQ(m_client.ask(GetTime), DeviceResult::NoSession);
 }
 
-TEST_F(VirtualDeviceTest, WhatACommandNeedsHasToBeThere) {
-    for (const std::uint32_t nCommandId : {11007U, 18001U, 30033U, 30509U, 30517U, 30525U, 30547U,
-                                           32023U, 32506U, 32714U, 33509U, 35010U, 35021U}) {
-        EXPECT_EQ(m_client.ask(nCommandId), DeviceResult::MissingRecord) << nCommandId;
-    }
-}
-
 TEST_F(VirtualDeviceTest, WhatCannotBeIsRefusedAndChangesNothing) {
     const DeviceState before = m_device.getState();
     auto vecStreams = before.vecStreams;
@@ -203,6 +192,10 @@ TEST_F(VirtualDeviceTest, WhatCannotBeIsRefusedAndChangesNothing) {
         {35021, onChannel(-1, otherText), DeviceResult::NoSuchChannel},
         {35021, onChannel(2, listOf(before.vecOSD)), DeviceResult::NoSuchChannel},
     };
+    for (const std::uint32_t nCommandId : {11007U, 18001U, 30033U, 30509U, 30517U, 30525U, 30547U,
+                                           32023U, 32506U, 32714U, 33509U, 35010U, 35021U}) {
+        EXPECT_EQ(m_client.ask(nCommandId), DeviceResult::MissingRecord) << nCommandId;
+    }
     for (const std::uint32_t nCommandId : {30009U, 30011U, 30013U, 30015U, 30021U, 30025U}) {
         EXPECT_EQ(m_client.ask(nCommandId, onChannel(2)), DeviceResult::NoSuchChannel);
     }
@@ -213,32 +206,6 @@ TEST_F(VirtualDeviceTest, WhatCannotBeIsRefusedAndChangesNothing) {
     EXPECT_TRUE(after.vecStreams == before.vecStreams);
     EXPECT_TRUE(after.vecHostNetworks == before.vecHostNetworks);
     EXPECT_EQ(after.strPassword, before.strPassword);
-}
-
-TEST_F(VirtualDeviceTest, ATimeZoneHasADefaultAndANameInEachLanguage) {
-    const Records vecZone = recordsOf(with(&KXInterger::setValue, 2), ChannelId());
-    EXPECT_EQ(m_client.get<TimeZoneParam>(30515, vecZone).getTimeZone(), 2);
-    const DeviceState state = m_device.getState();
-    EXPECT_TRUE(m_client.get<TimeZoneParam>(30515) == state.records.get<TimeZoneParam>());
-    std::set<std::string> setNames;
-    for (const LanguageType& language :
-         state.records.get<LanguageAbility>().getLanguageTypeList()) {
-        const auto languageId = with(&LanguageId::setId, language.getLanguageID());
-        const auto names = m_client.get<TimeZoneAbility>(30033, onChannel(-1, languageId));
-        EXPECT_TRUE(names == state.vecTimeZones.at(setNames.size()));
-        setNames.insert(names.getTimeZoneTypeList().at(0).getTimeZoneName());
-    }
-    EXPECT_GT(setNames.size(), 1U);
-}
-
-TEST_F(VirtualDeviceTest, TheHostNetworkThatIsSetIsTold) {
-    const auto network = with(&HostNetwork::setLocalIp, "192.0.2.7");
-    m_client.ask(32506, onChannel(-1, listOf(std::vector{network})));
-    m_client.ask(32504);
-    const auto* pNetworks = findList<HostNetwork>(m_client.m_vecReply);
-    ASSERT_TRUE(pNetworks && pNetworks->size() == 1);
-    EXPECT_EQ(pNetworks->front().getLocalIp(), "192.0.2.7");
-    EXPECT_EQ(m_client.get<DeviceSummaryInfo>(30541).getDeviceIP(), "192.0.2.7");
 }
 
 TEST(VirtualDeviceClock, RunsOnFromWhatWasSet) {
@@ -259,11 +226,10 @@ TEST(VirtualDeviceClock, RunsOnFromWhatWasSet) {
 
 // A name that is misspelt in the factory state shows as a field that is zero, false or empty.
 TEST_F(VirtualDeviceTest, NoFieldOfACameraIsZeroWithoutReason) {
-    std::string strBody = bodyOf(recordsOf(listOf(m_device.getState().vecHostNetworks)));
+    std::string strBody;
     for (const CommandDescriptor& command : commandCatalogue()) {
-        if (command.nOperation == Reads && !command.answer.empty()) {
-            const auto language = with(&LanguageId::setId, -1);
-            m_client.ask(command.nRequestId, onChannel(-1, language));
+        if (command.nOperation == Reads && findFunction(command.nRequestId)) {
+            m_client.ask(command.nRequestId, onChannel(-1, with(&LanguageId::setId, -1)));
             strBody += bodyOf(m_client.m_vecReply);
         }
     }
@@ -392,15 +358,11 @@ int runShell(const std::string& strScript) {
     return WEXITSTATUS(std::system(strAll.c_str()));
 }
 
-TEST(VirtualDeviceProgram, PrintsAPortADeviceAndEndsByItselfOrOnASignal) {
+TEST(VirtualDeviceProgram, PrintsAPortADeviceAndEndsByItself) {
     EXPECT_EQ(runShell("$device --count 3 --seconds 1 > out && "
                        "[ $(grep -Ec '^listening on 127[.]0[.]0[.]1:[0-9]+$' out) = 3 ]"),
               0);
     EXPECT_EQ(runShell("$device --list-misbehaviours | grep -q '^deep-nesting '"), 0);
-    EXPECT_EQ(runShell("for signal in INT TERM; do $device --seconds 30 > out & pid=$!; "
-                       "for i in $(seq 500); do grep -qs listening out && break; sleep 0.02; done; "
-                       "kill -$signal $pid; wait $pid || exit; rm out; done"),
-              0);
 }
 
 TEST(VirtualDeviceProgram, RefusesWhatItDoesNotUnderstand) {
