@@ -13,14 +13,10 @@
 
 #include "support/TempDir.h"
 
-struct ChildResult {
-    int m_nExitCode = -1;     // 0 when every check of the body held; -1 when it was killed
-    std::string m_strOutput;  // its standard output, failed checks included
-};
-
+// The standard output of a child that runs the body, failed checks included; it has to end with 0.
 // Process-wide state that the body changes is gone with the child. Call it before the test has
 // started threads.
-inline ChildResult runInChild(const std::function<void()>& body) {
+inline std::string outputOfChild(const std::function<void()>& body) {
     const TempDir dir;
     const std::string strOutput = dir.file("output");
     fflush(stdout);
@@ -38,18 +34,9 @@ inline ChildResult runInChild(const std::function<void()>& body) {
         fflush(stdout);
         _exit(testing::Test::HasFailure() ? 1 : 0);
     }
-    ChildResult result;
-    int nStatus = 0;
-    if (nChild > 0 && waitpid(nChild, &nStatus, 0) == nChild && WIFEXITED(nStatus)) {
-        result.m_nExitCode = WEXITSTATUS(nStatus);
-    }
-    result.m_strOutput = readFile(strOutput);
-    return result;
-}
-
-// The output of a child that has to hold all its checks.
-inline std::string outputOfChild(const std::function<void()>& body) {
-    const ChildResult result = runInChild(body);
-    EXPECT_EQ(result.m_nExitCode, 0) << result.m_strOutput;
-    return result.m_strOutput;
+    int nStatus = -1;
+    EXPECT_EQ(waitpid(nChild, &nStatus, 0), nChild);
+    const std::string strPrinted = readFile(strOutput);
+    EXPECT_EQ(nStatus, 0) << strPrinted;
+    return strPrinted;
 }

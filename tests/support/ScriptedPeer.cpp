@@ -109,9 +109,3 @@ ScriptedPeer::Script answerEach(std::function<std::string(const PeerRequest&)> a
         }
     };
 }
-
-ScriptedPeer::Script answerAll(std::uint32_t nCommandID, int nCode) {
-    return answerEach([=](const PeerRequest& request) {
-        return peerAnswer(request, nCommandID, peerResult(nCode));
-    });
-}

@@ -74,6 +74,3 @@ private:
 
 // A script that answers every request with the bytes that are made for it, none at all among them.
 ScriptedPeer::Script answerEach(std::function<std::string(const PeerRequest&)> answer);
-
-// A script that answers every request with a result code, 0 as a rule.
-ScriptedPeer::Script answerAll(std::uint32_t nCommandID, int nCode = 0);
