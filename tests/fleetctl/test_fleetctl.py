@@ -321,5 +321,39 @@ class FleetctlTest(unittest.TestCase):
         self.results("get", "time", password="fresh")
 
 
+class VirtualDeviceTest(unittest.TestCase):
+    def run_device(self, typed):
+        return subprocess.run([VIRTUAL_DEVICE, "--seconds", "1", *typed.split()], text=True,
+                              capture_output=True, timeout=60)
+
+    def test_prints_a_port_a_device_and_ends_by_itself(self):
+        self.assertRegex(self.run_device("--count 3").stdout,
+                         r"\A(listening on 127\.0\.0\.1:\d+\n){3}\Z")
+        self.assertIn("\ndeep-nesting ", self.run_device("--list-misbehaviours").stdout)
+
+    def test_refuses_what_it_does_not_understand(self):
+        device = Device()
+        self.addCleanup(device.end)
+        port = device.address.rpartition(":")[2]
+        for typed, status, words in (
+                ("--port 70000", 2, "70000"), ("--kind toaster", 2, "toaster"),
+                ("--channels 0", 2, "1 to 1024"), ("--bind nowhere", 2, "nowhere"),
+                ("--what", 2, "--what"),
+                ("--misbehave sulk", 2, "there are: delay drop close"),
+                ("--misbehave drop=1", 2, "drop takes no value"),
+                ("--misbehave delay=x", 2, "from 0 to 600000, not 'x'"),
+                ("--misbehave strays=1001", 2, "from 1 to 1000"),
+                ("--misbehave drop:", 2, "number or the name"),
+                ("--misbehave drop:0", 2, "no command '0'"),
+                ("--misbehave drop:12345", 2, "no command '12345'"),
+                ("--misbehave drop:Init", 2, "no command 'Init'"),
+                ("--bind 192.0.2.1", 1, "192.0.2.1"),
+                (f"--port {port}", 1, f" port {port} of 127.0.0.1 is in use\n")):
+            with self.subTest(typed):
+                run = self.run_device(typed)
+                self.assertEqual((run.returncode, run.stdout), (status, ""))
+                self.assertIn(words, run.stderr)
+
+
 if __name__ == "__main__":
     unittest.main(argv=["test_fleetctl.py", *sys.argv[3:]])

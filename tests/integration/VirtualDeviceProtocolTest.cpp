@@ -1,7 +1,6 @@
 // The virtual device as a peer sees it that knows only heads and bodies.
 #include <gmock/gmock.h>
 
-#include <cstdlib>
 #include <regex>
 #include <set>
 #include <string>
@@ -24,8 +23,6 @@
 #include "session/TCPTransfer.h"
 #include "support/ManualClock.h"
 #include "support/ScriptedPeer.h"
-#include "support/TempDir.h"
-#include "support/ThrownText.h"
 #include "support/WireCommands.h"
 #include "virtual-device/DeviceResult.h"
 #include "virtual-device/VirtualDevice.h"
@@ -268,14 +265,11 @@ TEST_F(VirtualDeviceTest, ABrokenBodyIsRefusedAndABrokenHeadEndsItsConnectionOnl
         m_client.send(peerMessage(headOf(32714), strBody));
         EXPECT_EQ(m_client.receive(), DeviceResult::MalformedRequest);
     }
-    SDKCommandHeadInfo head;
-    head.setPayloadLength(0xFFFFFFFF);
-    CommandBuffer buffer;
-    ASSERT_TRUE(encodeCommandHead(head, buffer));
-    const std::string strGreedy = bytesOf(buffer);
+    const std::string strGreedy = announcing(0xFFFFFFFF);
     const std::string strStrange = '\0' + strGreedy.substr(1);
     for (const std::string& strHead : {strGreedy, strStrange}) {
         RawClient client(m_device);
+        CommandBuffer buffer;
         client.send(strHead);
         EXPECT_EQ(client.receive(buffer), ErrorCode::ReceiveFailed);
     }
@@ -338,44 +332,6 @@ TEST_F(VirtualDeviceTest, MisbehavesInWaysThatDoNoHarm) {
     EXPECT_EQ(m_client.ask(32712), 99);
     m_device.behave();
     EXPECT_EQ(m_client.ask(32712), DeviceResult::Success);
-    const std::pair<const char*, const char*> refusals[] = {
-        {"sulk", "there are: delay drop close"},  {"drop=1", "drop takes no value"},
-        {"delay=x", "from 0 to 600000, not 'x'"}, {"strays=1001", "from 1 to 1000"},
-        {"drop:", "number or the name"},          {"drop:0", "no command '0'"},
-        {"drop:12345", "no command '12345'"},     {"drop:Init", "no command 'Init'"},
-    };
-    for (const auto& [szText, szReason] : refusals) {
-        const auto misbehave = [&, szBad = szText] { m_device.misbehave(szBad); };
-        EXPECT_THAT(thrownText<std::invalid_argument>(misbehave), testing::HasSubstr(szReason));
-    }
-}
-
-// The exit status of a script; `$device` is the program.
-int runShell(const std::string& strScript) {
-    const TempDir directory;
-    const std::string strAll = "cd " + directory.getPath().string() + "; device='" +
-                               VIRTUAL_DEVICE_PROGRAM + "'; " + strScript;
-    return WEXITSTATUS(std::system(strAll.c_str()));
-}
-
-TEST(VirtualDeviceProgram, PrintsAPortADeviceAndEndsByItself) {
-    EXPECT_EQ(runShell("$device --count 3 --seconds 1 > out && "
-                       "[ $(grep -Ec '^listening on 127[.]0[.]0[.]1:[0-9]+$' out) = 3 ]"),
-              0);
-    EXPECT_EQ(runShell("$device --list-misbehaviours | grep -q '^deep-nesting '"), 0);
-}
-
-TEST(VirtualDeviceProgram, RefusesWhatItDoesNotUnderstand) {
-    for (const std::string strOptions : {"--port 70000", "--kind toaster", "--misbehave sulk",
-                                         "--channels 0", "--bind nowhere", "--what"}) {
-        EXPECT_EQ(runShell("$device --seconds 1 " + strOptions + " > out 2>&1"), 2) << strOptions;
-    }
-    EXPECT_EQ(runShell("$device --seconds 1 --bind 192.0.2.1 > out 2>&1"), 1);
-    const VirtualDevice device;
-    const std::string strPort = std::to_string(device.getPort());
-    EXPECT_EQ(runShell("$device --seconds 1 --port " + strPort + " 2> out; grep -q '^[^ ]* port " +
-                       strPort + " of 127.0.0.1 is in use$' out"),
-              0);
 }
 
 }  // namespace

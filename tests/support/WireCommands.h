@@ -39,6 +39,17 @@ inline SDKCommandHeadInfo headOf(std::uint32_t nCommandID, std::uint16_t nSequen
     return head;
 }
 
+// A message whose head announces `nLength` bytes, with the bytes that come.
+inline std::string announcing(std::uint32_t nLength, const std::string& strPayload = "",
+                              std::uint32_t nCommandID = 10000, std::uint16_t nType = 1) {
+    SDKCommandHeadInfo head = headOf(nCommandID);
+    head.setProtocolType(nType);
+    head.setPayloadLength(nLength);
+    CommandBuffer buffer;
+    EXPECT_TRUE(encodeCommandHead(head, buffer));
+    return bytesOf(buffer) + strPayload;
+}
+
 inline SafePointer<CommandParam> sdkCommand(const SDKCommandHeadInfo& head, Records records) {
     auto pParam = std::make_unique<SDKCommandParam>();
     pParam->setHead(head);

@@ -112,17 +112,6 @@ TEST(CommandParser, RawBytesMayBeManyOrNoneAndComeFromTheirOwnBlock) {
     EXPECT_EQ(dataOf(param), "");
 }
 
-// A command whose head announces `nLength` bytes, with the bytes that came.
-std::string announcing(std::uint32_t nLength, const std::string& strPayload,
-                       std::uint32_t nCommandID = 10000, std::uint16_t nType = 1) {
-    SDKCommandHeadInfo head = headOf(nCommandID);
-    head.setProtocolType(nType);
-    head.setPayloadLength(nLength);
-    CommandBuffer buffer;
-    encodeCommandHead(head, buffer);
-    return bytesOf(buffer) + strPayload;
-}
-
 TEST(CommandParser, WhatIsNoCommandIsRefusedAndLeavesTheOldOne) {
     const auto expectRefused = [](const ICommandProtocolParser& parser,
                                   const CommandBuffer& buffer) {

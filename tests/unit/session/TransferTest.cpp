@@ -9,9 +9,8 @@
 #include "session/TransferConnector.h"
 #include "session/TransferFactoryMap.h"
 #include "session/UDPTransfer.h"
-#include "support/Addresses.h"
 #include "support/ScriptedPeer.h"
-#include "support/WireBytes.h"
+#include "support/WireCommands.h"
 
 using namespace fleetkit;
 
@@ -23,15 +22,6 @@ constexpr int LongMs = 5000;
 constexpr int ShortMs = 20;
 constexpr std::uint32_t HeadLength = SDKCommandHeadInfo::WireLength;
 constexpr std::uint32_t LargestPayload = 256U << 20;
-
-std::string head(std::uint32_t nPayload) {
-    SDKCommandHeadInfo info;
-    info.setProtocolType(1);
-    info.setPayloadLength(nPayload);
-    CommandBuffer buffer;
-    EXPECT_TRUE(encodeCommandHead(info, buffer));
-    return bytesOf(buffer);
-}
 
 std::string command(const std::string& strPayload) {
     return peerMessage(SDKCommandHeadInfo(), strPayload);
@@ -73,8 +63,8 @@ TEST_F(TCPTransferTest, EveryReceiveHasItsCodeAndItsBytes) {
     const std::string strLarge = command(std::string(200000, 'x'));
     const std::string strCommand = command("payload");
     const std::string strPart = strCommand.substr(0, HeadLength + 3);
-    const std::string strLargest = head(LargestPayload) + "few";
-    const std::string strBadHead = '\0' + head(0).substr(1);
+    const std::string strLargest = announcing(LargestPayload) + "few";
+    const std::string strBadHead = '\0' + announcing(0).substr(1);
     using namespace ErrorCode;
     const std::pair<const char*, std::vector<Step>> arrConnections[] = {
         {"commands come one by one",
@@ -94,9 +84,9 @@ TEST_F(TCPTransferTest, EveryReceiveHasItsCodeAndItsBytes) {
          {{strPart, ReceiveTimedOut, strPart}, {strCommand, Success, strCommand}}},
         {"memory grows with what arrives", {{strLargest, ReceiveTimedOut, strLargest}}},
         {"a byte too many is too many for good",
-         {{head(LargestPayload + 1), NoMemory, ""}, {"", NoMemory, ""}}},
-        {"no signed number", {{head(0x80000000U), NoMemory, ""}}},
-        {"the largest number", {{head(0xFFFFFFFFU), NoMemory, ""}}},
+         {{announcing(LargestPayload + 1), NoMemory, ""}, {"", NoMemory, ""}}},
+        {"no signed number", {{announcing(0x80000000U), NoMemory, ""}}},
+        {"the largest number", {{announcing(0xFFFFFFFFU), NoMemory, ""}}},
     };
     for (const auto& [szName, vecSteps] : arrConnections) {
         SCOPED_TRACE(szName);
