@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cstdlib>
 #include <deque>
+#include <map>
 #include <memory>
 #include <new>
 #include <optional>
@@ -145,26 +146,22 @@ TEST_F(Heartbeat, EndsAtOnceWithItsManager) {
 }
 
 TEST(DeviceSessionManager, NoDeviceHoldsUpTheKeepAlivesOfAnother) {
-    struct Device {
-        std::uint64_t nLastMs = 0;
-        std::uint64_t nLongestMs = 0;
-    };
+    constexpr long Devices = 1000;
     SimulatedDevices devices;
     const ScopedClock inPlace(devices);
-    std::deque<Device> listDevices(1000);
+    std::map<long, std::uint64_t> mapLastMs;
+    std::map<long, std::uint64_t> mapLongestMs;  // from one keep-alive to the next
     DeviceSessionManager manager;
     std::deque<TurnGuard> listExchanges;  // that take longer than the test
-    const auto isSilent = [](int n) { return n % 10 == 0; };
-    const auto isTrickling = [](int n) { return n % 100 == 1; };
-    const auto isBusy = [](int n) { return n % 100 == 2; };
+    const auto isSilent = [](long n) { return n % 10 == 0; };
+    const auto isTrickling = [](long n) { return n % 100 == 1; };
+    const auto isBusy = [](long n) { return n % 100 == 2; };
     devices.halt();
-    int nDevice = 0;
-    for (Device& device : listDevices) {
-        const int n = nDevice++;
+    for (long n = 0; n < Devices; ++n) {
         const SafePointer<SDKSession> session = devices.add([&, n](const PeerRequest& request) {
             const std::uint64_t nNow = devices.monotonicMs();
-            device.nLongestMs = std::max(device.nLongestMs, nNow - device.nLastMs);
-            device.nLastMs = nNow;
+            const std::uint64_t nSinceMs = nNow - std::exchange(mapLastMs[n], nNow);
+            mapLongestMs[n] = std::max(mapLongestMs[n], nSinceMs);
             const std::string strAnswer = peerAnswer(request, Acknowledged, peerResult(0));
             return isSilent(n)      ? Arrivals()
                    : isTrickling(n) ? inPieces(strAnswer, 1, 1000)
@@ -176,14 +173,12 @@ TEST(DeviceSessionManager, NoDeviceHoldsUpTheKeepAlivesOfAnother) {
         manager.addSession(n, session);
     }
     devices.runUntil(600 * 1000);
-    nDevice = 0;
-    for (const Device& device : listDevices) {
-        const int n = nDevice++;
+    for (long n = 0; n < Devices; ++n) {
         SCOPED_TRACE(n);
         SafePointer<SDKSession> session;
         ASSERT_EQ(manager.findSession(n, session), !isSilent(n) && !isTrickling(n));
         if (!session.isNull()) {
-            EXPECT_EQ(device.nLongestMs, isBusy(n) ? 0U : 63000U);
+            EXPECT_EQ(mapLongestMs[n], isBusy(n) ? 0U : 63000U);
             EXPECT_EQ(session->getHeartbeatFailures(), 0);
         }
     }

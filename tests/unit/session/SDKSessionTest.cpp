@@ -326,21 +326,17 @@ TEST(SDK_DeviceSessionCreator, FailedLoginClosesTheConnectionAndLeavesTheHandle)
         {ErrorCode::ReceiveTimedOut, peerResult(0, strSession), 1, {50, 50}},
     };
     outputOfChild([&] {
-        for (const auto& testCase : arrCases) {
-            SCOPED_TRACE(testCase.nCode);
-            std::promise<void> closed;
-            ScriptedPeer peer([&](PeerLink& link) {
-                answerEach([&](PeerRequest request) {
-                    request.m_head.setSessionId(testCase.nSessionInHead);
-                    return peerAnswer(request, LoggedIn, testCase.strBody);
-                })(link);
-                closed.set_value();
-            });
+        // One connection after the other: a login is heard only when the one before hung up.
+        std::atomic<std::size_t> nCase{0};
+        ScriptedPeer peer(answerEach([&](PeerRequest request) {
+            request.m_head.setSessionId(arrCases[nCase].nSessionInHead);
+            return peerAnswer(request, LoggedIn, arrCases[nCase].strBody);
+        }));
+        for (; nCase < std::size(arrCases); ++nCase) {
             long nHandle = Untouched;
             EXPECT_EQ(SDK_DeviceSessionCreator().createSession(peer.getDeviceInfo(),
-                                                               testCase.limits, nHandle),
-                      testCase.nCode);
-            closed.get_future().wait();
+                                                               arrCases[nCase].limits, nHandle),
+                      arrCases[nCase].nCode);
             EXPECT_EQ(nHandle, Untouched);
         }
     });
