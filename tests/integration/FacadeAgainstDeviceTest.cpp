@@ -2,7 +2,6 @@
 // the device, and every misbehaviour with the code that the caller gets. Logins start the
 // heartbeat, so each test has a process of its own.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <QString>
 #include <filesystem>

@@ -1,6 +1,5 @@
 // The network of a device set over multicast, on the loopback and from one host to another.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sched.h>
 
 #include <QString>
@@ -18,9 +17,7 @@
 #include "domain/EtAdapterType.h"
 #include "domain/EtIPProtoVer.h"
 #include "session/UDPTransfer.h"
-#include "support/Addresses.h"
 #include "support/OwnNetwork.h"
-#include "support/SampleRecords.h"
 #include "support/ScriptedPeer.h"
 #include "support/WireCommands.h"
 #include "virtual-device/VirtualDevice.h"

@@ -59,10 +59,10 @@ stop_device() {
 
 # uses DIRECTORY PASSWORD: the programs of the user do what they are for; the password changes.
 uses() {
-    expect 'DeviceTime 2031-02-03' "$1/read_time" "$port" "$2"
+    expect 'success: DeviceTime 2031-02-03' "$1/read_time" "$port" "$2"
     if [ -x "$1/change_password" ]; then
-        "$1/change_password" "$port" "$2" "changed" >/dev/null
-        expect 'DeviceTime 2031-02-03' "$1/read_time" "$port" changed
+        "$1/change_password" "$port" "$2" changed
+        expect 'success: DeviceTime 2031-02-03' "$1/read_time" "$port" changed
     fi
 }
 

@@ -1,7 +1,6 @@
 // The other end of a session: a device on 127.0.0.1 that does what a test tells it to.
 #pragma once
 
-#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <mutex>

@@ -6,7 +6,6 @@
 #include <string>
 #include <string_view>
 #include <utility>
-#include <vector>
 
 #include "domain/DomainList.h"
 #include "protocol/CommandBuffer.h"

@@ -7,8 +7,7 @@
 
 #include <cstdlib>
 
-class DeviceLogin {
-public:
+struct DeviceLogin {
     DeviceLogin(const char* szPort, const char* szPassword) {
         InetAddr address;
         address.setIP("127.0.0.1");
@@ -21,17 +20,12 @@ public:
         m_nCode = FleetKit::Login(device, m_nHandle);
     }
     DeviceLogin(const DeviceLogin&) = delete;
-    DeviceLogin& operator=(const DeviceLogin&) = delete;
     ~DeviceLogin() {
         if (m_nCode == fleetkit::ErrorCode::Success) {
             FleetKit::Logout(m_nHandle);
         }
     }
 
-    int code() const { return m_nCode; }
-    const long& handle() const { return m_nHandle; }
-
-private:
     long m_nHandle = 0;
     int m_nCode = fleetkit::ErrorCode::Failed;
 };

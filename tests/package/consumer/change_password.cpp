@@ -1,18 +1,9 @@
 // Changes the password of a device: change_password PORT OLD NEW
 #include <QString>
-#include <cstdio>
 
 #include "DeviceLogin.h"
 
-int main(int argc, char** argv) {
-    if (argc != 4) {
-        return 2;
-    }
+int main(int, char** argv) {
     const DeviceLogin login(argv[1], argv[2]);
-    const int nCode =
-        login.code() != fleetkit::ErrorCode::Success
-            ? login.code()
-            : FleetKit::setDevicePasswd(login.handle(), QString(argv[2]), QString(argv[3]));
-    std::printf("%s\n", fleetkit::errorMeaning(nCode));
-    return nCode == fleetkit::ErrorCode::Success ? 0 : 1;
+    return FleetKit::setDevicePasswd(login.m_nHandle, QString(argv[2]), QString(argv[3]));
 }

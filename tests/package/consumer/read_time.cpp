@@ -6,22 +6,12 @@
 
 #include "DeviceLogin.h"
 
-int main(int argc, char** argv) {
-    if (argc != 3) {
-        return 2;
-    }
+int main(int, char** argv) {
     const DeviceLogin login(argv[1], argv[2]);
     DeviceTime time;
-    int nCode = login.code();
-    if (nCode == fleetkit::ErrorCode::Success) {
-        nCode = FleetKit::getDeviceTime(login.handle(), time);
-    }
-    if (nCode != fleetkit::ErrorCode::Success) {
-        std::printf("%d %s\n", nCode, fleetkit::errorMeaning(nCode));
-        return 1;
-    }
-    std::printf("%s %04d-%02d-%02d\n",
+    const int nCode = FleetKit::getDeviceTime(login.m_nHandle, time);
+    std::printf("%s: %s %04d-%02d-%02d\n", fleetkit::errorMeaning(nCode),
                 fleetkit::findRecordDescriptor(DeviceTime::DomainId)->szClass, time.getYear(),
                 time.getMonth(), time.getDay());
-    return 0;
+    return nCode;
 }

@@ -1,7 +1,6 @@
 // Live preview over stand-ins for its closed libraries. A library that the test has loaded by its
 // path is the one that is found by its name.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <functional>
 #include <memory>

@@ -5,8 +5,6 @@
 #include <type_traits>
 
 #include "domain/AlarmOutAction.h"
-#include "domain/ChannelId.h"
-#include "domain/DomainList.h"
 #include "domain/EtCOMWriteData.h"
 #include "domain/EtFileDataPack.h"
 #include "domain/NTPParam.h"

@@ -1,6 +1,5 @@
 // Look-ups in the tables of the vocabulary: what is found, and what is told of a miss.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <map>
 #include <string>

@@ -162,10 +162,4 @@ TEST(DomainXmlNode, EscapesMarkupAndKeepsEverythingElse) {
     EXPECT_EQ(strRead, strValue);
 }
 
-TEST(DomainXmlNode, TheTextHasTabsWhateverTheInputHad) {
-    EXPECT_EQ(textOf(parsed("<?xml version=\"1.0\" ?>  <!-- c -->\n<A  x = 'y' ><B ></B>\r\n</A>")),
-              "<A x=\"y\">\n\t<B />\n</A>\n");
-    EXPECT_EQ(textOf(parsed("\xEF\xBB\xBF<A/>")), "<A />\n");
-}
-
 }  // namespace

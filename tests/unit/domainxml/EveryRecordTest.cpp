@@ -73,18 +73,18 @@ TEST(EveryRecord, IsReadWhateverTheOrderAndTheStrangers) {
         MappedRecord fromPlain(descriptor);
         fromPlain.read(XmlCursor(plain.RootElement()));
 
-        // The attributes the other way round, and the children behind a stranger.
-        TiXmlElement shuffled("R");
+        // The attributes the other way round, and the children between strangers.
+        TiXmlElement shuffled(*plain.RootElement());
         shuffled.SetAttribute("Unknown", 1);
         for (const TiXmlAttribute* pAttribute = plain.RootElement()->LastAttribute();
              pAttribute != nullptr; pAttribute = pAttribute->Previous()) {
+            shuffled.RemoveAttribute(pAttribute->Name());
             shuffled.SetAttribute(pAttribute->Name(), pAttribute->Value());
         }
-        shuffled.InsertEndChild(TiXmlElement("Unknown"))->ToElement()->SetAttribute("Id", 7);
-        for (const TiXmlNode* pChild = plain.RootElement()->FirstChild(); pChild != nullptr;
-             pChild = pChild->NextSibling()) {
-            shuffled.InsertEndChild(*pChild);
-        }
+        TiXmlElement stranger("Unknown");
+        stranger.SetAttribute("Id", 7);
+        shuffled.InsertBeforeChild(shuffled.FirstChild(), stranger);
+        shuffled.InsertEndChild(stranger);
         MappedRecord fromShuffled(descriptor);
         fromShuffled.read(XmlCursor(&shuffled));
         const bool bBareValues = descriptor.nDomainId == 1079;  // collects every child

@@ -1,6 +1,5 @@
 // The texts of records against cases written down by hand, and what no text can show.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <array>
 #include <fstream>

@@ -1,7 +1,6 @@
 // The five binary forms of a body, byte by byte.
 #include <gtest/gtest.h>
 
-#include "domain/ChannelId.h"
 #include "domain/EtCOMWriteData.h"
 #include "domain/EtFileDataPack.h"
 #include "domain/EtPTZOperation.h"

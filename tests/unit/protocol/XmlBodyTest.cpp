@@ -5,8 +5,6 @@
 
 #include "Product/Technic/KXRuntimeError.h"
 #include "Product/Technic/LogThreshold.h"
-#include "domain/ChannelId.h"
-#include "domain/DomainVectorContainer.h"
 #include "domain/User.h"
 #include "domain/UserParam.h"
 #include "protocol/SDKCommandParser.h"

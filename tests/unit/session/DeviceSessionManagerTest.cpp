@@ -1,7 +1,6 @@
 // The table of sessions, and the heartbeat on the clock of simulated devices.
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <cstdlib>
 #include <deque>
 #include <map>
@@ -9,7 +8,6 @@
 #include <new>
 #include <optional>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "Product/Technic/ErrorCode.h"

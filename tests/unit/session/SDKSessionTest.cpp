@@ -8,8 +8,6 @@
 
 #include "Product/Technic/ErrorCode.h"
 #include "Product/Technic/KXRuntimeError.h"
-#include "domain/EtResult.h"
-#include "domain/EtSessionId.h"
 #include "session/DeviceSessionManager.h"
 #include "session/SDK_DeviceSessionCreator.h"
 #include "session/SequenceNumber.h"
