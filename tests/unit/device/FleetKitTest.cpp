@@ -160,7 +160,7 @@ Operation gettingByType(const char* szFunction, std::uint32_t nCommand, const An
     return operation;
 }
 
-// The functions that the table of commands makes.
+// To those made by hand, the functions that the table of commands makes.
 struct PlainOperations {
     std::vector<Operation> vecOperations;
 
@@ -212,7 +212,7 @@ std::vector<Operation> operations() {
     toStructure(&texts.getElements(), pTexts.get());
     const auto allStreams = with(&StreamId::setId, All);
     const auto getAVStreams = [](auto&... args) { return FleetKit::getAVStreamParam(args...); };
-    const std::vector<Operation> vecByHand{
+    PlainOperations all{{
         {"setDevicePasswd", 33509, onChannel(All, passwords, KXBool()),
          [](Handle handle) { return FleetKit::setDevicePasswd(handle, "", "gr\u00fcn"); }},
         {"setDeviceReset", 18001, onChannel(All, with(&EtHoldTypeList::setType, {1, 3})),
@@ -262,11 +262,9 @@ std::vector<Operation> operations() {
         getting<tagAllChannelInfo>("getAllChannelInfo", 41259, onChannel(All), channels,
                                    FleetKit::getAllChannelInfo, RecorderType),
         gettingByType<ChannelInfo>("getChannelInfo", 41259, channels, FleetKit::getChannelInfo),
-    };
-    PlainOperations plain;
-    visitPlainFunctions(plain);
-    plain.vecOperations.insert(plain.vecOperations.end(), vecByHand.begin(), vecByHand.end());
-    return plain.vecOperations;
+    }};
+    visitPlainFunctions(all);
+    return all.vecOperations;
 }
 
 void expectTold(const Rows<CarriedRecord>& told, const Records& records) {
