@@ -91,16 +91,13 @@ const Answer Broken = [](const PeerRequest&) { return "no command"; };
 const Answer Empty = [](const PeerRequest&) { return ""; };
 
 HostNetwork network() {
-    auto network = with(&HostNetwork::setLocalIp, NewAddress);
-    network.setIPProtoVer(1);
-    return network;
+    return with(&HostNetwork::setLocalIp, NewAddress, &HostNetwork::setIPProtoVer, 1);
 }
 
 User admin(const std::string& strPassword = "admin") {
-    auto user = with(&User::setUserName, "admin");
-    user.setPassword(strPassword);
-    user.setIP("198.51.100.1");  // stays here
-    return user;
+    // The address stays here.
+    return with(&User::setUserName, "admin", &User::setPassword, strPassword, &User::setIP,
+                "198.51.100.1");
 }
 
 int setFrom(const InetAddr& local) {
@@ -143,8 +140,8 @@ TEST(DeviceSearchChannel, SendsOneCommandWithTheFiveRecordsToTheGroupOfItsVersio
             EXPECT_EQ(request.m_head.getCommandID(), 32506U);
             EXPECT_EQ(request.m_head.getSessionId(), 0U);
             EXPECT_FALSE(request.m_head.isFlagA() || request.m_head.isFlagB());
-            auto credentials = with(&User::setUserName, enciphered("admin"));
-            credentials.setPassword(enciphered("admin"));
+            const auto credentials = with(&User::setUserName, enciphered("admin"),
+                                          &User::setPassword, enciphered("admin"));
             const auto device = with(&DeviceId::setId, "IPC-1");
             const auto version = with(&EtIPProtoVer::setIPProtoVer, 1);
             EXPECT_EQ(request.m_strBody,

@@ -36,17 +36,12 @@ constexpr std::uint32_t GetTime = CommandId::getDeviceTime;
 constexpr std::uint32_t Reads = 2;  // as an operation of the catalogue
 
 Records credentials(const std::string& strUser, const std::string& strPassword) {
-    auto user = with(&UserParam::setUserName, strUser);
-    user.setPassword(strPassword);
-    return recordsOf(user);
+    return recordsOf(with(&UserParam::setUserName, strUser, &UserParam::setPassword, strPassword));
 }
 
 DeviceTime time(int nYear, int nMonth, int nDay, int nHour) {
-    auto time = with(&DeviceTime::setYear, nYear);
-    time.setMonth(nMonth);
-    time.setDay(nDay);
-    time.setHour(nHour);
-    return time;
+    return with(&DeviceTime::setYear, nYear, &DeviceTime::setMonth, nMonth, &DeviceTime::setDay,
+                nDay, &DeviceTime::setHour, nHour);
 }
 
 class RawClient {
@@ -170,8 +165,8 @@ TEST_F(VirtualDeviceTest, WhatCannotBeIsRefusedAndChangesNothing) {
     vecStreams.front().setQuality(-7);
     const auto otherText = with(&OSDUserParam::setCameraId, 2);
     vecStreams.back().setStreamId(9);
-    auto passwords = with(&EtChangePasswordReq::setOldPassword, enciphered("wrong"));
-    passwords.setNewPassword(enciphered("new"));
+    const auto passwords = with(&EtChangePasswordReq::setOldPassword, enciphered("wrong"),
+                                &EtChangePasswordReq::setNewPassword, enciphered("new"));
     const struct {
         std::uint32_t nCommandId;
         Records vecRequest;

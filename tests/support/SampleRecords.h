@@ -23,10 +23,13 @@ Record sample() {
     return record;
 }
 
-// A record in which this setter alone was called.
-template <class Record, class Value>
-Record with(void (Record::*set)(Value), std::remove_cv_t<std::remove_reference_t<Value>> value) {
+// A record in which these setters alone were called, each of which stands in front of its value.
+template <class Record, class Value, class... More>
+Record with(void (Record::*set)(Value), std::remove_cvref_t<Value> value, More&&... more) {
     Record record;
+    if constexpr (sizeof...(more) > 0) {
+        record = with(std::forward<More>(more)...);
+    }
     (record.*set)(std::move(value));
     return record;
 }

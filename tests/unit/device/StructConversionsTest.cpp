@@ -104,8 +104,8 @@ TEST(StructConversions, CutTextsBetweenCharacters) {
     for (const auto& [strCharacter, nBytesThatFit] : arrCases) {
         const std::string strWhole(35 - nBytesThatFit, 'n');
         const bool bIsCharacter = strCharacter.front() != '\x80';
-        AVStreamParam stream;
-        stream.setStreamName(strWhole + strCharacter + strCharacter);
+        const auto stream =
+            with(&AVStreamParam::setStreamName, strWhole + strCharacter + strCharacter);
         const auto pStreams = written<tagAllAVStreamParam>(std::vector{stream});
         EXPECT_EQ(pStreams->Streams[0].StreamName,
                   bIsCharacter ? strWhole : strWhole + strCharacter.substr(0, nBytesThatFit));
@@ -114,10 +114,9 @@ TEST(StructConversions, CutTextsBetweenCharacters) {
 
 TEST(StructConversions, EndAChannelsTextsOnlyWhereThereIsRoom) {
     for (const std::size_t nLength : {31U, 48U, 300U}) {
-        ChannelInfo channel;
-        channel.setDeviceType(103);
-        channel.setChannelName(std::string(nLength, 'n'));
-        channel.setDeviceID(std::string(nLength, 'd'));
+        auto channel =
+            with(&ChannelInfo::setDeviceType, 103, &ChannelInfo::setChannelName,
+                 std::string(nLength, 'n'), &ChannelInfo::setDeviceID, std::string(nLength, 'd'));
         const auto pChannels = written<tagAllChannelInfo>(std::vector{channel});
         const tagChannelInfo& first = pChannels->Channels[0];
         EXPECT_EQ(strnlen(first.ChannelName, 48), std::min<std::size_t>(nLength, 48));

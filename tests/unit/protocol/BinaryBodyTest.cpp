@@ -10,24 +10,18 @@
 namespace {
 
 EtCOMWriteData comWrite() {
-    auto write = with(&EtCOMWriteData::setComData, dataOf("xyz"));
-    write.setComId(2);
-    write.setComType(0x80000003);
-    return write;
+    return with(&EtCOMWriteData::setComData, dataOf("xyz"), &EtCOMWriteData::setComId, 2U,
+                &EtCOMWriteData::setComType, 0x80000003);
 }
 
 EtPTZOperation ptzOperation() {
-    auto operation = with(&EtPTZOperation::setCameraId, 5);
-    operation.setPTZId(6);
-    operation.setPTZOperation("UP");
-    operation.setName("gate");
-    return operation;
+    return with(&EtPTZOperation::setCameraId, 5, &EtPTZOperation::setPTZId, 6,
+                &EtPTZOperation::setPTZOperation, "UP", &EtPTZOperation::setName, "gate");
 }
 
 EtFileDataPack filePack(const std::string& strData) {
-    auto pack = with(&EtFileDataPack::setDataBuffer, dataOf(strData));
-    pack.setPackFlag(0xC1);
-    return pack;
+    return with(&EtFileDataPack::setPackFlag, 0xC1, &EtFileDataPack::setDataBuffer,
+                dataOf(strData));
 }
 
 // One command id with the bytes of its body.

@@ -52,17 +52,13 @@ const SDKCommandParser SDKParser;
 const BinCommandParser BinParser;
 
 UserParam admin() {
-    auto user = with(&UserParam::setUserName, enciphered("admin"));
-    user.setPassword(enciphered("secret#1"));
-    return user;
+    return with(&UserParam::setUserName, enciphered("admin"), &UserParam::setPassword,
+                enciphered("secret#1"));
 }
 
 NTPParam ntp() {
-    auto param = with(&NTPParam::setNTPIp, "10.0.0.5");
-    param.setNTPEnableFlag(true);
-    param.setNTPPort(123);
-    param.setNTPRunTime(60);
-    return param;
+    return with(&NTPParam::setNTPPort, 123, &NTPParam::setNTPIp, "10.0.0.5",
+                &NTPParam::setNTPEnableFlag, true, &NTPParam::setNTPRunTime, 60);
 }
 
 // A head whose type and length are of no command.

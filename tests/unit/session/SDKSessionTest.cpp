@@ -283,8 +283,7 @@ TEST(SDK_DeviceSessionCreator, LogsInAndOutWithEncipheredCredentials) {
         {
             ScriptedPeer peer(welcoming(vecAsked));
             const DeviceInfoEx admin = peer.getDeviceInfo();
-            DeviceInfoEx nobody;
-            nobody.setDeviceAddr(admin.getDeviceAddr());
+            const auto nobody = with(&DeviceInfoEx::setDeviceAddr, admin.getDeviceAddr());
             // Handles are never used again.
             for (const auto& [nExpected, info] : {std::pair{1L, admin}, {2L, nobody}}) {
                 long nHandle = Untouched;

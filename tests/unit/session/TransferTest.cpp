@@ -198,8 +198,7 @@ TEST(TransferConnector, NeedsAnAddressAndAFactoryWhichARegistrarProvides) {
     constexpr int Kind = 901;
     SafePointer<ITransfer> transfer;
     const auto connect = [&](int nKind) {
-        DeviceInfoEx info;
-        info.setDeviceAddr(addressOf("not a name", 9));
+        const auto info = with(&DeviceInfoEx::setDeviceAddr, addressOf("not a name", 9));
         return TransferConnector().connect(info, nKind, transfer, LongMs);
     };
     EmptyFactory replaced;  // which is not deleted
@@ -216,12 +215,10 @@ TEST(TransferConnector, NeedsAnAddressAndAFactoryWhichARegistrarProvides) {
 
 TEST(TransferConnector, TheRouterIsDialledWhenItsMappingIsOn) {
     const auto dialled = [](bool bMapping, const char* szRouter) {
-        DeviceInfoEx info;
-        info.setDeviceAddr(addressOf("10.0.0.7", 30001, 2));
-        info.setRouterMappingEnableFlag(bMapping);
-        info.setRouterAddr(szRouter);
-        info.setRouterMappingControlPort(40001);
-        return getDialAddr(info);
+        return getDialAddr(with(&DeviceInfoEx::setRouterMappingControlPort, 40001,
+                                &DeviceInfoEx::setDeviceAddr, addressOf("10.0.0.7", 30001, 2),
+                                &DeviceInfoEx::setRouterMappingEnableFlag, bMapping,
+                                &DeviceInfoEx::setRouterAddr, szRouter));
     };
     EXPECT_EQ(dialled(false, "10.9.9.9"), addressOf("10.0.0.7", 30001, 2));
     EXPECT_EQ(dialled(true, "10.9.9.9"), addressOf("10.9.9.9", 40001, 2));
