@@ -26,6 +26,7 @@
 #include "domain/DeviceTime.h"
 #include "domain/NTPParam.h"
 #include "support/LoginData.h"
+#include "support/NextDoor.h"
 #include "virtual-device/VirtualDevice.h"
 
 using namespace std::chrono_literals;
@@ -42,15 +43,8 @@ struct Laboratory {
     std::uint16_t nGood, nSilent, nTrickling, nSlow, nCut;
 };
 
-// The devices, in a process of their own, until this one ends.
-Laboratory openLaboratory(const std::string& strSlowAnswerMs) {
-    int arrPorts[2];
-    int arrEnd[2];
-    if (pipe(arrPorts) != 0 || pipe(arrEnd) != 0) {
-        std::exit(2);
-    }
-    if (fork() == 0) {
-        close(arrEnd[1]);
+NextDoor<Laboratory> openLaboratory(const std::string& strSlowAnswerMs) {
+    return NextDoor<Laboratory>([&](const auto& serve) {
         const auto options = [](std::vector<Misbehaviour> vecMisbehaviours = {}) {
             DeviceOptions made;
             made.nMaxConnections = 4000;
@@ -64,27 +58,15 @@ Laboratory openLaboratory(const std::string& strSlowAnswerMs) {
         const VirtualDevice slow(
             options({parseMisbehaviour("delay=" + strSlowAnswerMs + ":getDeviceTime")}));
         VirtualDevice cut(options());
-        const Laboratory ports{good.getPort(), silent.getPort(), trickling.getPort(),
-                               slow.getPort(), cut.getPort()};
-        std::jthread cutter([&](const std::stop_token& stop) {
+        const std::jthread cutter([&](const std::stop_token& stop) {
             while (!stop.stop_requested()) {
                 std::this_thread::sleep_for(50ms);
                 cut.dropConnections();
             }
         });
-        char cEnd = 0;
-        if (write(arrPorts[1], &ports, sizeof(ports)) > 0 && read(arrEnd[0], &cEnd, 1) < 0) {
-            _exit(2);
-        }
-        cutter = {};
-        _exit(0);
-    }
-    close(arrEnd[0]);
-    Laboratory ports{};
-    if (read(arrPorts[0], &ports, sizeof(ports)) != sizeof(ports)) {
-        std::exit(2);
-    }
-    return ports;
+        serve(
+            {good.getPort(), silent.getPort(), trickling.getPort(), slow.getPort(), cut.getPort()});
+    });
 }
 
 struct Holdings {
@@ -110,7 +92,7 @@ Holdings holdings() {
 class Soak {
 public:
     explicit Soak(int nMinutes)
-        : m_ports(openLaboratory(nMinutes > 0 ? "8000" : "500")),
+        : m_laboratory(openLaboratory(nMinutes > 0 ? "8000" : "500")),
           m_nTenths(nMinutes > 0 ? 10 : 1),
           m_pause(nMinutes > 0 ? 30ms : 0ms),
           m_end(Clock::now() + std::chrono::minutes(nMinutes)) {}
@@ -212,7 +194,8 @@ private:
         std::fflush(stdout);
     }
 
-    const Laboratory m_ports;
+    const NextDoor<Laboratory> m_laboratory;
+    const Laboratory& m_ports = m_laboratory.ports();
     const int m_nTenths;
     const std::chrono::milliseconds m_pause;
     const Clock::time_point m_end;

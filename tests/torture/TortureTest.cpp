@@ -1,17 +1,13 @@
 // The library on a system that refuses it something at every point in turn, and through connections
 // that carry few bytes at once.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <pthread.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <filesystem>
 #include <iterator>
 #include <memory>
 #include <new>
 #include <string>
-#include <tuple>
 #include <vector>
 
 #include "Product/Technic/KXLogger.h"
@@ -22,6 +18,7 @@
 #include "domain/DeviceTime.h"
 #include "domainxml/XmlCursor.h"
 #include "support/LoginData.h"
+#include "support/NextDoor.h"
 #include "support/SampleRecords.h"
 #include "support/TempDir.h"
 #include "torture/Faults.h"
@@ -40,45 +37,6 @@ constexpr int HeartbeatDescriptors = 1;
 constexpr std::size_t SmallStack = 192U << 10;
 constexpr int DeepestBody = 64;
 
-// A camera in a process of its own, which nothing is refused to. It ends with this one.
-class DeviceNextDoor {
-public:
-    DeviceNextDoor() {
-        int arrPort[2];
-        int arrEnd[2];
-        if (pipe(arrPort) != 0 || pipe(arrEnd) != 0) {
-            throw std::runtime_error("no pipe");
-        }
-        m_nProcess = fork();
-        if (m_nProcess == 0) {
-            close(arrEnd[1]);
-            {
-                const VirtualDevice device;
-                const std::uint16_t nPort = device.getPort();
-                std::ignore = write(arrPort[1], &nPort, sizeof(nPort));
-                char cEnd = 0;
-                std::ignore = read(arrEnd[0], &cEnd, sizeof(cEnd));
-            }
-            _exit(0);
-        }
-        close(arrEnd[0]);
-        m_nEnd = arrEnd[1];
-        std::ignore = read(arrPort[0], &m_nPort, sizeof(m_nPort));
-    }
-
-    ~DeviceNextDoor() {
-        close(m_nEnd);
-        waitpid(m_nProcess, nullptr, 0);
-    }
-
-    std::uint16_t getPort() const { return m_nPort; }
-
-private:
-    pid_t m_nProcess = -1;
-    int m_nEnd = -1;
-    std::uint16_t m_nPort = 0;
-};
-
 class Torture : public testing::TestWithParam<std::string> {
 public:
     // What each call gives, from login to logout.
@@ -94,9 +52,8 @@ public:
         long handle = 0;
         call([&] { return login(m_info, handle); });
         if (handle != 0) {
-            DeviceTime time = with(&DeviceTime::setYear, 2031);
-            time.setMonth(1);
-            time.setDay(1);
+            auto time =
+                with(&DeviceTime::setYear, 2031, &DeviceTime::setMonth, 1, &DeviceTime::setDay, 1);
             call([&] { return FleetKit::getDeviceTime(handle, time); });
             call([&] { return FleetKit::setDeviceReSetTime(handle, 0, time); });
             call([&] {
@@ -119,8 +76,11 @@ public:
         return m_vecCodes;
     }
 
-    const DeviceNextDoor m_device;
-    const DeviceInfoEx m_info = loginData(m_device.getPort());
+    const NextDoor<std::uint16_t> m_camera{[](const auto& serve) {
+        const VirtualDevice device;
+        serve(device.getPort());
+    }};
+    const DeviceInfoEx m_info = loginData(m_camera.ports());
     const TempDir m_directory;
     const std::unique_ptr<NS_TARN_STRUCT::tagAllAVStreamParam> m_pStreams =
         std::make_unique<NS_TARN_STRUCT::tagAllAVStreamParam>();
