@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <new>
 #include <set>
 #include <string>
 #include <utility>
@@ -46,6 +47,8 @@ using Handle = const long&;
 constexpr int DeviceCode = 7;
 constexpr int All = -1;  // as a channel or a stream
 constexpr long UnknownHandle = 1000;
+
+thread_local bool g_bNoMemory = false;  // for blocks asked for without an exception
 
 // A body with this result code and these records behind it.
 std::string bodyOf(int nCode, Records records) {
@@ -323,6 +326,10 @@ void expectDecision(LoggedInDevice& device, const Operation& operation) {
 
 }  // namespace
 
+void* operator new[](std::size_t nSize, const std::nothrow_t&) noexcept {
+    return g_bNoMemory ? nullptr : ::operator new[](nSize);
+}
+
 TEST(FleetKit, SendsTheRecordsOfEachOperationAndTakesItsAnswerAndLogsNoPassword) {
     const std::string strLog = outputOfChild([] {
         setLogFilter(LogLevel::Trace);
@@ -375,6 +382,19 @@ TEST(FleetKit, LeavesTwoOfTheObjectsHandedOverAsTheyWere) {
         std::string strResult = "as it was";
         EXPECT_EQ(FleetKit::exeCommand(device.handle(), "ls", strResult), ErrorCode::Success);
         EXPECT_EQ(strResult, "as it was");
+    });
+}
+
+TEST(FleetKit, SendsNoPasswordThatCannotBeEnciphered) {
+    outputOfChild([] {
+        LoggedInDevice device;
+        g_bNoMemory = true;
+        for (const auto& [szOld, szNew] : {std::pair("old", ""), std::pair("", "new")}) {
+            EXPECT_EQ(FleetKit::setDevicePasswd(device.handle(), szOld, szNew),
+                      ErrorCode::CipherFailed);
+        }
+        g_bNoMemory = false;
+        EXPECT_TRUE(device.takeRequests().empty());
     });
 }
 

@@ -1,8 +1,10 @@
 // Texts from outside: whatever comes, the answer is a tree or a clean refusal.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 
+#include "domain/RecordDescriptor.h"
 #include "domainxml/DomainXmlNode.h"
 #include "support/WireBytes.h"
 
@@ -26,6 +28,16 @@ std::string attributes(int nCount) {
         strText += " a" + std::to_string(i) + "='=<>'";
     }
     return strText;
+}
+
+// How many levels of elements a record takes in a text.
+int levelsOf(const RecordDescriptor& descriptor) {
+    int nLevels = 1;
+    for (const FieldDescriptor& field : descriptor) {
+        const int nItems = field.nKind == FieldKind::Block ? 0 : 2;
+        nLevels = std::max(nLevels, nItems + (field.nested ? levelsOf(field.nested()) : 0));
+    }
+    return nLevels;
 }
 
 // Each text that the parser always took, beside one of its kind that is no document.
@@ -98,6 +110,9 @@ TEST(XmlDocument, BoundsNestingAttributesAndNodes) {
     for (const auto& [strGood, strBad] : vecTexts) {
         EXPECT_TRUE(parses(strGood)) << strGood.substr(0, 60);
         EXPECT_FALSE(parses(strBad)) << strBad.substr(0, 60);
+    }
+    for (const RecordDescriptor* pDescriptor : recordDescriptors()) {
+        EXPECT_LT(levelsOf(*pDescriptor), 32) << pDescriptor->szClass;
     }
 }
 
