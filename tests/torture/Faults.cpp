@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <new>
+#include <utility>
 
 namespace {
 
@@ -35,10 +36,10 @@ constexpr Call Calls[] = {{"new", ENOMEM},
 
 constexpr int Never = -1;
 
-std::atomic<int> g_nFailing{Never};    // a CallId
-std::atomic<int> g_nLeft{0};           // how many of that call go well before
-std::atomic<std::size_t> g_nFirst{0};  // sizes of pieces; 0 is any
-std::atomic<std::size_t> g_nBytes{0};
+std::atomic<int> g_nFailing{Never};  // a CallId
+std::atomic<int> g_nLeft{0};         // how many of that call go well before
+std::atomic<const std::vector<std::size_t>*> g_pSizes{nullptr};  // of pieces; null is any
+std::atomic<std::size_t> g_nPieces{0};
 
 // Whether this call is the one to fail, with errno set.
 bool fails(CallId call) {
@@ -50,9 +51,8 @@ bool fails(CallId call) {
 }
 
 std::size_t piece(std::size_t nLength) {
-    const std::size_t nFirst = g_nFirst.exchange(0);
-    const std::size_t nLimit = nFirst != 0 ? nFirst : g_nBytes.load();
-    return nLimit == 0 ? nLength : std::min(nLength, nLimit);
+    const std::vector<std::size_t>* pSizes = g_pSizes;
+    return pSizes == nullptr ? nLength : std::min(nLength, (*pSizes)[g_nPieces++ % pSizes->size()]);
 }
 
 }  // namespace
@@ -80,14 +80,12 @@ bool Failing::hasFailed() const {
     return g_nLeft < 0;
 }
 
-Pieces::Pieces(std::size_t nFirst, std::size_t nBytes) {
-    g_nBytes = nBytes;
-    g_nFirst = nFirst;
+Pieces::Pieces(std::vector<std::size_t> vecSizes) : m_vecSizes(std::move(vecSizes)) {
+    g_pSizes = &m_vecSizes;
 }
 
 Pieces::~Pieces() {
-    g_nFirst = 0;
-    g_nBytes = 0;
+    g_pSizes = nullptr;
 }
 
 extern "C" __attribute__((visibility("default"))) const char* __lsan_default_suppressions();

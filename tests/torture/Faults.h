@@ -20,11 +20,15 @@ public:
     bool hasFailed() const;
 };
 
-// While it lives, at most so many bytes go through a socket at once; the first may take more.
+// While it lives, what goes through sockets at once is no larger than these sizes, one after the
+// other and again from the first.
 class Pieces {
 public:
-    Pieces(std::size_t nFirst, std::size_t nBytes);
+    explicit Pieces(std::vector<std::size_t> vecSizes);
     ~Pieces();
     Pieces(const Pieces&) = delete;
     Pieces& operator=(const Pieces&) = delete;
+
+private:
+    const std::vector<std::size_t> m_vecSizes;
 };
