@@ -18,9 +18,6 @@ public:
 
     void advanceMs(std::uint64_t nMs) { m_nNowMs += nMs; }
 
-    // Everything that was slept on this clock so far, by all threads together.
-    std::uint64_t getSleptMs() const { return m_nSleptMs; }
-
     std::uint64_t monotonicMs() override { return m_nNowMs; }
     std::time_t calendarTime() override { return m_nCalendarOffset + toSeconds(m_nNowMs); }
 
@@ -29,7 +26,6 @@ public:
         if (SocketApi::waitForAny(sockets, {}) > 0) {
             return;
         }
-        m_nSleptMs += nMs;
         m_nNowMs += nMs;
         std::this_thread::yield();
     }
@@ -38,6 +34,5 @@ private:
     static std::time_t toSeconds(std::uint64_t nMs) { return static_cast<std::time_t>(nMs / 1000); }
 
     std::atomic<std::uint64_t> m_nNowMs;
-    std::atomic<std::uint64_t> m_nSleptMs{0};
     const std::time_t m_nCalendarOffset;
 };

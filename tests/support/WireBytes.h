@@ -52,9 +52,3 @@ template <class... Record>
 Records recordsOf(Record... record) {
     return {wrapSafe<BaseDomain>(std::make_unique<Record>(std::move(record)))...};
 }
-
-// The record at this place, whose type the test has made sure of.
-template <class Record>
-const Record& recordAt(const Records& records, std::size_t nIndex) {
-    return static_cast<const Record&>(*records.at(nIndex));
-}

@@ -32,11 +32,8 @@ inline std::vector<std::uint32_t> idsOf(const Records& records) {
 
 inline SDKCommandHeadInfo headOf(std::uint32_t nCommandID, std::uint16_t nSequence = 0,
                                  std::uint32_t nSessionId = 0) {
-    SDKCommandHeadInfo head;
-    head.setCommandID(nCommandID);
-    head.setSequence(nSequence);
-    head.setSessionId(nSessionId);
-    return head;
+    return with(&SDKCommandHeadInfo::setCommandID, nCommandID, &SDKCommandHeadInfo::setSequence,
+                nSequence, &SDKCommandHeadInfo::setSessionId, nSessionId);
 }
 
 // A message whose head announces `nLength` bytes, with the bytes that come.

@@ -159,7 +159,7 @@ TEST(XmlBodyTest, ADerivedParserMakesRecordsOfItsOwn) {
     ASSERT_TRUE(SpecialBodyParser().parseCommandBody(
         payloadOf("<P><NTPParam/><Result Id=\"8\"/><None/></P>"), records));
     ASSERT_EQ(idsOf(records), (Ids{206, ChannelId::DomainId}));
-    EXPECT_EQ(recordAt<ChannelId>(records, 1).getId(), 8);
+    EXPECT_EQ(findRecord<ChannelId>(records)->getId(), 8);
 }
 
 }  // namespace

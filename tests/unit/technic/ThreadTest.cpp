@@ -116,12 +116,12 @@ TEST_F(WorkerTest, StopPollsForFiveSecondsAndThenWaitsForTheEnd) {
     EXPECT_TRUE(worker.start()) << "running already";
     waitUntil([&] { return worker.m_nRounds == 1; });
     const std::jthread releaser([&] {
-        waitUntil([&] { return m_clock.getSleptMs() >= 5000; });
+        waitUntil([&] { return m_clock.monotonicMs() >= 5000; });
         std::this_thread::sleep_for(std::chrono::milliseconds(20));  // let the wait begin
         bGo = true;
     });
     EXPECT_TRUE(worker.stop());
-    EXPECT_EQ(m_clock.getSleptMs(), 5000u);
+    EXPECT_EQ(m_clock.monotonicMs(), 5000u);
     EXPECT_FALSE(worker.isRunning());
     EXPECT_EQ(thread.join(), -4);
     EXPECT_TRUE(worker.stop());
@@ -159,8 +159,8 @@ TEST_F(WorkerTest, HonoursRoundLimitAndSkipCount) {
     worker.m_nSkipCount = 1;
     ASSERT_TRUE(worker.start());
     worker.waitForEnd();
-    EXPECT_EQ(worker.m_nRounds, 3);          // rounds 0, 2 and 4
-    EXPECT_EQ(m_clock.getSleptMs(), 2000u);  // rounds 1 and 3
+    EXPECT_EQ(worker.m_nRounds, 3);           // rounds 0, 2 and 4
+    EXPECT_EQ(m_clock.monotonicMs(), 2000u);  // rounds 1 and 3
     EXPECT_TRUE(worker.start());
     EXPECT_EQ(worker.m_nSetups, 2);
 }
@@ -201,7 +201,7 @@ TEST_F(WorkerTest, FailedStepsAreWrittenAndExceptionsEndEveryWorker) {
                           bEndsSystem ? "#,[SystemStop] " + strReason + "\n" : "");
             }
             EXPECT_EQ(isSystemRunning(), !bEndsSystem);
-            EXPECT_EQ(m_clock.getSleptMs(), bEndsSystem ? 1000u : 0u);
+            EXPECT_EQ(m_clock.monotonicMs(), bEndsSystem ? 1000u : 0u);
             if (bEndsSystem) {
                 bystander.waitForEnd();
             }
