@@ -7,7 +7,6 @@ one of facade-functions.txt (beside EXPORTED-RECORDS) or to an exported record, 
 has to be there. EXPORTED-RECORDS is the generator's list of the records' headers.
 """
 
-import _ctypes
 import ctypes
 import os
 import re
@@ -84,7 +83,8 @@ def check_soname(library):
 
 def check_closing(library):
     """Its threads go on in the library when the last user has closed it."""
-    _ctypes.dlclose(ctypes.CDLL(str(library))._handle)
+    handle = ctypes.c_void_p(ctypes.CDLL(str(library))._handle)
+    ctypes.CDLL(None).dlclose(handle)
     try:
         ctypes.CDLL(str(library), mode=os.RTLD_NOLOAD)
     except OSError:
