@@ -8,6 +8,7 @@ from pathlib import Path
 ROOT = Path(__file__).resolve().parents[2]
 sys.path.insert(0, str(ROOT / "codegen"))
 
+from operations import function_list
 from schema import read_schema
 
 SCHEMA = read_schema(ROOT / "schema")
@@ -36,6 +37,13 @@ class ErrorCodes(unittest.TestCase):
                           read("src/device/FleetKit.h") + read("src/device/Login.h"))
         self.assertGreater(len(told), 20)
         self.assertLessEqual(set(told), {(code.name, str(code.number)) for code in SCHEMA.codes})
+
+
+class Functions(unittest.TestCase):
+    def test_the_header_declares_those_of_the_table(self):
+        declared = re.findall(r"^    static int (\w+)\(", read("src/device/FleetKit.h"), re.M)
+        self.assertEqual(sorted(f"FleetKit::{name}" for name in declared),
+                         function_list(SCHEMA).split())
 
 
 class DeviceTypes(unittest.TestCase):
