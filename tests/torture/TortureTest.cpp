@@ -1,5 +1,5 @@
 // The library on a system that refuses it something at every point in turn, and through connections
-// that carry few bytes at once.
+// that carry few bytes at once. Each test has a process of its own: the first login starts a thread.
 #include <gmock/gmock.h>
 #include <pthread.h>
 
@@ -18,6 +18,8 @@
 #include "device/TarnStruct.h"
 #include "device/TextFunctions.h"
 #include "domain/DeviceTime.h"
+#include "domain/DomainFactory.h"
+#include "domainxml/DomainXmlFactory.h"
 #include "domainxml/XmlCursor.h"
 #include "support/LoginData.h"
 #include "support/NextDoor.h"
@@ -116,6 +118,20 @@ TEST_P(Torture, EveryRefusalOfTheSystemIsACodeAndPasses) {
 
 INSTANTIATE_TEST_SUITE_P(Calls, Torture, testing::ValuesIn(fallibleCalls()),
                          [](const auto& name) { return name.param; });
+
+// The first allocation of each is the object itself.
+TEST(Factories, GiveNothingWithoutMemory) {
+    const std::string strSingle = "NTPParam";
+    const std::string strList = "NTPParamList";
+    const auto givesNothing = [](const auto& lookUp) {
+        const Failing failing("new", 0);
+        return lookUp() == nullptr && failing.hasFailed();
+    };
+    EXPECT_TRUE(givesNothing([&] { return createSingleDomain(strSingle); }));
+    EXPECT_TRUE(givesNothing([&] { return createListDomain(strList); }));
+    EXPECT_TRUE(givesNothing([&] { return createDomainXml(206); }));
+    EXPECT_FALSE(createDomain(strList) == nullptr || createDomainXml(206) == nullptr);
+}
 
 TEST_F(Torture, MessagesArriveInAnyPieces) {
     std::minstd_rand random;
