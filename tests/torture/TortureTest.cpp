@@ -1,5 +1,6 @@
 // The library on a system that refuses it something at every point in turn, and through connections
-// that carry few bytes at once. Each test has a process of its own: the first login starts a thread.
+// that carry few bytes at once. Each test has a process of its own: the first login starts a
+// thread.
 #include <gmock/gmock.h>
 #include <pthread.h>
 
