@@ -13,8 +13,8 @@
 // The command, for a caller who waits for its answer.
 std::int32_t sendHeartBeat(const SafePointer<SDKSession>& session);
 
-// Holds the session's turn while it is under way. Its end shows in the
-// session's count of failures, whatever failed, an exception included.
+// Holds the session's turn while it is under way. Its end shows in the session's count of failures,
+// whatever failed, an exception included.
 class KeepAlive {
 public:
     explicit KeepAlive(const SafePointer<SDKSession>& session);
