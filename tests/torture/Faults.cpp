@@ -57,14 +57,6 @@ std::size_t piece(std::size_t nLength) {
 
 }  // namespace
 
-std::vector<std::string> fallibleCalls() {
-    std::vector<std::string> vecNames;
-    for (const Call& call : Calls) {
-        vecNames.emplace_back(call.szName);
-    }
-    return vecNames;
-}
-
 Failing::Failing(const std::string& strCall, int nFailing) {
     const auto* pCall = std::find_if(std::begin(Calls), std::end(Calls),
                                      [&](const Call& call) { return call.szName == strCall; });

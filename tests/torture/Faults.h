@@ -5,11 +5,8 @@
 #include <string>
 #include <vector>
 
-// The calls, by name; "new" is an allocation.
-std::vector<std::string> fallibleCalls();
-
 // While it lives, the call of this name that comes as number `nFailing`, counted from 0 over all
-// threads, fails.
+// threads, fails; "new" is an allocation.
 class Failing {
 public:
     Failing(const std::string& strCall, int nFailing);
