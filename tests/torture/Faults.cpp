@@ -87,8 +87,13 @@ const char* __lsan_default_suppressions() {
     return "leak:TiXmlNode::Identify\nleak:TiXmlElement::Parse\n";
 }
 
+// Those of arrays as well: a sanitizer has its own, which do not come by here.
 void* operator new(std::size_t nSize, const std::nothrow_t&) noexcept {
     return fails(New) ? nullptr : std::malloc(nSize);
+}
+
+void* operator new[](std::size_t nSize, const std::nothrow_t& tag) noexcept {
+    return ::operator new(nSize, tag);
 }
 
 void* operator new(std::size_t nSize) {
@@ -96,11 +101,23 @@ void* operator new(std::size_t nSize) {
     return pMemory != nullptr ? pMemory : throw std::bad_alloc();
 }
 
+void* operator new[](std::size_t nSize) {
+    return ::operator new(nSize);
+}
+
 void operator delete(void* pMemory) noexcept {
     std::free(pMemory);
 }
 
+void operator delete[](void* pMemory) noexcept {
+    std::free(pMemory);
+}
+
 void operator delete(void* pMemory, std::size_t) noexcept {
+    std::free(pMemory);
+}
+
+void operator delete[](void* pMemory, std::size_t) noexcept {
     std::free(pMemory);
 }
 
